@@ -1,0 +1,168 @@
+// Batch transfers, look-ups, JSON in and out, the result object.
+#include "Common.h"
+
+#include <InstrumentClient.h>
+#include <rapidjson/memorystream.h>
+#include <rapidjson/prettywriter.h>
+#include <rapidjson/stringbuffer.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+namespace {
+
+using BatchCall = unsigned long (*)(unsigned long, ParamList*, unsigned long);
+
+/// The records of a whole map, in the map's own iteration order. Here and below done() ends the
+/// walk: of a closed map begin() is not end().
+std::unique_ptr<ParamList[]> makeRecords(const ParameterMap& aMap) {
+  std::unique_ptr<ParamList[]> pList(new ParamList[aMap.current_size()]);
+  ParamList* record = pList.get();
+  for (ParameterMapConstIter it(aMap); !it.done(); it.advance()) {
+    (*it).item()->fill(*record++);
+  }
+  return pList;
+}
+
+/// The member, or null when there is none.
+const Value* findMember(const Value& parent, const char* name) {
+  if (!parent.IsObject()) {
+    return nullptr;
+  }
+  const auto member = parent.FindMember(name);
+  return member == parent.MemberEnd() ? nullptr : &member->value;
+}
+
+bool isAscii(const char* text, std::size_t length) {
+  for (std::size_t i = 0; i < length; ++i) {
+    if (static_cast<unsigned char>(text[i]) >= 0x80) {
+      return false;
+    }
+  }
+  return true;
+}
+
+/// Copies the text, with U+FFFD for each byte that belongs to no UTF-8 sequence.
+void repairUtf8(const char* text, std::size_t length, rapidjson::StringBuffer& repaired) {
+  std::size_t position = 0;
+  while (position < length) {
+    rapidjson::MemoryStream rest(text + position, length - position);
+    unsigned codepoint = 0;
+    if (rapidjson::UTF8<>::Decode(rest, &codepoint)) {
+      rapidjson::UTF8<>::Encode(repaired, codepoint);
+      position += rest.Tell();
+    } else {
+      rapidjson::UTF8<>::Encode(repaired, 0xFFFD);
+      ++position;
+    }
+  }
+}
+
+}  // namespace
+
+unsigned int readParams(const ParameterMap& aMap, unsigned long aHandle) {
+  const std::unique_ptr<ParamList[]> pList = makeRecords(aMap);
+  const unsigned long ulResult = ReadParamList(aHandle, pList.get(), aMap.current_size());
+  // Also after a failure: a read that ended early has left the values that did arrive.
+  const ParamList* record = pList.get();
+  for (ParameterMapConstIter it(aMap); !it.done(); it.advance()) {
+    (*it).item()->update(*record++);
+  }
+  return static_cast<unsigned int>(ulResult);
+}
+
+unsigned int writeParams(const ParameterMap& aMap, unsigned long aHandle) {
+  const std::unique_ptr<ParamList[]> pList = makeRecords(aMap);
+  return static_cast<unsigned int>(WriteParamList(aHandle, pList.get(), aMap.current_size()));
+}
+
+void clearParamMap(const ParameterMap& aMap, bool bclose) {
+  for (ParameterMapConstIter it(aMap); !it.done(); it.advance()) {
+    delete (*it).item();
+  }
+  // Whoever holds a map may clear it; the reference is const only to say that no value changes.
+  auto& map = const_cast<ParameterMap&>(aMap);
+  map.unbind_all();
+  if (bclose) {
+    map.close();
+  }
+}
+
+namespace {
+
+/// The parameter under a name, or null. The key borrows the name: a look-up allocates nothing.
+const Parameter* findParameter(const ParameterMap& aMap, const char* name) {
+  Parameter* parameter = nullptr;
+  return aMap.find(ACE_CString(name, nullptr, false), parameter) == 0 ? parameter : nullptr;
+}
+
+}  // namespace
+
+int getIntValue(const ParameterMap& aMap, const char* name, const int def_val) {
+  const Parameter* parameter = findParameter(aMap, name);
+  return parameter == nullptr ? def_val : static_cast<int>(parameter->getIntValue());
+}
+
+double getRealValue(const ParameterMap& aMap, const char* name, const double def_val) {
+  const Parameter* parameter = findParameter(aMap, name);
+  return parameter == nullptr ? def_val : parameter->getRealValue();
+}
+
+int getIntJsonMember(const Value& parent, const char* name, const int def_val) {
+  const Value* member = findMember(parent, name);
+  return member != nullptr && member->IsInt() ? member->GetInt() : def_val;
+}
+
+double getRealJsonMember(const Value& parent, const char* name, const double def_val) {
+  const Value* member = findMember(parent, name);
+  return member != nullptr && member->IsNumber() ? member->GetDouble() : def_val;
+}
+
+bool getBooleanJsonMember(const Value& parent, const char* name, const bool def_val) {
+  const Value* member = findMember(parent, name);
+  return member != nullptr && member->IsBool() ? member->GetBool() : def_val;
+}
+
+ACE_CString getStringJsonMember(const Value& parent, const char* name, const char* def_str) {
+  const Value* member = findMember(parent, name);
+  return {member != nullptr && member->IsString() ? member->GetString() : def_str};
+}
+
+void addText(Value& parent, const Value::StringRefType& key, const char* text, AllocatorType& al) {
+  const std::size_t length = std::strlen(text);
+  Value copy;
+  if (isAscii(text, length)) {
+    copy.SetString(text, static_cast<rapidjson::SizeType>(length), al);
+  } else {
+    rapidjson::StringBuffer repaired;
+    repairUtf8(text, length, repaired);
+    copy.SetString(repaired.GetString(), static_cast<rapidjson::SizeType>(repaired.GetSize()), al);
+  }
+  parent.AddMember(key, copy, al);
+}
+
+void addReal(Value& parent, const Value::StringRefType& key, double value, AllocatorType& al) {
+  if (std::isfinite(value)) {
+    parent.AddMember(key, value, al);
+  } else {
+    parent.AddMember(key, "-", al);
+  }
+}
+
+void printDocument(const Document& aDocument) {
+  rapidjson::StringBuffer buffer;
+  rapidjson::PrettyWriter<rapidjson::StringBuffer> writer(buffer);
+  aDocument.Accept(writer);
+  std::puts(buffer.GetString());
+}
+
+void printErroMsg(unsigned int err_code, const char* msg) {
+  Document document;
+  document.SetObject();
+  AllocatorType& al = document.GetAllocator();
+  document.AddMember("ErrorCode", err_code, al);
+  addText(document, "Msg", msg, al);
+  printDocument(document);
+}

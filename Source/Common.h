@@ -1,0 +1,56 @@
+// What every operation uses: batch transfers, look-ups, JSON in and out, the result object.
+#pragma once
+
+#include <rapidjson/document.h>
+
+#include "Parameter.h"
+
+using Document = rapidjson::Document;
+using Value = rapidjson::Value;
+using AllocatorType = Document::AllocatorType;
+
+/// What a batch read answers when some of its parameters could not be read. Most reports take it
+/// for a success and print what arrived.
+constexpr unsigned int cBatchIncomplete = 28;
+
+// --- batches: one library call for a whole map, whatever its size, an empty one included ---
+
+/// Reads every parameter of the map. Returns the library's status (0: success). A record that comes
+/// back for another parameter than it was sent for leaves that parameter as it was.
+unsigned int readParams(const ParameterMap& aMap, unsigned long aHandle);
+
+/// Writes every parameter of the map. Returns the library's status (0: success).
+unsigned int writeParams(const ParameterMap& aMap, unsigned long aHandle);
+
+/// Deletes every parameter of the map and unbinds all names; closes the map when `bclose` is true,
+/// after which nothing can be bound into it.
+void clearParamMap(const ParameterMap& aMap, bool bclose);
+
+// --- look-ups: the value of a parameter by name, or the default when the name is not bound ---
+
+int getIntValue(const ParameterMap& aMap, const char* name, const int def_val);
+double getRealValue(const ParameterMap& aMap, const char* name, const double def_val);
+
+// --- JSON in: a member of an object, or the default when it is missing or of another type, or when
+// --- the parent is no object. An integer counts as a real, a real never as an integer.
+
+int getIntJsonMember(const Value& parent, const char* name, const int def_val);
+double getRealJsonMember(const Value& parent, const char* name, const double def_val);
+bool getBooleanJsonMember(const Value& parent, const char* name, const bool def_val);
+ACE_CString getStringJsonMember(const Value& parent, const char* name, const char* def_str);
+
+// --- JSON out ---
+
+/// Adds a copy of a text. What is not UTF-8 in a text of the instrument becomes U+FFFD, so that the
+/// document is valid JSON whatever was stored there.
+void addText(Value& parent, const Value::StringRefType& key, const char* text, AllocatorType& al);
+
+/// Adds a real number; one that is not finite has no JSON form and stands as the text "-".
+void addReal(Value& parent, const Value::StringRefType& key, double value, AllocatorType& al);
+
+/// Prints a document on standard output, pretty, with a newline behind it. The only way out.
+void printDocument(const Document& aDocument);
+
+/// Prints the result object: {"ErrorCode": err_code, "Msg": msg}. Serves for failures and for the
+/// verdicts of commands alike.
+void printErroMsg(unsigned int err_code, const char* msg);

@@ -1,0 +1,21 @@
+// Fetching a remote object of a wanted class.
+#pragma once
+
+#include <InstrumentClient.h>
+#include <RemoteObjects.h>
+
+/// The instrument's text objects, by their numbers.
+enum eRemoteObjects : unsigned long {
+  eInstrumentApplication = 4,
+};
+
+/// Fetches remote object `number`. Returns null when it does not arrive or is of another class; the
+/// library's status adds nothing to that and is not looked at. The object is the library's.
+template <class Wanted>
+const Wanted* fetchObject(unsigned long handle, unsigned long number) {
+  // The library can only create objects of which the factory holds a prototype.
+  ACE_Singleton<CloneFactory, ACE_Thread_Mutex>::instance()->registerObject(Wanted());
+  RemoteObject* lObject = nullptr;
+  ReadObject(handle, number, lObject);
+  return dynamic_cast<const Wanted*>(lObject);
+}

@@ -1,0 +1,111 @@
+// The front end's connection and dispatch.
+#include "GC_Web.h"
+
+#include <InstrumentClient.h>
+#include <PlatformLayer.h>
+
+#include <cstdio>
+#include <memory>
+
+#include "Common.h"
+#include "SecStatus.h"
+
+namespace {
+
+// The two failures to which the tool gives a code of its own; 10053 is the one that a broken
+// connection has had on the instrument's pages since their first version.
+constexpr unsigned int cLibraryFailed = 1;
+constexpr unsigned int cConnectionFailed = 10053;
+
+/// What a section is given between init and the final call.
+enum class eExtra { eNone, eArgument, eFile };
+
+struct OperationRow {
+  eSections code;
+  std::unique_ptr<SectionBase> (*create)();
+  eExtra extra;
+};
+
+template <class Section>
+std::unique_ptr<SectionBase> create() {
+  return std::make_unique<Section>();
+}
+
+constexpr OperationRow cOperations[] = {
+    {eStatusRead, create<SecStatus>, eExtra::eNone},
+};
+
+const OperationRow* findOperation(eSections code) {
+  for (const OperationRow& row : cOperations) {
+    if (row.code == code) {
+      return &row;
+    }
+  }
+  return nullptr;
+}
+
+/// Reports only look, and connect in mode 1; commands connect in mode 0.
+unsigned long connectionMode(eSections code) {
+  return code < eStreamWrite ? 1 : 0;
+}
+
+/// Starts the library and opens the connection; when that fails, says so on both outputs. A library
+/// that started is left as it is then: stopping it needs a connection to have been there.
+bool openConnection(const Request& aRequest, unsigned long& handle) {
+  initializeACE();
+  if (startupGC(1, static_cast<long>(aRequest.uAddr.lAddr), 0, 0, 1, "") != 0) {
+    std::fputs("startupGC An error occured.\n", stderr);
+    printErroMsg(cLibraryFailed, "GC DLL error!");
+    return false;
+  }
+  if (EstablishConnection(connectionMode(aRequest.selected_sections), "SimUI", "", &handle) != 0) {
+    std::fputs("EstablishConnection An error occured while connecting to the GC.\n", stderr);
+    printErroMsg(cConnectionFailed, "Unable to connect to GC!");
+    return false;
+  }
+  return true;
+}
+
+/// Drives the section through its calls. Returns what the final one returned.
+int drive(SectionBase& lSection, const OperationRow& row, Request& aRequest, ParameterMap& lMap,
+          unsigned long handle) {
+  lSection.init(&lMap, handle);
+  switch (row.extra) {
+    case eExtra::eNone:
+      break;
+    case eExtra::eArgument:
+      lSection.setArgument(aRequest.set_num);
+      break;
+    case eExtra::eFile:
+      // The result is not looked at: writeGC refuses a document that could not be read, and prints
+      // the verdict that the page waits for.
+      lSection.parseFile(aRequest.filename.data());
+      break;
+  }
+  return connectionMode(row.code) == 1 ? lSection.readGC() : lSection.writeGC();
+}
+
+}  // namespace
+
+bool canPerform(const Request& aRequest) {
+  if (findOperation(aRequest.selected_sections) == nullptr) {
+    std::fputs("Operation not available in this version\n", stderr);
+    return false;
+  }
+  return true;
+}
+
+void performRequest(Request& aRequest, ParameterMap& lMap) {
+  unsigned long handle = 0;
+  if (!openConnection(aRequest, handle)) {
+    return;
+  }
+  const OperationRow& row = *findOperation(aRequest.selected_sections);
+  const std::unique_ptr<SectionBase> lSection = row.create();
+  const int result = drive(*lSection, row, aRequest, lMap, handle);
+  if (result != 0) {
+    std::fprintf(stderr, "Execute failed %d.\n", result);
+  }
+  BreakConnection(handle);
+  shutdownGC();
+}  // the section goes after the library has stopped

@@ -1,0 +1,21 @@
+// Run types, as status and sequence table name them.
+#include "RunType.h"
+
+#include "CodeText.h"
+
+namespace {
+
+// The instrument's run type codes (parameters 141 and 23).
+constexpr CodeText cRunTypes[] = {
+    {0, "Analysis"},
+    {1, "Calibration"},
+    {2, "Blank"},
+    {3, "Verification"},
+};
+static_assert(isIndexedByCode(cRunTypes));
+
+}  // namespace
+
+const char* runTypeText(int aCode) {
+  return textOfCode(cRunTypes, aCode, "None");
+}

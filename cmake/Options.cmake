@@ -1,0 +1,17 @@
+# What every target of the project is compiled and linked with: link to gc_options.
+add_library(gc_options INTERFACE)
+target_compile_options(gc_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
+  -fvisibility=hidden -fvisibility-inlines-hidden)
+# A request lives for milliseconds, most of them in the loader: short symbol tables, no lazy
+# binding machinery, and read-only relocations as hardening that costs nothing more.
+target_link_options(gc_options INTERFACE
+  -Wl,--hash-style=gnu -Wl,-O1 -Wl,--as-needed -Wl,-z,relro -Wl,-z,now)
+
+set(GC_SANITIZE "" CACHE STRING "Sanitizers, as in -fsanitize=")
+if(GC_SANITIZE)
+  target_compile_options(gc_options INTERFACE
+    -fsanitize=${GC_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_compile_definitions(gc_options INTERFACE _GLIBCXX_ASSERTIONS)
+  target_link_options(gc_options INTERFACE -fsanitize=${GC_SANITIZE})
+endif()
