@@ -13,8 +13,6 @@
 
 namespace {
 
-using BatchCall = unsigned long (*)(unsigned long, ParamList*, unsigned long);
-
 /// The records of a whole map, in the map's own iteration order. Here and below done() ends the
 /// walk: of a closed map begin() is not end().
 std::unique_ptr<ParamList[]> makeRecords(const ParameterMap& aMap) {

@@ -12,6 +12,10 @@ set(GC_SANITIZE "" CACHE STRING "Sanitizers, as in -fsanitize=")
 if(GC_SANITIZE)
   target_compile_options(gc_options INTERFACE
     -fsanitize=${GC_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    target_compile_options(gc_options INTERFACE
+      -fsanitize-ignorelist=${CMAKE_SOURCE_DIR}/cmake/sanitizer-ignore.txt)
+  endif()
   target_compile_definitions(gc_options INTERFACE _GLIBCXX_ASSERTIONS)
   target_link_options(gc_options INTERFACE -fsanitize=${GC_SANITIZE})
 endif()
