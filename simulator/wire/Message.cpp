@@ -79,14 +79,14 @@ bool write(ACE_OutputCDR& stream, const ACE_CString& text) {
 }
 
 bool write(ACE_OutputCDR& stream, const std::vector<char>& octets) {
-  const auto count = static_cast<ACE_CDR::ULong>(octets.size());
+  const auto count = static_cast<std::uint32_t>(octets.size());
   return octets.size() <= cMaxBody && writeNumber(stream, count) &&
          stream.write_char_array(octets.data(), count);
 }
 
 bool write(ACE_OutputCDR& stream, const std::vector<ParamList>& records) {
   if (records.size() > cMaxRecords ||
-      !writeNumber(stream, static_cast<ACE_CDR::ULong>(records.size()))) {
+      !writeNumber(stream, static_cast<std::uint32_t>(records.size()))) {
     return false;
   }
   for (const ParamList& record : records) {
@@ -137,7 +137,7 @@ bool read(ACE_InputCDR& stream, ACE_CString& text) {
 }
 
 bool read(ACE_InputCDR& stream, std::vector<char>& octets) {
-  ACE_CDR::ULong count = 0;
+  std::uint32_t count = 0;
   if (!readNumber(stream, count) || count > stream.length()) {
     return false;
   }
@@ -146,7 +146,7 @@ bool read(ACE_InputCDR& stream, std::vector<char>& octets) {
 }
 
 bool read(ACE_InputCDR& stream, std::vector<ParamList>& records) {
-  ACE_CDR::ULong count = 0;
+  std::uint32_t count = 0;
   if (!readNumber(stream, count) || count > cMaxRecords || count * cRecordSize > stream.length()) {
     return false;
   }

@@ -11,13 +11,13 @@ bool writeText(ACE_OutputCDR& stream, std::string_view text) {
   if (text.length() > cMaxText) {
     return false;
   }
-  const auto length = static_cast<ACE_CDR::ULong>(text.length());
+  const auto length = static_cast<std::uint32_t>(text.length());
   return writeNumber(stream, length + 1) && stream.write_char_array(text.data(), length) &&
          stream.write_char('\0');
 }
 
 bool readText(ACE_InputCDR& stream, ACE_CString& text) {
-  ACE_CDR::ULong size = 0;
+  std::uint32_t size = 0;
   if (!readNumber(stream, size) || size == 0 || size > cMaxText + 1 || size > stream.length()) {
     return false;
   }
