@@ -1,0 +1,14 @@
+# The simulated instrument, without network, clock or faults.
+add_library(gc_instrument STATIC
+  Instrument.cpp
+  JsonText.cpp
+  Scenario.cpp
+  model/Behaviour.cpp
+  model/Commands.cpp
+  model/Measurement.cpp
+  model/Parameters.cpp
+  model/RemoteTexts.cpp)
+target_include_directories(gc_instrument PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+target_compile_definitions(gc_instrument PRIVATE
+  GC_SCENARIO_DIR="${PROJECT_SOURCE_DIR}/simulator/scenarios")
+target_link_libraries(gc_instrument PUBLIC gc_wire rapidjson ACE::ACE PRIVATE gc_options)

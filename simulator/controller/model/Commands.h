@@ -1,0 +1,13 @@
+// The instrument's commands: what each does, and in which states.
+#pragma once
+
+#include <cstdint>
+
+#include "Behaviour.h"
+
+namespace model {
+
+/// Executes command `aCommand`. Returns eSuccess, eCommandUnknown, or eStateForbids.
+std::uint32_t executeCommand(Behaviour& behaviour, std::uint32_t aCommand);
+
+}  // namespace model
