@@ -1,0 +1,109 @@
+"""Fixtures: an address for each test, the tool, and simulated controllers."""
+
+import os
+import random
+import shutil
+import socket
+import subprocess
+import tempfile
+from collections.abc import Callable, Iterator
+from contextlib import ExitStack
+from pathlib import Path
+
+import pytest
+from programs import PORT, Simulator, Tool
+
+StartSimulator = Callable[..., Simulator]
+Traced = Callable[..., list[str]]
+
+ROOT = Path(__file__).resolve().parents[2]
+BIN_DIR = Path(os.environ.get("GC_BIN_DIR", ROOT / "build" / "dev" / "bin")).resolve()
+
+
+def pytest_configure() -> None:
+    if not (BIN_DIR / "GC_Web").is_file():
+        raise pytest.UsageError(f"no GC_Web in {BIN_DIR}: build it, or set GC_BIN_DIR")
+
+
+@pytest.fixture(scope="session")
+def bin_dir() -> Path:
+    """Folder of the programs under test."""
+    return BIN_DIR
+
+
+@pytest.fixture
+def folder() -> Iterator[Path]:
+    """A folder that goes when the test has ended."""
+    with tempfile.TemporaryDirectory(prefix="gc-") as name:
+        yield Path(name)
+
+
+@pytest.fixture
+def address() -> Iterator[str]:
+    """A loopback address that nobody else has, as long as the test runs.
+
+    The port below the controllers' is bound as the sign that it is taken, so that tests that run
+    at the same time, in this run or another, never get the same one.
+    """
+    while True:
+        candidate = "127." + ".".join(str(random.randint(1, 254)) for _ in range(3))
+        with socket.socket() as claim, socket.socket() as probe:
+            try:
+                claim.bind((candidate, PORT - 1))
+                probe.bind((candidate, PORT))
+            except OSError:
+                continue
+            probe.close()
+            yield candidate
+            return
+
+
+@pytest.fixture
+def untouched(address: str) -> Iterator[str]:
+    """An address to which no connection may be made while the test runs."""
+    with socket.create_server((address, PORT)) as listener:
+        yield address
+        listener.setblocking(False)
+        with pytest.raises(BlockingIOError):
+            listener.accept()
+
+
+@pytest.fixture
+def tool(bin_dir: Path) -> Iterator[Tool]:
+    with tempfile.TemporaryDirectory(prefix="gc-") as name:
+        yield Tool(bin_dir / "GC_Web", Path(name))
+
+
+@pytest.fixture
+def simulator(bin_dir: Path, address: str, folder: Path) -> Iterator[StartSimulator]:
+    """Starts a controller of a scenario at the test's address, time standing at 0.
+
+    Called with the scenario's name and further options of gc-sim; `paused=False` lets time run.
+    """
+    with ExitStack() as running:
+
+        def start(scenario: str = "everyday", *options: str, paused: bool = True) -> Simulator:
+            every = ["--scenario", scenario, *(["--paused"] if paused else []), *options]
+            started = Simulator(bin_dir, address, folder, every)
+            running.callback(started.stop)
+            return started
+
+        yield start
+
+
+@pytest.fixture
+def traced(tool: Tool, folder: Path) -> Traced:
+    """Runs the tool and returns its system calls. Takes their names, and the tool's arguments."""
+    strace = shutil.which("strace")
+    if strace is None or subprocess.run([strace, "-qq", "-o", folder / "probe", "true"]).returncode:
+        pytest.skip("nothing can be traced here")
+
+    def run(calls: str, *arguments: str) -> list[str]:
+        log = folder / "calls"
+        # The leak sanitizer traces too, and there can be only one.
+        environment = {"ASAN_OPTIONS": "detect_leaks=0"}
+        under = [strace, "-f", "-qq", "-o", str(log), "-e", f"trace={calls}"]
+        tool(*arguments, under=under, environment=environment)
+        return log.read_text().splitlines()
+
+    return run

@@ -1,0 +1,80 @@
+"""The parameters of the status report, and the order in which a batch carries them."""
+
+from typing import NamedTuple
+
+
+class Address(NamedTuple):
+    """Where the instrument keeps a parameter, as records give it."""
+
+    channel: int
+    method: int
+    step: int
+    id: int
+
+
+# On each of the channels 1 to 4, the channel's digit behind the name.
+OF_CHANNELS = {
+    "mColumnTemp": 300,
+    "mInjTemp": 302,
+    "mPress": 304,
+    "mColumnTempSP": 202,
+    "mInjTempSP": 203,
+    "mPressSP": 342,
+    "mRunTimeSP": 204,
+    "mAutoZero": 307,
+    "mDetState": 215,
+    "mDetCalibrated": 323,
+}
+
+OF_THE_INSTRUMENT = {
+    "mSampleLineTemp": 100,
+    "mSampleLineTempSP": 1,
+    "mAmbientTemp": 103,
+    "mAmbientPressure": 104,
+    "mServiceSwitch": 70,
+    "mAutoState": 138,
+    "mExtReady": 131,
+    "mGC_State": 102,
+    "mCurrentStream": 58,
+    "mGC_Error_Status": 132,
+    "mGC_CurRunTime": 161,
+    "mGC_FlushingStream": 134,
+    "mGC_WaitingBetweenRuns": 162,
+    "mGC_CleaningTimeLeft": 96,
+    "mAnalysisCounter": 2202,
+    "mContinuous": 12,
+    "mSeq_line": 136,
+    "mLine_replicate": 137,
+    "mSeq_replicate": 135,
+    "mRunType": 141,
+    "mAlarmOverall": 2211,
+    "mHasController": 173,
+}
+
+
+def registered() -> dict[str, Address]:
+    """Name to address, in the order in which the report registers them."""
+    rows = {f"mInstalled{n}": Address(0, 0, 0, 501 + n) for n in range(1, 5)}
+    rows |= {f"mColumnHeader{n}": Address(n, 0, 0, 200) for n in range(1, 5)}
+    rows["mHeatedSampleLineInstalled"] = Address(0, 0, 0, 602)
+    for name, parameter in OF_CHANNELS.items():
+        rows |= {f"{name}{n}": Address(n, 0, 0, parameter) for n in range(1, 5)}
+    rows |= {name: Address(0, 0, 0, parameter) for name, parameter in OF_THE_INSTRUMENT.items()}
+    return rows
+
+
+def bucket(name: str) -> int:
+    """Where ACE's hash map of 128 buckets keeps a name: P. J. Weinberger's hash, as ACE has it."""
+    value = 0
+    for octet in name.encode():
+        value = (value << 4) + octet * 13
+        high = value & 0xF0000000
+        if high:
+            value ^= high >> 24
+            value ^= high
+    return value % 128
+
+
+def sent() -> list[str]:
+    """Names in the order of a batch: bucket by bucket, in each the last registered one first."""
+    return sorted(reversed(registered()), key=bucket)

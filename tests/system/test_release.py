@@ -1,0 +1,95 @@
+"""The tool as it is installed on a controller: linked to libraries that the build did not make.
+
+The stand-ins of the build under test are named as if they were the maker's.
+"""
+
+import subprocess
+from pathlib import Path
+
+import pytest
+from conftest import ROOT, StartSimulator
+from programs import Tool
+
+pytestmark = pytest.mark.release
+
+LIBRARIES = {
+    "GC_CLIENT_LIBRARY": "libgcclient.so",
+    "GC_PLATFORM_LIBRARY": "libgcplatform.so",
+    "GC_ERRORTEXT_LIBRARY": "libgcerrortext.so",
+}
+
+
+def run(*command: str | Path) -> str:
+    done = subprocess.run(command, capture_output=True, text=True, check=False)
+    assert done.returncode == 0, done.stdout + done.stderr
+    return done.stdout
+
+
+def configure(bin_dir: Path, build: Path, names: list[str]) -> subprocess.CompletedProcess[str]:
+    library_dir = bin_dir.parent / "lib"
+    named = [f"-D{name}={library_dir / LIBRARIES[name]}" for name in names]
+    command = ["cmake", "--preset", "release", "-B", build, *named]
+    return subprocess.run(command, cwd=ROOT, capture_output=True, text=True, check=False)
+
+
+@pytest.fixture(scope="module")
+def installed(bin_dir: Path, tmp_path_factory: pytest.TempPathFactory) -> Path:
+    """The folder into which the tool was installed."""
+    build = tmp_path_factory.mktemp("build")
+    prefix = tmp_path_factory.mktemp("prefix")
+    assert configure(bin_dir, build, list(LIBRARIES)).returncode == 0
+    run("cmake", "--build", build)
+    run("cmake", "--install", build, "--prefix", prefix)
+    return prefix
+
+
+def test_only_the_tool_is_installed(installed: Path) -> None:
+    files = [path.relative_to(installed) for path in installed.rglob("*") if path.is_file()]
+    assert files == [Path("bin/GC_Web")]
+
+
+def test_the_loader_has_little_to_do(installed: Path) -> None:
+    dynamic = run("readelf", "-dW", installed / "bin/GC_Web")
+    assert "RUNPATH" not in dynamic and "RPATH" not in dynamic
+    assert "(GNU_HASH)" in dynamic and "(HASH)" not in dynamic
+    assert "BIND_NOW" in dynamic
+    assert dynamic.count("(NEEDED)") == 7
+    assert "GNU_RELRO" in run("readelf", "-lW", installed / "bin/GC_Web")
+
+
+def test_no_stream_is_set_up_at_start(installed: Path) -> None:
+    symbols = run("nm", "-DC", installed / "bin/GC_Web")
+    assert "std::ios_base::Init" not in symbols
+    assert "setlocale" not in symbols and "getaddrinfo" not in symbols
+
+
+def test_the_factory_of_remote_objects_can_be_shared(installed: Path) -> None:
+    symbols = run("nm", "-DC", "--defined-only", installed / "bin/GC_Web")
+    assert "ACE_Singleton<CloneFactory, ACE_Thread_Mutex>::singleton_" in symbols
+
+
+@pytest.mark.parametrize("count", [1, 2])
+def test_some_libraries_are_not_enough(bin_dir: Path, tmp_path: Path, count: int) -> None:
+    done = configure(bin_dir, tmp_path, list(LIBRARIES)[:count])
+    assert done.returncode != 0
+    assert "Set all of GC_CLIENT_LIBRARY" in done.stderr
+
+
+def test_a_library_that_is_not_there_is_refused(bin_dir: Path, tmp_path: Path) -> None:
+    done = configure(bin_dir.parent / "nowhere" / "bin", tmp_path, list(LIBRARIES))
+    assert done.returncode != 0
+    assert "no such file" in done.stderr
+
+
+def test_memory_is_used_well(
+    installed: Path, bin_dir: Path, simulator: StartSimulator, tmp_path: Path
+) -> None:
+    folder = tmp_path / "empty"
+    folder.mkdir()
+    controller = simulator("four-channel")
+    environment = {"LD_LIBRARY_PATH": str(bin_dir.parent / "lib")}
+    valgrind = ["valgrind", "-q", "--leak-check=full", "--error-exitcode=99"]
+    tool = Tool(installed / "bin/GC_Web", folder)
+    done = tool("-s", controller.address, under=valgrind, environment=environment)
+    assert (done.status, done.stderr) == (0, b"")
+    assert list(done.document)[-1] == "Channel4"

@@ -1,0 +1,27 @@
+// A folder that lives as long as a test.
+#pragma once
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+class TemporaryFolder {
+ public:
+  TemporaryFolder() {
+    char name[] = "/tmp/gc-server-XXXXXX";
+    mPath = ::mkdtemp(name) != nullptr ? name : "";
+  }
+  ~TemporaryFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(mPath, ignored);
+  }
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+  std::string path(const std::string& aName) const { return mPath + '/' + aName; }
+
+ private:
+  std::string mPath;
+};
