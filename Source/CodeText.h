@@ -20,8 +20,9 @@ constexpr bool isIndexedByCode(const CodeText (&rows)[size]) {
   return true;
 }
 
-/// The text of any code; `fallback` for one that the table does not have, negative ones included.
+/// The text of any code; `fallback` for one that the table does not have, negative ones included:
+/// as a size they lie above every table.
 template <std::size_t size>
 constexpr const char* textOfCode(const CodeText (&rows)[size], int code, const char* fallback) {
-  return code >= 0 && static_cast<std::size_t>(code) < size ? rows[code].text : fallback;
+  return static_cast<std::size_t>(code) < size ? rows[code].text : fallback;
 }

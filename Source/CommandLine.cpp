@@ -105,7 +105,6 @@ bool readFileName(const char* name, std::array<char, 257>& filename) {
     std::fputs("No file specified\n", stderr);
     return false;
   }
-  filename.fill('\0');
   std::strncpy(filename.data(), name, filename.size() - 1);
   return true;
 }
@@ -162,7 +161,6 @@ bool parseCommandLine(int argc, char* argv[], Request& aRequest, int& result) {
     std::fputs("Invalid IP address\n", stderr);
     return false;
   }
-  result = 0;
   return true;
 }
 

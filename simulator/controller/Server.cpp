@@ -73,6 +73,10 @@ Server::Server(Simulation& aSimulation)
 
 bool Server::open(const std::string& aAddress, const std::string& aControlPath,
                   std::string& error) {
+  if (!mReactor.initialized()) {
+    error = std::to_string(cMaxHandles) + " open files expected to be allowed";
+    return false;
+  }
   return openSignals(error) && openClients(aAddress, error) &&
          mControlWatch.open(mControlSocket.listen(aControlPath, error));
 }
@@ -82,6 +86,7 @@ bool Server::openSignals(std::string& error) {
   sigemptyset(&stopping);
   sigaddset(&stopping, SIGTERM);
   sigaddset(&stopping, SIGINT);
+  std::signal(SIGPIPE, SIG_IGN);
   ::sigprocmask(SIG_BLOCK, &stopping, nullptr);
   if (!mSignalWatch.open(::signalfd(-1, &stopping, SFD_NONBLOCK | SFD_CLOEXEC))) {
     error = std::string("signals: ") + std::strerror(errno);
@@ -103,10 +108,13 @@ bool Server::openClients(const std::string& aAddress, std::string& error) {
   return true;
 }
 
-void Server::run() {
+bool Server::run() {
   while (!mStopped) {
-    mReactor.handle_events();
+    if (mReactor.handle_events() == -1) {
+      return false;
+    }
   }
+  return true;
 }
 
 void Server::acceptClient(ACE_HANDLE aListener) {

@@ -47,11 +47,12 @@ class Server {
   explicit Server(Simulation& aSimulation);
 
   /// Listens on wire::cPort of an IPv4 address, and on the control socket. From here on SIGTERM and
-  /// SIGINT do nothing but stop run(). False, with one line in `error`, when that is not possible.
+  /// SIGINT do nothing but stop run(), and SIGPIPE does nothing. False, with one line in `error`,
+  /// when that is not possible.
   bool open(const std::string& aAddress, const std::string& aControlPath, std::string& error);
 
-  /// Serves until the process is told to stop.
-  void run();
+  /// Serves until the process is told to stop. False when it ends because the reactor fails.
+  bool run();
 
  private:
   bool openClients(const std::string& aAddress, std::string& error);

@@ -75,8 +75,7 @@ int run(int argc, char* argv[]) {
   }
   std::puts("ready");
   std::fflush(stdout);
-  server.run();
-  return 0;
+  return server.run() ? 0 : fail(cCannotListen, "the reactor fails");
 }
 
 }  // namespace

@@ -176,6 +176,7 @@ int run(int argc, char* argv[]) {
   app.add_option("--listen", address, "Address that the controller listens on");
   app.add_option("--control", control, "Unix socket that it was started with");
   app.require_subcommand(1);
+  app.fallthrough();  // the options above may also come after the verb
   addVerbs(app, request);
   try {
     app.parse(argc, argv);

@@ -20,7 +20,7 @@ class Record(NamedTuple):
     step: int
     id: int
     real: float = 0.0
-    int: int = 0
+    integer: int = 0
     status: int = 0
 
 

@@ -111,14 +111,14 @@ def test_status(simulator: StartSimulator, status: int) -> None:
         assert client.disconnect() == status
         controller.control("fault", "--clear")
         read = client.read(SETPOINT, STATE)
-        assert (read.records[0].real, read.records[1].int) == (60.0, 4)
+        assert (read.records[0].real, read.records[1].integer) == (60.0, 4)
 
 
 def test_unanswered(simulator: StartSimulator) -> None:
     controller = simulator()
     controller.fault(kind="unanswered", records=[1, 99])
     controller.fault(kind="unanswered", records="all")
-    sent = [STATE, STREAM._replace(real=0.5, int=-3), SETPOINT]
+    sent = [STATE, STREAM._replace(real=0.5, integer=-3), SETPOINT]
     with connected(controller.address, 1) as client:
         answer = client.read(*sent)
         assert answer.status == 28
@@ -137,7 +137,7 @@ def test_swap(simulator: StartSimulator) -> None:
         swapped = client.read(STATE, STREAM, SETPOINT)
         assert swapped.status == 0
         assert [record.id for record in swapped.records] == [202, 58, 102]
-        assert (swapped.records[0].real, swapped.records[2].int) == (60.0, 4)
+        assert (swapped.records[0].real, swapped.records[2].integer) == (60.0, 4)
         assert [record.id for record in client.read(STATE, STREAM).records] == [102, 58]
 
 
@@ -171,9 +171,9 @@ def test_value(simulator: StartSimulator, real: float | str) -> None:
     with connected(controller.address, 1) as client:
         first, second = client.read(SETPOINT, STATE).records
         assert first.real == float(real) or math.isnan(first.real) and real == "NaN"
-        assert (second.real, second.int) == (0.0, 4)
+        assert (second.real, second.integer) == (0.0, 4)
         first, second = client.read(SETPOINT, STATE).records
-        assert (first.real, first.int, second.int) == (60.0, -2147483648, -2147483648)
+        assert (first.real, first.integer, second.integer) == (60.0, -2147483648, -2147483648)
     line = controller.journal()[1]
     assert line["records"][0]["real"] == real
 
@@ -206,9 +206,9 @@ def test_ignore(simulator: StartSimulator) -> None:
         assert (answer.status, len(answer.records)) == (0, 2)
         assert client.command(0) == 0
         read = client.read(SETPOINT, STATE)
-        assert (read.records[0].real, read.records[1].int) == (60.0, 4)
+        assert (read.records[0].real, read.records[1].integer) == (60.0, 4)
         assert client.command(0) == 0
-        assert client.read(STATE).records[0].int == 2
+        assert client.read(STATE).records[0].integer == 2
 
 
 def test_one_fault_acts_on_a_call(simulator: StartSimulator) -> None:

@@ -42,7 +42,7 @@ def test_exchange(simulator: StartSimulator) -> None:
     with connected(controller.address, 0) as client:
         answer = client.read(STATE, Record(9, 8, 7, 6, 5.0, 4, 3))
         assert answer.status == 28
-        assert answer.records == [STATE._replace(int=4), Record(9, 8, 7, 6, status=204)]
+        assert answer.records == [STATE._replace(integer=4), Record(9, 8, 7, 6, status=204)]
         assert client.read().records == []
         assert client.write(SETPOINT).status == 0
         assert client.read(SETPOINT._replace(real=0)).records == [SETPOINT]
@@ -65,7 +65,7 @@ def test_reports_may_change_nothing(simulator: StartSimulator) -> None:
         assert client.write(SETPOINT).status == NOT_PERMITTED
         assert client.command(0) == NOT_PERMITTED
         state, setpoint = client.read(STATE, SETPOINT).records
-        assert (state.int, setpoint.real) == (4, 60.0)
+        assert (state.integer, setpoint.real) == (4, 60.0)
 
 
 def test_connection_modes(simulator: StartSimulator) -> None:
@@ -152,7 +152,8 @@ def test_no_connect(simulator: StartSimulator, body: bytes) -> None:
 def test_largest_batch(simulator: StartSimulator) -> None:
     controller = simulator()
     with connected(controller.address, 1) as client:
-        assert client.read(*[STATE] * MAX_RECORDS).records == [STATE._replace(int=4)] * MAX_RECORDS
+        answer = client.read(*[STATE] * MAX_RECORDS)
+        assert answer.records == [STATE._replace(integer=4)] * MAX_RECORDS
 
 
 def test_octet_by_octet(simulator: StartSimulator) -> None:
@@ -162,7 +163,7 @@ def test_octet_by_octet(simulator: StartSimulator) -> None:
         for octet in frame(CONNECT, connect_body(1)) + frame(READ, batch_body([STATE])):
             client.socket.sendall(bytes([octet]))
         assert client.receive().status == 0
-        assert client.receive().records == [STATE._replace(int=4)]
+        assert client.receive().records == [STATE._replace(integer=4)]
 
 
 def test_frames_in_one_piece(simulator: StartSimulator) -> None:
@@ -192,6 +193,14 @@ def test_silent_client_is_dropped(simulator: StartSimulator) -> None:
         assert silent.is_closed()
         assert time.monotonic() - start >= 4.9
         assert idle.read(STATE).status == 0
+
+
+def test_oldest_silent_client_makes_room(simulator: StartSimulator) -> None:
+    controller = simulator()
+    with ExitStack() as stack:
+        silent = [stack.enter_context(Client(controller.address)) for _ in range(257)]
+        assert silent[0].is_closed()
+        assert [silent[1].connect(1), silent[256].connect(1)] == [0, 0]
 
 
 def test_as_many_clients_as_there_may_be(simulator: StartSimulator) -> None:
@@ -230,7 +239,7 @@ def random_frame(source: random.Random) -> bytes:
 
 
 def open_handles(control: Path) -> int:
-    """How many handles the process that listens on a Unix socket has, this connection's included."""
+    """How many handles the process that listens on a Unix socket has, with this connection."""
     with socket.socket(socket.AF_UNIX) as remote:
         remote.connect(str(control))
         credentials = remote.getsockopt(socket.SOL_SOCKET, socket.SO_PEERCRED, 12)
@@ -242,13 +251,14 @@ def test_abuse(simulator: StartSimulator, folder: Path) -> None:
     controller = simulator()
     source = random.Random(20047)
     handles = open_handles(folder / "control.sock")
-    sent = 0
-    while sent < 10_000:
+    for _ in range(10_000):
         with Client(controller.address) as client, suppress(ConnectionError):
-            client.socket.sendall(frame(CONNECT, connect_body(source.randrange(2))))
-            for _ in range(20):
-                sent += 1
-                client.socket.sendall(random_frame(source))
+            client.socket.sendall(
+                frame(CONNECT, connect_body(source.randrange(2))) + random_frame(source)
+            )
+            client.socket.shutdown(socket.SHUT_WR)
+            while client.socket.recv(65536):  # until it has been dealt with
+                pass
     with ExitStack() as stack:
         for n in range(1000):
             half_open = stack.enter_context(socket.create_connection((controller.address, PORT)))
@@ -256,7 +266,7 @@ def test_abuse(simulator: StartSimulator, folder: Path) -> None:
                 half_open.sendall(HEADER.pack(MAGIC, CONNECT, 1, 100)[: n % 17])
         controller.control("load", "everyday")
         with connected(controller.address, 1) as client:
-            assert client.read(STATE).records == [STATE._replace(int=4)]
+            assert client.read(STATE).records == [STATE._replace(integer=4)]
             assert client.disconnect() == 0
     deadline = time.monotonic() + LIMIT
     while open_handles(folder / "control.sock") > handles:

@@ -2,6 +2,7 @@
 // program as a whole.
 #include <gmock/gmock.h>
 
+#include "AceBlocks.h"
 #include "Arguments.h"
 #include "Common.h"
 #include "EverydayInstrument.h"
@@ -73,6 +74,22 @@ TEST_F(ConnectionTest, MapOfTheProgramHas128Buckets) {
   EXPECT_EQ(sent[2].Channel, 4U);
   EXPECT_EQ(sent[70].ParmID, 204U);
   EXPECT_EQ(sent[70].Channel, 1U);
+}
+
+TEST_F(ConnectionTest, MapIsClearedAndClosedBeforeThePlatformLayerFinishes) {
+  AceBlocks blocks;
+  int heldAtBreak = -1;
+  int heldAtFinish = -1;
+  mInstrument.atCall = [&](const std::string& call) {
+    if (call == "BreakConnection(handle)") {
+      heldAtBreak = blocks.held();
+    } else if (call == "finishACE()") {
+      heldAtFinish = blocks.held();
+    }
+  };
+  EXPECT_EQ(run({}), 0);
+  EXPECT_GT(heldAtBreak, 71);  // the map's table, and an entry at least for each parameter
+  EXPECT_EQ(heldAtFinish, 0);
 }
 
 TEST_F(ConnectionTest, AddressIsHandedOverAsAnUnsignedNumber) {

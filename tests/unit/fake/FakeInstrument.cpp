@@ -98,6 +98,9 @@ std::vector<ParamList> FakeInstrument::batch(std::size_t n) const {
 
 void FakeInstrument::record(const std::string& aText) {
   mLog.push_back({aText, {}});
+  if (atCall) {
+    atCall(aText);
+  }
 }
 
 unsigned long FakeInstrument::answerStatus(eFunction aFunction) {

@@ -93,6 +93,8 @@ class FakeInstrument {
   bool silent = false;
   /// Called with the records of each batch last, to spoil them.
   std::function<void(ParamList*, unsigned long)> tamper;
+  /// Called with the text of each call, to look at the caller's side at that moment.
+  std::function<void(const std::string&)> atCall;
 
   // --- what happened ---
 
