@@ -3,11 +3,17 @@ add_library(gc_instrument STATIC
   Instrument.cpp
   JsonText.cpp
   Scenario.cpp
+  model/Alarms.cpp
   model/Behaviour.cpp
   model/Commands.cpp
   model/Measurement.cpp
   model/Parameters.cpp
-  model/RemoteTexts.cpp)
+  model/PeakNames.cpp
+  model/Plan.cpp
+  model/RemoteTexts.cpp
+  model/Runs.cpp
+  model/ScenarioTables.cpp
+  model/Sequence.cpp)
 target_include_directories(gc_instrument PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
 target_compile_definitions(gc_instrument PRIVATE
   GC_SCENARIO_DIR="${PROJECT_SOURCE_DIR}/simulator/scenarios")

@@ -3,78 +3,98 @@
 
 #include <Status.h>
 
-#include <array>
 #include <cmath>
 
 #include "Scenario.h"
 #include "model/Behaviour.h"
 #include "model/Commands.h"
+#include "model/PeakNames.h"
 #include "model/RemoteTexts.h"
 
 using model::Behaviour;
 using model::eAccess;
+using model::eParam;
 using model::eType;
 
 namespace {
 
 constexpr std::uint32_t cCalibrationLevels = 7;
 
-// Settings belong to the method that a run, a cleaning or the self-test is working with.
-constexpr model::StateSet cSettingStates =
-    model::cIdleStates | model::statesOf(model::eError, model::eRecoverableError);
-
-std::optional<std::size_t> findSlot(const ParamList& record) {
-  return model::findAddress(record.Channel, record.Method, record.Step, record.ParmID);
-}
-
 double valueOf(const ParamList& record, std::size_t aSlot) {
   return model::slotAt(aSlot).row->type == eType::eReal ? record.realvalue : record.intvalue;
 }
 
-/// Whether, and why not, the instrument takes a record.
-std::uint32_t check(const Behaviour& aBehaviour, const ParamList& record) {
-  const auto slot = findSlot(record);
-  if (!slot) {
-    return eParameterUnknown;
-  }
-  const model::ParameterRow& row = *model::slotAt(*slot).row;
-  if (row.access != eAccess::eReadWrite) {
-    return eReadOnly;
-  }
-  if (!aBehaviour.isFitted(*slot) || !model::contains(cSettingStates, aBehaviour.state())) {
-    return eStateForbids;
-  }
-  const double value = valueOf(record, *slot);
-  return value >= row.lowest && value <= row.highest ? eSuccess : eOutOfBounds;
-}
-
-rapidjson::Value describe(double aValue, eType aType) {
-  if (std::isnan(aValue)) {
+rapidjson::Value describe(const Behaviour& aBehaviour, std::size_t aSlot) {
+  const double value = aBehaviour.value(aSlot);
+  const eType type = model::slotAt(aSlot).row->type;
+  if (std::isnan(value)) {
     return rapidjson::Value("NaN");
   }
-  if (std::isinf(aValue)) {
-    return aValue > 0 ? rapidjson::Value("Infinity") : rapidjson::Value("-Infinity");
+  if (std::isinf(value)) {
+    return value > 0 ? rapidjson::Value("Infinity") : rapidjson::Value("-Infinity");
   }
-  return aType == eType::eInteger ? rapidjson::Value(static_cast<std::int32_t>(aValue))
-                                  : rapidjson::Value(aValue);
+  return type == eType::eInteger ? rapidjson::Value(static_cast<std::int32_t>(value))
+                                 : rapidjson::Value(value);
 }
 
 }  // namespace
 
 struct Instrument::State {
   State(const rapidjson::Value& aScenario, std::uint32_t aSeed)
-      : behaviour(aScenario["parameters"], aSeed), texts(aScenario["texts"]) {
-    const auto found = aScenario.FindMember("peaks");
-    if (found != aScenario.MemberEnd()) {
-      for (const auto& peak : found->value.GetArray()) {
-        ++peaks[peak["channel"].GetUint() - 1];
+      : behaviour(aScenario, aSeed), names(aScenario), texts(aScenario["texts"]) {}
+
+  /// Slot of a record's parameter, if there is one that has a slot.
+  std::optional<std::size_t> findSlot(const ParamList& record) const {
+    const auto slot = model::findAddress(record.Channel, record.Method, record.Step, record.ParmID);
+    return slot && behaviour.isThere(*slot) ? slot : std::nullopt;
+  }
+
+  std::optional<std::int32_t> findCharacter(const ParamList& record) const {
+    return names.character(record.Channel, record.Method, record.Step, record.ParmID);
+  }
+
+  /// Whether, and why not, the instrument takes a record.
+  std::uint32_t check(const ParamList& record) const {
+    const auto slot = findSlot(record);
+    if (!slot) {
+      return findCharacter(record) ? eReadOnly : eParameterUnknown;
+    }
+    const model::ParameterRow& row = *model::slotAt(*slot).row;
+    if (row.access != eAccess::eReadWrite) {
+      return eReadOnly;
+    }
+    if (!behaviour.takes(*slot)) {
+      return eStateForbids;
+    }
+    const double value = valueOf(record, *slot);
+    return value >= row.lowest && value <= behaviour.highest(*slot) ? eSuccess : eOutOfBounds;
+  }
+
+  /// As a scenario has them.
+  rapidjson::Value describePeaks(rapidjson::Document::AllocatorType& aAllocator) const {
+    rapidjson::Value peaks(rapidjson::kArrayType);
+    for (std::uint32_t channel = 1; channel <= model::cChannels; ++channel) {
+      std::uint32_t step = 0;
+      for (const std::string& name : names.of(channel)) {
+        ++step;
+        const auto valueOf = [&](eParam aParam) {
+          return describe(behaviour, model::slotOf(aParam, channel, step));
+        };
+        rapidjson::Value peak(rapidjson::kObjectType);
+        peak.AddMember("channel", channel, aAllocator);
+        peak.AddMember("name", rapidjson::Value(name.c_str(), aAllocator), aAllocator);
+        peak.AddMember("retentionTime", valueOf(eParam::ePeakRetention), aAllocator);
+        peak.AddMember("levelAmount", valueOf(eParam::ePeakLevelAmount), aAllocator);
+        peak.AddMember("linearCoefficient", valueOf(eParam::ePeakLinear), aAllocator);
+        peaks.PushBack(peak, aAllocator);
       }
     }
+    return peaks;
   }
 
   Behaviour behaviour;
+  model::PeakNames names;
   model::RemoteTexts texts;
-  std::array<std::uint64_t, model::cChannels> peaks{};  ///< how many are calibrated
 };
 
 Instrument::Instrument(const Scenario& aScenario, std::uint32_t aSeed)
@@ -90,8 +110,10 @@ std::uint32_t Instrument::read(double aNow, std::vector<ParamList>& records) {
     record.realvalue = 0.0;
     record.intvalue = 0;
     record.ServiceStatus = eSuccess;
-    const auto slot = findSlot(record);
-    if (!slot) {
+    const auto slot = mState->findSlot(record);
+    if (const auto character = mState->findCharacter(record)) {
+      record.intvalue = *character;
+    } else if (!slot) {
       record.ServiceStatus = eParameterUnknown;
       status = eBatchIncomplete;
     } else if (model::slotAt(*slot).row->type == eType::eReal) {
@@ -107,13 +129,13 @@ std::uint32_t Instrument::write(double aNow, const std::vector<ParamList>& recor
   Behaviour& behaviour = mState->behaviour;
   behaviour.advance(aNow);
   for (const ParamList& record : records) {
-    const std::uint32_t status = check(behaviour, record);
+    const std::uint32_t status = mState->check(record);
     if (status != eSuccess) {
       return status;
     }
   }
   for (const ParamList& record : records) {
-    const auto slot = findSlot(record);
+    const auto slot = mState->findSlot(record);
     behaviour.write(*slot, valueOf(record, *slot));
   }
   return eSuccess;
@@ -135,7 +157,7 @@ std::uint32_t Instrument::programInfo(std::uint32_t aChannel, std::uint64_t& fir
   if (aChannel < 1 || aChannel > model::cChannels) {
     return eChannelUnknown;
   }
-  first = mState->peaks[aChannel - 1];
+  first = mState->behaviour.stepsOf(model::eTable::ePeaks, aChannel);
   second = cCalibrationLevels;
   return eSuccess;
 }
@@ -143,10 +165,11 @@ std::uint32_t Instrument::programInfo(std::uint32_t aChannel, std::uint64_t& fir
 bool Instrument::set(double aNow, const std::string& aName, double aValue) {
   mState->behaviour.advance(aNow);
   const auto slot = model::findName(aName);
-  if (slot) {
+  const bool isThere = slot && mState->behaviour.isThere(*slot);
+  if (isThere) {
     mState->behaviour.set(*slot, aValue);
   }
-  return slot.has_value();
+  return isThere;
 }
 
 bool Instrument::setText(std::uint32_t aNumber, const std::string& aText) {
@@ -159,10 +182,13 @@ void Instrument::snapshot(double aNow, rapidjson::Document& aDocument) {
   aDocument.SetObject();
   auto& allocator = aDocument.GetAllocator();
   rapidjson::Value parameters(rapidjson::kObjectType);
-  for (std::size_t slot = 0; slot < model::cSlots; ++slot) {
-    parameters.AddMember(rapidjson::Value(model::nameOf(slot).c_str(), allocator),
-                         describe(behaviour.value(slot), model::slotAt(slot).row->type), allocator);
+  for (std::size_t slot = 0; slot < model::slotCount(); ++slot) {
+    if (behaviour.isThere(slot)) {
+      parameters.AddMember(rapidjson::Value(model::nameOf(slot).c_str(), allocator),
+                           describe(behaviour, slot), allocator);
+    }
   }
   aDocument.AddMember("parameters", parameters, allocator);
   aDocument.AddMember("texts", mState->texts.describe(allocator), allocator);
+  aDocument.AddMember("peaks", mState->describePeaks(allocator), allocator);
 }

@@ -30,8 +30,9 @@ class Instrument {
 
   /// Writes all records or, when one is refused, none. Returns the first refusal:
   /// eParameterUnknown, eReadOnly, eStateForbids (settings are not taken while the instrument
-  /// initializes, runs, flushes, cleans, has an unrecoverable error, or lacks the part), or
-  /// eOutOfBounds. Only the field of the parameter's type counts.
+  /// initializes, runs, flushes, cleans, works through a sequence, has an unrecoverable error, or
+  /// lacks the part), or eOutOfBounds. Only the field of the parameter's type counts. Some writes
+  /// act: one to the stream valve moves it, one to a solution slot loads the solution.
   std::uint32_t write(double aNow, const std::vector<ParamList>& records);
 
   /// Executes an instrument command. Returns eSuccess, eChannelUnknown for a channel other than 0,
@@ -45,17 +46,19 @@ class Instrument {
   /// or eChannelUnknown.
   std::uint32_t programInfo(std::uint32_t aChannel, std::uint64_t& first, std::uint64_t& second);
 
-  /// Sets a parameter by its name ("mGC_State", "mColumnTemp1") past access and bounds, as an
-  /// operator of the simulation may. A value that the instrument computes is held until its state
-  /// next changes by itself or at a client's request; every other one stays. An integer parameter
-  /// takes the whole part, as far as 32 bits hold it, and 0 for NaN. False for an unknown name.
+  /// Sets a parameter by its name ("mGC_State", "mColumnTemp1", "mRepeat[2]") past access and
+  /// bounds, as an operator of the simulation may. A value that the instrument computes is held
+  /// until its state next changes by itself or at a client's request; every other one stays. An
+  /// integer parameter takes the whole part, as far as 32 bits hold it, and 0 for NaN. False for an
+  /// unknown name, and for a step that its table does not have.
   bool set(double aNow, const std::string& aName, double aValue);
 
   /// Sets remote object text `aNumber`, 2 to 5; any octets, at most wire::cMaxText. False for
   /// another number or a longer text.
   bool setText(std::uint32_t aNumber, const std::string& aText);
 
-  /// Everything by name, as a scenario has it: {"parameters": {...}, "texts": {...}}. What JSON
+  /// Everything by name, as a scenario has it: {"parameters": {...}, "texts": {...}, "peaks":
+  /// [...]}, parameters of lines, rows and peaks that are there with their steps. What JSON
   /// cannot hold shows as "NaN", "Infinity", "-Infinity", and U+FFFD in a text.
   void snapshot(double aNow, rapidjson::Document& aDocument);
 

@@ -34,6 +34,8 @@ constexpr KeywordReason cReasons[] = {
     {"minItems", "too few"},
     {"anyOf", "none of the allowed forms"},
     {"pattern", "not of the required form"},
+    {"patternProperties", "none of the allowed forms"},
+    {"not", "unknown member"},  // the schema of what no parameter is
     {"required", "missing member"},
     {"type", "wrong type"},
 };

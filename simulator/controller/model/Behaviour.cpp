@@ -5,6 +5,8 @@
 #include <cmath>
 #include <limits>
 
+#include "Alarms.h"
+
 namespace model {
 
 /// How a family of measured values moves. What follows nothing else follows its own first value.
@@ -30,7 +32,8 @@ constexpr MeasuredRow cMeasured[] = {
 
 constexpr double cNever = std::numeric_limits<double>::infinity();
 constexpr double cInitializingTime = 30.0;
-constexpr double cShortestRun = 1.0;
+// Time stands still here, where a second is still much more than the last bit of a number.
+constexpr double cLastMoment = 1e15;
 constexpr double cMinute = 60.0;
 
 std::uint32_t membersOf(eParam aParam) {
@@ -39,15 +42,23 @@ std::uint32_t membersOf(eParam aParam) {
 
 }  // namespace
 
-Behaviour::Behaviour(const rapidjson::Value& aParameters, std::uint32_t aSeed)
-    : mSeed(aSeed), mPhase{} {
-  std::array<bool, cSlots> given{};
-  for (const auto& member : aParameters.GetObject()) {
+Behaviour::Behaviour(const rapidjson::Value& aScenario, std::uint32_t aSeed)
+    : mSeed(aSeed), mValues(slotCount()), mHeld(slotCount()) {
+  mPeaks = loadTables(aScenario, mValues);
+  std::vector<bool> given(slotCount());
+  for (const auto& member : aScenario["parameters"].GetObject()) {
     if (const auto slot = findName(member.name.GetString())) {
-      mValues[*slot] = member.value.GetDouble();
+      const double value = member.value.GetDouble();
+      mValues[*slot] = slotAt(*slot).row->type == eType::eInteger ? integral(value) : value;
       given[*slot] = true;
     }
   }
+  if (!given[slotOf(eParam::eStartStream)]) {
+    store(stored(eParam::eCurrentStream), eParam::eStartStream);
+  }
+  const auto coefficients =
+      mValues.begin() + static_cast<std::ptrdiff_t>(slotOf(eParam::ePeakLinear));
+  mCoefficients.assign(coefficients, coefficients + std::ptrdiff_t{cChannels} * cPeaks);
   for (const MeasuredRow& row : cMeasured) {
     for (std::uint32_t n = 1; n <= membersOf(row.actual); ++n) {
       const std::size_t slot = slotOf(row.actual, n);
@@ -57,15 +68,20 @@ Behaviour::Behaviour(const rapidjson::Value& aParameters, std::uint32_t aSeed)
           {&row, slot, followed, {given[slot] ? mValues[slot] : target, 0.0, target}});
     }
   }
-  mPhase = firstPhase();
+  startUp();
 }
 
 void Behaviour::advance(double aNow) {
-  // Short of infinity, so that what never ends does not end.
-  const double now = std::max(mNow, std::min(aNow, std::numeric_limits<double>::max()));
+  const double now = std::max(mNow, std::min(aNow, cLastMoment));
   while (mPhase.until <= now) {
-    mNow = std::max(mNow, mPhase.until);
-    finishPhase();
+    const double until = mPhase.until;
+    mNow = std::max(mNow, until);
+    if (mCourse) {
+      // Straight to where the plan stands now, however many runs that passes over.
+      followPlan(mCourse->isStopping ? until : now);
+    } else {
+      enter(idlePhase());
+    }
   }
   mNow = now;
 }
@@ -77,6 +93,9 @@ double Behaviour::value(std::size_t aSlot) const {
   const ParameterRow& row = *slotAt(aSlot).row;
   if (row.access != eAccess::eComputed) {
     return mValues[aSlot];
+  }
+  if (row.param == eParam::eAlarmOverall) {
+    return isAlarmOn(*this) ? 1.0 : 0.0;
   }
   for (const Measured& measured : mMeasured) {
     if (measured.slot == aSlot) {
@@ -94,6 +113,8 @@ double Behaviour::value(std::size_t aSlot) const {
       return inState(eRunning) ? integral(mNow - mPhase.since) : 0.0;
     case eParam::eFlushingStream:
       return inState(eFlushing) ? rounded(left / cMinute, 100.0) : 0.0;
+    case eParam::eWaitingBetweenRuns:
+      return mPhase.activity == eActivity::eWaiting ? rounded(left / cMinute, 1000.0) : 0.0;
     case eParam::eCleaningTimeLeft:
       return inState(eCleaning) ? integral(std::ceil(left / cMinute)) : 0.0;
     default:
@@ -105,23 +126,84 @@ int Behaviour::state() const {
   return static_cast<int>(value(slotOf(eParam::eGcState)));
 }
 
+int Behaviour::automation() const {
+  return static_cast<int>(value(slotOf(eParam::eAutoState)));
+}
+
 bool Behaviour::isFitted(std::size_t aSlot) const {
-  const Slot& slot = slotAt(aSlot);
+  const Slot slot = slotAt(aSlot);
   switch (slot.row->param) {
     case eParam::eSampleLineTemp:
     case eParam::eSampleLineTempSP:
       return stored(eParam::eHeatedSampleLineInstalled) != 0.0;
+    case eParam::eLineSolution:  // the channel in its address is no part of the instrument
+      return true;
     default:
       return slot.channel == 0 || stored(eParam::eInstalled, slot.channel) != 0.0;
   }
 }
 
+std::uint32_t Behaviour::stepsOf(eTable aTable, std::uint32_t aChannel) const {
+  const auto within = [this](eParam aTotal, double aLowest, double aHighest) {
+    return static_cast<std::uint32_t>(std::clamp(stored(aTotal), aLowest, aHighest));
+  };
+  switch (aTable) {
+    case eTable::eSequence:
+      return within(eParam::eTotalLines, 1.0, cSequenceLines);
+    case eTable::eAlarms:
+      return within(eParam::eAlarmTotal, 0.0, cAlarmRows);
+    case eTable::ePeaks:
+      return mPeaks[aChannel - 1];
+    default:
+      return cSolutionSlots;
+  }
+}
+
+bool Behaviour::isThere(std::size_t aSlot) const {
+  const Slot slot = slotAt(aSlot);
+  const eTable table = slot.row->table;
+  return table == eTable::eNone || table == eTable::eSlots ||
+         slot.step <= stepsOf(table, slot.member == 0 ? 1 : slot.member);
+}
+
+bool Behaviour::takesSettings() const {
+  return contains(cSettingStates, state()) && automation() == eAutoIdle;
+}
+
+bool Behaviour::takes(std::size_t aSlot) const {
+  switch (slotAt(aSlot).row->param) {
+    case eParam::eStreamNr:
+      return takesSettings() && stored(eParam::eStreamConfigured) != 0.0;
+    case eParam::eSlotNr:
+      return contains(cIdleStates, state()) && automation() == eAutoIdle;
+    default:
+      return takesSettings() && isFitted(aSlot);
+  }
+}
+
+double Behaviour::highest(std::size_t aSlot) const {
+  const ParameterRow& row = *slotAt(aSlot).row;
+  return row.param == eParam::eStreamNr ? std::min(row.highest, stored(eParam::eStreamMaxNr))
+                                        : row.highest;
+}
+
 void Behaviour::write(std::size_t aSlot, double aValue) {
+  const Slot slot = slotAt(aSlot);
+  if (slot.row->param == eParam::eSlotNr) {
+    loadSolution(slot.step);
+    return;
+  }
+  if (slot.row->param == eParam::eStreamNr) {
+    // A run started at the instrument takes its sample from where the valve stands.
+    store(aValue, eParam::eCurrentStream);
+    store(aValue, eParam::eStartStream);
+  }
   const int before = mPhase.state;
   change(aSlot, aValue);
   if (mPhase.state != before) {
-    mHeld.fill(std::nullopt);
+    releaseAll();
   }
+  watchAlarms();
 }
 
 void Behaviour::set(std::size_t aSlot, double aValue) {
@@ -134,70 +216,72 @@ void Behaviour::set(std::size_t aSlot, double aValue) {
     // several values must not mind their order.
     change(aSlot, value);
   }
+  watchAlarms();
 }
 
-void Behaviour::startRun() {
-  enter({eRunning, eAutoSingleRun, mNow, mNow + runTime()});
+double Behaviour::stored(eParam aParam, std::uint32_t aMember, std::uint32_t aStep) const {
+  return mValues[slotOf(aParam, aMember, aStep)];
 }
 
-void Behaviour::abortRun() {
-  enter(idlePhase());
+void Behaviour::store(double aValue, eParam aParam, std::uint32_t aMember, std::uint32_t aStep) {
+  mValues[slotOf(aParam, aMember, aStep)] = aValue;
 }
 
-void Behaviour::stopAutomation() {
-  // A single run is the last one anyway, and nothing follows it that could be stopped.
+double Behaviour::undisturbed(eParam aParam) const {
+  const std::size_t slot = slotOf(aParam);
+  return mHeld[slot].value_or(mValues[slot]);
 }
 
-double Behaviour::stored(eParam aParam, std::uint32_t aMember) const {
-  return mValues[slotOf(aParam, aMember)];
+void Behaviour::release(eParam aParam) {
+  mHeld[slotOf(aParam)].reset();
 }
 
-double Behaviour::runTime() const {
-  double longest = cShortestRun;
-  for (std::uint32_t n = 1; n <= cChannels; ++n) {
-    if (stored(eParam::eInstalled, n) != 0.0) {
-      longest = std::max(longest, stored(eParam::eRunTimeSP, n));
-    }
-  }
-  return longest;
+void Behaviour::watchAlarms() {
+  watchConditions(*this, static_cast<int>(stored(eParam::eRunType)));
 }
 
-Behaviour::Phase Behaviour::firstPhase() const {
+void Behaviour::startUp() {
   const int state = static_cast<int>(stored(eParam::eGcState));
   switch (state) {
     case eInitializing:
-      return {state, eAutoIdle, 0.0, cInitializingTime};
+      return enter({state, eAutoIdle, 0.0, cInitializingTime});
     case eFlushing:
-      return {state, eAutoFlushing, 0.0, stored(eParam::eFlushingStream) * cMinute};
-    case eRunning: {
-      const double elapsed = stored(eParam::eCurRunTime);
-      return {state, eAutoSingleRun, -elapsed, runTime() - elapsed};
-    }
+      return enter({state, eAutoFlushing, 0.0, stored(eParam::eFlushingStream) * cMinute});
+    case eRunning:
+      return begin(
+          singleRun(eParam::eRunType, eParam::eCurrentStream, 1.0, -stored(eParam::eCurRunTime)),
+          false);
     case eCleaning:
-      return {state, eAutoIdle, 0.0, stored(eParam::eCleaningTimeLeft) * cMinute};
+      return enter({state, eAutoIdle, 0.0, stored(eParam::eCleaningTimeLeft) * cMinute});
     case eError:
     case eRecoverableError:
     case eUnrecoverableError:
-      return {state, eAutoIdle, 0.0, cNever};
+      return enter({state, eAutoIdle, 0.0, cNever});
     default:
-      return idlePhase();
+      return enter(idlePhase());
   }
 }
 
 Behaviour::Phase Behaviour::idlePhase() const {
   const double settled = settledAt();
   if (settled > mNow) {
-    return {eStabilizing, eAutoIdle, mNow, settled};
+    return {eStabilizing, eAutoIdle, mNow, settled, eActivity::eIdling};
   }
   if (stored(eParam::eServiceSwitch) != 0.0) {
-    return {eNotReady, eAutoIdle, mNow, cNever};
+    return {eNotReady, eAutoIdle, mNow, cNever, eActivity::eIdling};
   }
-  return {stored(eParam::eExtReady) != 0.0 ? eReady : eWaitExtReady, eAutoIdle, mNow, cNever};
+  return {stored(eParam::eExtReady) != 0.0 ? eReady : eWaitExtReady, eAutoIdle, mNow, cNever,
+          eActivity::eIdling};
 }
 
 void Behaviour::enter(const Phase& aPhase) {
   mPhase = aPhase;
-  mHeld.fill(std::nullopt);
+  releaseAll();
+  watchAlarms();
+}
+
+void Behaviour::releaseAll() {
+  std::fill(mHeld.begin(), mHeld.end(), std::nullopt);
 }
 
 void Behaviour::change(std::size_t aSlot, double aValue) {
@@ -209,17 +293,13 @@ void Behaviour::change(std::size_t aSlot, double aValue) {
       measured.lag = {std::isfinite(reached) ? reached : aValue, mNow, aValue};
     }
   }
-  if (contains(cIdleStates, mPhase.state)) {
+  const std::size_t coefficient = aSlot - slotOf(eParam::ePeakLinear);
+  if (coefficient < mCoefficients.size()) {
+    mCoefficients[coefficient] = aValue;
+  }
+  if (mPhase.activity == eActivity::eIdling) {
     mPhase = idlePhase();
   }
-}
-
-void Behaviour::finishPhase() {
-  if (mPhase.state == eRunning) {
-    double& counter = mValues[slotOf(eParam::eAnalysisCounter)];
-    counter = integral(counter + 1.0);
-  }
-  enter(idlePhase());
 }
 
 double Behaviour::settledAt() const {
@@ -235,7 +315,7 @@ double Behaviour::settledAt() const {
 
 double Behaviour::measure(const Measured& aMeasured) const {
   const MeasuredRow& row = *aMeasured.row;
-  const Slot& slot = slotAt(aMeasured.slot);
+  const Slot slot = slotAt(aMeasured.slot);
   const std::uint64_t source = (std::uint64_t{slot.id} << 32U) | slot.channel;
   return rounded(
       lagged(aMeasured.lag, row.timeConstant, mNow) + row.noise * noise(mSeed, source, mNow),

@@ -10,6 +10,8 @@
 
 #include "Measurement.h"
 #include "Parameters.h"
+#include "Plan.h"
+#include "ScenarioTables.h"
 #include "StateCodes.h"
 
 namespace model {
@@ -21,9 +23,9 @@ struct MeasuredRow;
 /// matter how often, or when, anybody asks.
 class Behaviour {
  public:
-  /// `aParameters`: a scenario's values by name; one that is missing starts at 0, a measured one at
-  /// what it follows.
-  Behaviour(const rapidjson::Value& aParameters, std::uint32_t aSeed);
+  /// `aScenario`: its tables, and its values by name, which come last. A value that is missing
+  /// starts at 0, a measured one at what it follows.
+  Behaviour(const rapidjson::Value& aScenario, std::uint32_t aSeed);
 
   /// Goes on to a time, in seconds; one in the past changes nothing.
   void advance(double aNow);
@@ -34,8 +36,27 @@ class Behaviour {
   /// The state that the instrument shows, which is the one that decides what is allowed.
   int state() const;
 
+  /// The automation state that the instrument shows.
+  int automation() const;
+
   /// Whether the part that a parameter belongs to (channel, sample line) is there.
   bool isFitted(std::size_t aSlot) const;
+
+  /// How many steps (lines, peaks, rows) a table has now; `aChannel`, 1 to 4, for peaks.
+  std::uint32_t stepsOf(eTable aTable, std::uint32_t aChannel = 1) const;
+
+  /// Whether a parameter's step is one that its table has now.
+  bool isThere(std::size_t aSlot) const;
+
+  /// Whether settings, tables and run parameters can be changed: nothing runs, and no error that
+  /// the instrument cannot recover from.
+  bool takesSettings() const;
+
+  /// Whether a parameter can be written now; for the valve and the solutions, whether it can move.
+  bool takes(std::size_t aSlot) const;
+
+  /// The most that a client may write.
+  double highest(std::size_t aSlot) const;
 
   /// Changes a setting, as a client does.
   void write(std::size_t aSlot, double aValue);
@@ -44,18 +65,37 @@ class Behaviour {
   /// instrument next changes its state of its own accord or at a client's request.
   void set(std::size_t aSlot, double aValue);
 
-  // What the commands do; whether the state allows it is the caller's to check.
+  // The instrument's own bookkeeping: what it stores, and what it stored.
+  double stored(eParam aParam, std::uint32_t aMember = 1, std::uint32_t aStep = 1) const;
+  void store(double aValue, eParam aParam, std::uint32_t aMember = 1, std::uint32_t aStep = 1);
+  /// A measured value without its noise, or what it is held at.
+  double undisturbed(eParam aParam) const;
+  /// Ends the holding of a computed value.
+  void release(eParam aParam);
+
+  /// Looks whether an alarm condition holds; due whenever something has changed.
+  void watchAlarms();
+
+  // What the commands do; whether it is allowed is the caller's to check.
+  bool canStartRun() const;
   void startRun();
+  bool canStartAutomation() const;
+  void startAutomation();
+  bool isBusy() const;
   void abortRun();
+  bool canStopAutomation() const;
   void stopAutomation();
 
  private:
+  enum class eActivity { eIdling, eWaiting, eOther };
+
   /// What the instrument is doing, and until when it does so by itself.
   struct Phase {
     int state;
     int automation;
     double since;
     double until;
+    eActivity activity = eActivity::eOther;
   };
   /// A measured parameter, and the one that it follows.
   struct Measured {
@@ -65,22 +105,48 @@ class Behaviour {
     Lag lag;
   };
 
-  double stored(eParam aParam, std::uint32_t aMember = 1) const;
+  double bounded(eParam aParam, std::uint32_t aStep = 1) const;
   double runTime() const;
-  Phase firstPhase() const;
+  void startUp();
   Phase idlePhase() const;
   void enter(const Phase& aPhase);
+  void releaseAll();
   void change(std::size_t aSlot, double aValue);
-  void finishPhase();
   double settledAt() const;
   double measure(const Measured& aMeasured) const;
 
+  // Runs.
+  std::vector<PlannedLine> sequence() const;
+  Plan singleRun(eParam aRunType, eParam aStream, double aReplicates, double aStart) const;
+  void begin(const Plan& aPlan, bool isAutomation);
+  void followPlan(double aTime);
+  void show(const Plan::Step& aStep);
+  void endRuns();
+  void account(const RunCounts& aCompleted);
+  bool isCalibrated() const;
+  void calibrate(double aRuns);
+  void loadSolution(std::uint32_t aSlot);
+  void markSolution(std::uint32_t aSlot);
+
   std::uint32_t mSeed;
   double mNow = 0.0;
-  std::array<double, cSlots> mValues{};
-  std::array<std::optional<double>, cSlots> mHeld{};
+  std::vector<double> mValues;
+  std::vector<std::optional<double>> mHeld;
   std::vector<Measured> mMeasured;
-  Phase mPhase;
+  PeakCounts mPeaks{};
+  Phase mPhase{};
+
+  /// The runs that a start has brought about, until the last of them is over.
+  struct Course {
+    Plan plan;
+    bool isAutomation;
+    double firstReplicate;    ///< what the first of a single run's replicates counts as
+    RunCounts accounted{};    ///< runs that have had their effect
+    bool isStopping = false;  ///< ends with the present run
+  };
+  std::optional<Course> mCourse;
+  double mCalibrations = 0.0;         ///< runs completed
+  std::vector<double> mCoefficients;  ///< of all peaks, before these calibrations
 };
 
 }  // namespace model

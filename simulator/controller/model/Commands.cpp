@@ -3,6 +3,9 @@
 
 #include <Status.h>
 
+#include "Alarms.h"
+#include "Sequence.h"
+
 namespace model {
 
 namespace {
@@ -10,27 +13,50 @@ namespace {
 struct CommandRow {
   std::uint32_t number;
   const char* name;
-  void (Behaviour::*handler)();
-  StateSet states;  ///< in which the instrument accepts it
+  bool (*isAllowed)(const Behaviour&);
+  void (*handler)(Behaviour&);
+  bool isStart;  ///< that it is refused can set off an alarm
 };
 
+bool takesSettings(const Behaviour& aBehaviour) {
+  return aBehaviour.takesSettings();
+}
+
+bool isAlways(const Behaviour& /*aBehaviour*/) {
+  return true;
+}
+
 constexpr CommandRow cCommands[] = {
-    {0, "start run", &Behaviour::startRun, statesOf(eReady)},
-    {1, "abort run", &Behaviour::abortRun, statesOf(eFlushing, eRunning)},
-    {17, "stop automation", &Behaviour::stopAutomation, cAllStates & ~cErrorStates},
+    {0, "start run", [](const Behaviour& b) { return b.canStartRun(); },
+     [](Behaviour& b) { b.startRun(); }, true},
+    {1, "abort run", [](const Behaviour& b) { return b.isBusy(); },
+     [](Behaviour& b) { b.abortRun(); }, false},
+    {16, "start automation", [](const Behaviour& b) { return b.canStartAutomation(); },
+     [](Behaviour& b) { b.startAutomation(); }, true},
+    {17, "stop automation", [](const Behaviour& b) { return b.canStopAutomation(); },
+     [](Behaviour& b) { b.stopAutomation(); }, false},
+    {19, "insert sequence line", &canInsertLine, &insertLine, false},
+    {22, "clear sequence", &takesSettings, &clearSequence, false},
+    {26, "clear calibration", &takesSettings, &clearCalibration, false},
+    {35, "reset alarms", &isAlways, &resetAlarms, false},
 };
 
 }  // namespace
 
 std::uint32_t executeCommand(Behaviour& behaviour, std::uint32_t aCommand) {
   for (const CommandRow& row : cCommands) {
-    if (row.number == aCommand) {
-      if (!contains(row.states, behaviour.state())) {
-        return eStateForbids;
-      }
-      (behaviour.*row.handler)();
-      return eSuccess;
+    if (row.number != aCommand) {
+      continue;
     }
+    if (!row.isAllowed(behaviour)) {
+      if (row.isStart) {
+        signalEvent(behaviour, eEvent::eStartRefused,
+                    static_cast<int>(behaviour.stored(eParam::eRunType)));
+      }
+      return eStateForbids;
+    }
+    row.handler(behaviour);
+    return eSuccess;
   }
   return eCommandUnknown;
 }

@@ -19,9 +19,14 @@ enum eGcState : int {
   eCleaning = 10,
 };
 
+enum eRunType : int { eAnalysis = 0, eCalibration = 1, eBlank = 2, eVerification = 3 };
+
 enum eAutoState : int {
   eAutoIdle = 0,
   eAutoSingleRun = 1,
+  eAutoSequence = 2,
+  eAutoCalibration = 3,
+  eAutoVerification = 4,
   eAutoFlushing = 6,
 };
 
@@ -42,5 +47,8 @@ constexpr StateSet cErrorStates = statesOf(eError, eRecoverableError, eUnrecover
 constexpr StateSet cIdleStates = statesOf(eStabilizing, eReady, eNotReady, eWaitExtReady);
 constexpr StateSet cAllStates =
     cErrorStates | cIdleStates | statesOf(eInitializing, eFlushing, eRunning, eCleaning);
+
+/// The instrument is taking care of itself and nothing else: settings can be changed.
+constexpr StateSet cSettingStates = cIdleStates | statesOf(eError, eRecoverableError);
 
 }  // namespace model

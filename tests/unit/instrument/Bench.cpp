@@ -33,6 +33,19 @@ Scenario scenarioWith(const std::string& aName,
   return scenario;
 }
 
+Scenario scenarioWithTable(const std::string& aName, const std::string& aTable,
+                           const std::string& aJson,
+                           const std::vector<std::pair<std::string, double>>& aValues) {
+  Scenario scenario = scenarioWith(aName, aValues);
+  auto& allocator = scenario.document.GetAllocator();
+  rapidjson::Document table(&allocator);
+  table.Parse(aJson.c_str());
+  EXPECT_FALSE(table.HasParseError()) << aJson;
+  scenario.document.RemoveMember(aTable.c_str());
+  scenario.document.AddMember(rapidjson::Value(aTable.c_str(), allocator), table, allocator);
+  return scenario;
+}
+
 TemporaryFile::TemporaryFile(const std::string& aContents)
     : mPath(::testing::TempDir() + "gc_instrument_tests_XXXXXX") {
   const int descriptor = mkstemp(mPath.data());
@@ -50,22 +63,24 @@ Bench::Bench(const std::string& aScenario, std::uint32_t aSeed) : Bench(load(aSc
 Bench::Bench(const Scenario& aScenario, std::uint32_t aSeed)
     : instrument(std::make_unique<Instrument>(aScenario, aSeed)) {}
 
-int Bench::integer(double aNow, std::uint32_t aChannel, std::uint32_t aParmID) {
-  return read(aNow, aChannel, aParmID).intvalue;
+int Bench::integer(double aNow, std::uint32_t aChannel, std::uint32_t aParmID,
+                   std::uint32_t aStep) {
+  return read(aNow, aChannel, aParmID, aStep).intvalue;
 }
 
-double Bench::real(double aNow, std::uint32_t aChannel, std::uint32_t aParmID) {
-  return read(aNow, aChannel, aParmID).realvalue;
+double Bench::real(double aNow, std::uint32_t aChannel, std::uint32_t aParmID,
+                   std::uint32_t aStep) {
+  return read(aNow, aChannel, aParmID, aStep).realvalue;
 }
 
 std::uint32_t Bench::writeReal(double aNow, std::uint32_t aChannel, std::uint32_t aParmID,
-                               double aValue) {
-  return instrument->write(aNow, {{aChannel, 0, 0, aParmID, aValue, 0, 0}});
+                               double aValue, std::uint32_t aStep) {
+  return instrument->write(aNow, {{aChannel, 0, aStep, aParmID, aValue, 0, 0}});
 }
 
 std::uint32_t Bench::writeInteger(double aNow, std::uint32_t aChannel, std::uint32_t aParmID,
-                                  std::int32_t aValue) {
-  return instrument->write(aNow, {{aChannel, 0, 0, aParmID, 0.0, aValue, 0}});
+                                  std::int32_t aValue, std::uint32_t aStep) {
+  return instrument->write(aNow, {{aChannel, 0, aStep, aParmID, 0.0, aValue, 0}});
 }
 
 void Bench::set(double aNow, const std::string& aName, double aValue) {
@@ -81,8 +96,9 @@ std::string Bench::snapshot(double aNow) {
   return buffer.GetString();
 }
 
-ParamList Bench::read(double aNow, std::uint32_t aChannel, std::uint32_t aParmID) {
-  std::vector<ParamList> records{{aChannel, 0, 0, aParmID, 0.0, 0, 99}};
+ParamList Bench::read(double aNow, std::uint32_t aChannel, std::uint32_t aParmID,
+                      std::uint32_t aStep) {
+  std::vector<ParamList> records{{aChannel, 0, aStep, aParmID, 0.0, 0, 99}};
   EXPECT_EQ(instrument->read(aNow, records), 0U) << aChannel << "/" << aParmID;
   EXPECT_EQ(records[0].ServiceStatus, 0U);
   return records[0];

@@ -128,10 +128,52 @@ TEST(Set, ARealIsTakenAsItIs) {
 
 TEST(Set, UnknownNamesAreRefused) {
   Bench bench;
-  for (const char* name : {"", "mColumnTemp", "mColumnTemp5", "mColumnTemp0", "mgc_state",
-                           "mGC_State1", "mGC_State "}) {
+  for (const char* name : {"",
+                           "mColumnTemp",
+                           "mColumnTemp5",
+                           "mColumnTemp0",
+                           "mgc_state",
+                           "mGC_State1",
+                           "mGC_State ",
+                           "mGC_State[1]",
+                           "mGC_State[",
+                           "mRepeat",
+                           "mRepeat[0]",
+                           "mRepeat[4]",
+                           "mRepeat[21]",
+                           "mRepeat[01]",
+                           "mRepeat[1",
+                           "mRepeat[1]]",
+                           "mRepeat[-1]",
+                           "mRepeat1[1]",
+                           "mLevelAmt1[5]",
+                           "mLevelAmt[1]",
+                           "mLevelAmt3[1]",
+                           "mTriggered[6]",
+                           "mSlotNr[11]",
+                           "mRepeat[4294967297]",
+                           "["}) {
     EXPECT_FALSE(bench.instrument->set(0.0, name, 1.0)) << name;
   }
+}
+
+TEST(Set, ReachesEveryStepThatIsThere) {
+  Bench bench;
+  bench.set(0.0, "mLevelAmt1[3]", 2.5);
+  bench.set(0.0, "mRT2[7]", 3.25);
+  bench.set(0.0, "mRepeat[3]", 17.9);
+  bench.set(0.0, "mSolution[2]", 10);
+  bench.set(0.0, "mSlotNr[0]", 1);
+  bench.set(0.0, "mGroupID[5]", -2147483648.0);
+  EXPECT_EQ(bench.real(0.0, 1, 1230, 3), 2.5);
+  EXPECT_EQ(bench.real(0.0, 2, 1196, 7), 3.25);
+  EXPECT_EQ(bench.integer(0.0, 0, 24, 3), 17);
+  EXPECT_EQ(bench.integer(0.0, 1, 1010, 2), 10);
+  EXPECT_EQ(bench.integer(0.0, 0, 1003, 0), 1);
+  EXPECT_EQ(bench.integer(0.0, 0, 2031, 5), INT32_MIN);
+  const std::string snapshot = bench.snapshot(0.0);
+  EXPECT_NE(snapshot.find("\"mLevelAmt1[3]\":2.5,"), std::string::npos);
+  EXPECT_NE(snapshot.find("\"mRepeat[3]\":17,"), std::string::npos);
 }
 
 TEST(Set, TheCounterStaysAtTheLargestNumber) {
@@ -152,8 +194,14 @@ TEST(Set, NothingBreaksTheInstrument) {
       bench.set(now, parameter.name, value);
       bench.snapshot(now);
     }
-    for (std::uint32_t command : {0U, 1U, 17U}) {
+    for (const char* name : {"mRunType[1]", "mRepeat[1]", "mStream[1]", "mSolution[1]",
+                             "mFlushTime[1]", "mFlushTime[2]", "mLevelAmt1[1]", "mLinearCoef1[2]",
+                             "mRT1[1]", "mAlarmOn[1]", "mGroupID[1]", "mParamID[1]"}) {
+      bench.instrument->set(now, name, value);
+    }
+    for (std::uint32_t command : {0U, 1U, 16U, 17U, 1U, 0U, 19U, 22U, 26U, 35U}) {
       bench.set(now, "mGC_State", 4.0);
+      bench.set(now, "mAutoState", 0.0);
       bench.command(now, command);
       bench.snapshot(now + 1.0);
       now += 5000.0;
@@ -252,4 +300,24 @@ TEST(Snapshot, IsAScenario) {
   EXPECT_NEAR(again.columnTemp1(0.0), bench.columnTemp1(200.0), 0.1);
   EXPECT_EQ(again.counter(0.0), 1284);
   EXPECT_EQ(again.state(260.0), 4);
+}
+
+TEST(Snapshot, HoldsTheTables) {
+  Bench bench("four-channel");
+  bench.set(0.0, "mTriggered[3]", 1);
+  EXPECT_EQ(bench.command(0.0, 22), eSuccess);
+  EXPECT_EQ(bench.command(0.0, 19), eSuccess);
+  EXPECT_EQ(bench.writeInteger(0.0, 0, 24, 8, 2), eSuccess);
+  EXPECT_EQ(bench.writeReal(0.0, 4, 1230, 12.5, 100), eSuccess);
+  const std::string before = bench.snapshot(0.0);
+  const TemporaryFile file(before);
+  Scenario scenario;
+  std::string error;
+  ASSERT_TRUE(loadScenario(file.path(), scenario, error)) << error;
+  Bench again(scenario);
+  EXPECT_EQ(again.integer(0.0, 0, 144), 2);
+  EXPECT_EQ(again.integer(0.0, 0, 24, 2), 8);
+  EXPECT_EQ(again.integer(0.0, 0, 2212, 3), 1);
+  EXPECT_EQ(again.real(0.0, 4, 1230, 100), 12.5);
+  EXPECT_EQ(again.integer(0.0, 1, 1176, 5), 'M');  // Methane
 }

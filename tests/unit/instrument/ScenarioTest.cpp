@@ -103,6 +103,41 @@ TEST(ShippedScenarios, AreWhatTheirNamesSay) {
   EXPECT_NEAR(warming.columnTemp1(0.0), 22.0, 0.04);
 }
 
+TEST(ShippedScenarios, FourChannelIsFull) {
+  Bench bench("four-channel");
+  for (std::uint32_t channel = 1; channel <= 4; ++channel) {
+    std::uint64_t peaks = 0;
+    std::uint64_t levels = 0;
+    EXPECT_EQ(bench.instrument->programInfo(channel, peaks, levels), 0U);
+    EXPECT_EQ(peaks, 100U) << channel;
+    double last = 0.0;
+    for (std::uint32_t peak = 1; peak <= 100; ++peak) {
+      const double retention = bench.real(0.0, channel, 1196, peak);
+      EXPECT_GT(retention, last) << channel << "/" << peak;
+      EXPECT_LT(retention * 60.0, bench.integer(0.0, channel, 204)) << channel << "/" << peak;
+      EXPECT_GT(bench.real(0.0, channel, 1242, peak), 0.0);
+      EXPECT_NE(bench.integer(0.0, channel, 1176, peak), 0);
+      last = retention;
+    }
+  }
+  EXPECT_EQ(bench.integer(0.0, 0, 144), 20);
+  EXPECT_EQ(bench.integer(0.0, 0, 2029), 38);
+  EXPECT_EQ(bench.integer(0.0, 0, 2028), 1);
+}
+
+TEST(ShippedScenarios, BareHasNothingToChooseFrom) {
+  Bench bench("bare");
+  EXPECT_EQ(bench.integer(0.0, 0, 525), 0);
+  EXPECT_EQ(bench.integer(0.0, 0, 524), 0);
+  EXPECT_EQ(bench.integer(0.0, 0, 144), 1);
+  EXPECT_EQ(bench.integer(0.0, 0, 2028), 0);
+  EXPECT_EQ(bench.integer(0.0, 0, 2029), 0);
+  std::uint64_t peaks = 99;
+  std::uint64_t levels = 0;
+  EXPECT_EQ(bench.instrument->programInfo(1, peaks, levels), 0U);
+  EXPECT_EQ(peaks, 0U);
+}
+
 // The first second of the everyday instrument, with seed 1: what every example shows.
 TEST(ShippedScenarios, EverydayStartsWithTheseReadings) {
   Bench bench;
@@ -167,6 +202,18 @@ TEST(ScenarioFile, IsRefusedWithThePointerOfTheFault) {
       {withMember(R"("description": 1)"), "/description: wrong type"},
       {withParameters(R"("mColumnTemp5": 1)"), "/parameters/mColumnTemp5: unknown member"},
       {withParameters(R"("mColumnTemp": 1)"), "/parameters/mColumnTemp: unknown member"},
+      {withParameters(R"("mRepeat": 1)"), "/parameters/mRepeat: unknown member"},
+      {withParameters(R"("mRepeat[]": 1)"), "/parameters/mRepeat[]: unknown member"},
+      {withParameters(R"("mLevelAmt5[1]": 1)"), "/parameters/mLevelAmt5[1]: unknown member"},
+      {withParameters(R"("mRepeat[1]": "1")"), "/parameters/mRepeat[1]: none of the allowed forms"},
+      {withMember(R"("sequence": [{"runType": 4}])"), "/sequence/0/runType: too large"},
+      {withMember(R"("sequence": [{"runType": 0}])"), "/sequence/0: missing member repeat"},
+      {withMember(R"("sequence": [{"repeat": 1000}])"), "/sequence/0/repeat: too large"},
+      {withMember(R"("sequence": [{"flushTime": 60.5}])"), "/sequence/0/flushTime: too large"},
+      {withMember(R"("sequence": [{"solution": 1}])"), "/sequence/0/solution: unknown member"},
+      {withMember(R"("alarms": [{"group": 13}])"), "/alarms/0/group: too large"},
+      {withMember(R"("alarms": [{"group": 1}])"), "/alarms/0: missing member parameter"},
+      {withMember(R"("alarms": 1)"), "/alarms: wrong type"},
       {withParameters(R"("mGC_State": 4.5)"), "/parameters/mGC_State: wrong type"},
       {withParameters(R"("mGC_State": true)"), "/parameters/mGC_State: wrong type"},
       {withParameters(R"("mGC_State": null)"), "/parameters/mGC_State: wrong type"},

@@ -28,7 +28,7 @@ double value(Bench& bench, const ExpectedParameter& aParameter) {
 }  // namespace
 
 TEST(Write, SettingsAreTakenUpToTheirBounds) {
-  Bench bench("four-channel");
+  Bench bench(scenarioWith("four-channel", {{"mStreamMaxNr", 46}}));
   int settings = 0;
   for (const ExpectedParameter& parameter : cExpectedParameters) {
     if (!parameter.isSetting) {
@@ -44,7 +44,7 @@ TEST(Write, SettingsAreTakenUpToTheirBounds) {
     EXPECT_EQ(write(bench, parameter, parameter.highest + step), eOutOfBounds) << parameter.name;
     EXPECT_EQ(value(bench, parameter), parameter.highest) << parameter.name;
   }
-  EXPECT_EQ(settings, 17);
+  EXPECT_EQ(settings, 26);
 }
 
 TEST(Write, EverythingElseIsReadOnly) {
