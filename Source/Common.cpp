@@ -2,6 +2,7 @@
 #include "Common.h"
 
 #include <InstrumentClient.h>
+#include <rapidjson/filereadstream.h>
 #include <rapidjson/memorystream.h>
 #include <rapidjson/prettywriter.h>
 #include <rapidjson/stringbuffer.h>
@@ -22,15 +23,6 @@ std::unique_ptr<ParamList[]> makeRecords(const ParameterMap& aMap) {
     (*it).item()->fill(*record++);
   }
   return pList;
-}
-
-/// The member, or null when there is none.
-const Value* findMember(const Value& parent, const char* name) {
-  if (!parent.IsObject()) {
-    return nullptr;
-  }
-  const auto member = parent.FindMember(name);
-  return member == parent.MemberEnd() ? nullptr : &member->value;
 }
 
 bool isAscii(const char* text, std::size_t length) {
@@ -88,15 +80,11 @@ void clearParamMap(const ParameterMap& aMap, bool bclose) {
   }
 }
 
-namespace {
-
-/// The parameter under a name, or null. The key borrows the name: a look-up allocates nothing.
-const Parameter* findParameter(const ParameterMap& aMap, const char* name) {
+Parameter* findParameter(const ParameterMap& aMap, const char* name) {
+  // The key borrows the name: a look-up allocates nothing.
   Parameter* parameter = nullptr;
   return aMap.find(ACE_CString(name, nullptr, false), parameter) == 0 ? parameter : nullptr;
 }
-
-}  // namespace
 
 int getIntValue(const ParameterMap& aMap, const char* name, const int def_val) {
   const Parameter* parameter = findParameter(aMap, name);
@@ -108,24 +96,57 @@ double getRealValue(const ParameterMap& aMap, const char* name, const double def
   return parameter == nullptr ? def_val : parameter->getRealValue();
 }
 
+bool isSet(const ParameterMap& aMap, const char* name) {
+  return getIntValue(aMap, name, 0) != 0;
+}
+
+const Value* findJsonMember(const Value& parent, const char* name) {
+  if (!parent.IsObject()) {
+    return nullptr;
+  }
+  const auto member = parent.FindMember(name);
+  return member == parent.MemberEnd() ? nullptr : &member->value;
+}
+
 int getIntJsonMember(const Value& parent, const char* name, const int def_val) {
-  const Value* member = findMember(parent, name);
+  const Value* member = findJsonMember(parent, name);
   return member != nullptr && member->IsInt() ? member->GetInt() : def_val;
 }
 
 double getRealJsonMember(const Value& parent, const char* name, const double def_val) {
-  const Value* member = findMember(parent, name);
+  const Value* member = findJsonMember(parent, name);
   return member != nullptr && member->IsNumber() ? member->GetDouble() : def_val;
 }
 
 bool getBooleanJsonMember(const Value& parent, const char* name, const bool def_val) {
-  const Value* member = findMember(parent, name);
+  const Value* member = findJsonMember(parent, name);
   return member != nullptr && member->IsBool() ? member->GetBool() : def_val;
 }
 
 ACE_CString getStringJsonMember(const Value& parent, const char* name, const char* def_str) {
-  const Value* member = findMember(parent, name);
+  const Value* member = findJsonMember(parent, name);
   return {member != nullptr && member->IsString() ? member->GetString() : def_str};
+}
+
+int parseJsonFile(const char* file, Document& aDocument) {
+  std::FILE* input = std::fopen(file, "rb");
+  if (input == nullptr) {
+    return -1;
+  }
+  char buffer[65536];
+  rapidjson::FileReadStream stream(input, buffer, sizeof buffer);
+  // Iterative: the depth of the nesting is the file's choice, the size of the stack is not. Full
+  // precision: a printed report that is downloaded again must come back as it was.
+  aDocument.ParseStream<rapidjson::kParseIterativeFlag | rapidjson::kParseFullPrecisionFlag>(
+      stream);
+  // The parser takes a zero octet for the end of the file; only there the stream stands still.
+  const std::size_t end = stream.Tell();
+  stream.Take();
+  if (stream.Tell() != end) {
+    aDocument.SetNull();
+  }
+  std::fclose(input);
+  return 0;
 }
 
 void addText(Value& parent, const Value::StringRefType& key, const char* text, AllocatorType& al) {
@@ -163,4 +184,9 @@ void printErroMsg(unsigned int err_code, const char* msg) {
   document.AddMember("ErrorCode", err_code, al);
   addText(document, "Msg", msg, al);
   printDocument(document);
+}
+
+int printVerdict(unsigned long ulResult) {
+  printErroMsg(static_cast<unsigned int>(ulResult), ulResult != 0 ? "Refused" : "Accepted");
+  return static_cast<int>(ulResult);
 }

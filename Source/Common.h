@@ -26,10 +26,21 @@ unsigned int writeParams(const ParameterMap& aMap, unsigned long aHandle);
 /// after which nothing can be bound into it.
 void clearParamMap(const ParameterMap& aMap, bool bclose);
 
+/// Whether a batch read brought something to report: all of it, or what could be read.
+constexpr bool hasArrived(unsigned int ulResult) {
+  return ulResult == 0 || ulResult == cBatchIncomplete;
+}
+
 // --- look-ups: the value of a parameter by name, or the default when the name is not bound ---
 
 int getIntValue(const ParameterMap& aMap, const char* name, const int def_val);
 double getRealValue(const ParameterMap& aMap, const char* name, const double def_val);
+
+/// Whether the flag is set; not when the name is not bound.
+bool isSet(const ParameterMap& aMap, const char* name);
+
+/// The parameter under a name, or null.
+Parameter* findParameter(const ParameterMap& aMap, const char* name);
 
 // --- JSON in: a member of an object, or the default when it is missing or of another type, or when
 // --- the parent is no object. An integer counts as a real, a real never as an integer.
@@ -38,6 +49,13 @@ int getIntJsonMember(const Value& parent, const char* name, const int def_val);
 double getRealJsonMember(const Value& parent, const char* name, const double def_val);
 bool getBooleanJsonMember(const Value& parent, const char* name, const bool def_val);
 ACE_CString getStringJsonMember(const Value& parent, const char* name, const char* def_str);
+
+/// The member, or null when there is none or the parent is no object.
+const Value* findJsonMember(const Value& parent, const char* name);
+
+/// Parses a whole file into a new document. Returns -1 when it cannot be opened, else 0; a file
+/// that is not exactly one valid JSON value leaves the document as it is, null.
+int parseJsonFile(const char* file, Document& aDocument);
 
 // --- JSON out ---
 
@@ -54,3 +72,7 @@ void printDocument(const Document& aDocument);
 /// Prints the result object: {"ErrorCode": err_code, "Msg": msg}. Serves for failures and for the
 /// verdicts of commands alike.
 void printErroMsg(unsigned int err_code, const char* msg);
+
+/// Prints the verdict of a command, "Accepted" for status 0 and "Refused" for any other. Returns
+/// the status as the front end takes it.
+int printVerdict(unsigned long ulResult);

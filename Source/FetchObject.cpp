@@ -1,4 +1,10 @@
-// The factory singleton's one instantiation in the tool.
+// Texts from remote objects, and the factory singleton's one instantiation in the tool.
 #include "FetchObject.h"
 
 template class ACE_Singleton<CloneFactory, ACE_Thread_Mutex>;
+
+void fetchText(unsigned long handle, unsigned long number, ACE_CString& aTagName) {
+  if (const auto* tag = fetchObject<SiteInfoTag>(handle, number)) {
+    aTagName = tag->getTagName();
+  }
+}

@@ -6,7 +6,11 @@
 
 /// The instrument's text objects, by their numbers.
 enum eRemoteObjects : unsigned long {
+  eSiteInformation = 2,
+  eInstrumentName = 3,
   eInstrumentApplication = 4,
+  eBOOTPName = 5,
+  eColumnDescriptions = 6,
 };
 
 /// Fetches remote object `number`. Returns null when it does not arrive or is of another class; the
@@ -19,3 +23,6 @@ const Wanted* fetchObject(unsigned long handle, unsigned long number) {
   ReadObject(handle, number, lObject);
   return dynamic_cast<const Wanted*>(lObject);
 }
+
+/// Sets the string to the text of remote object `number`, or leaves it when it cannot be had.
+void fetchText(unsigned long handle, unsigned long number, ACE_CString& aTagName);

@@ -8,7 +8,17 @@
 #include <memory>
 
 #include "Common.h"
+#include "SecAbortRun.h"
+#include "SecAlarm.h"
+#include "SecAutoRun.h"
+#include "SecCalibRun.h"
+#include "SecCalibTbl.h"
+#include "SecConfig.h"
+#include "SecSequenceTbl.h"
+#include "SecSingleRun.h"
+#include "SecSolutionLoad.h"
 #include "SecStatus.h"
+#include "SecStream.h"
 
 namespace {
 
@@ -33,15 +43,29 @@ std::unique_ptr<SectionBase> create() {
 
 constexpr OperationRow cOperations[] = {
     {eStatusRead, create<SecStatus>, eExtra::eNone},
+    {eConfigRead, create<SecConfig>, eExtra::eNone},
+    {eAlarmRead, create<SecAlarm>, eExtra::eNone},
+    {eSequenceRead, create<SecSequenceTbl>, eExtra::eNone},
+    {eCalibRead, create<SecCalibTbl>, eExtra::eNone},
+    {eStreamWrite, create<SecStream>, eExtra::eArgument},
+    {eSingleRun, create<SecSingleRun>, eExtra::eArgument},
+    {eAutomationRun, create<SecAutoRun>, eExtra::eNone},
+    {eCalibrationRun, create<SecCalibRun>, eExtra::eArgument},
+    {eAbortRun, create<SecAbortRun>, eExtra::eArgument},
+    {eSolutionLoad, create<SecSolutionLoad>, eExtra::eArgument},
+    {eSequenceWrite, create<SecSequenceTbl>, eExtra::eFile},
+    {eCalibWrite, create<SecCalibTbl>, eExtra::eFile},
+    {eAlarmReset, create<SecAlarm>, eExtra::eNone},
 };
 
-const OperationRow* findOperation(eSections code) {
+/// A code without a row reads the status, as no option does.
+const OperationRow& findOperation(eSections code) {
   for (const OperationRow& row : cOperations) {
     if (row.code == code) {
-      return &row;
+      return row;
     }
   }
-  return nullptr;
+  return cOperations[0];
 }
 
 /// Reports only look, and connect in mode 1; commands connect in mode 0.
@@ -82,25 +106,17 @@ int drive(SectionBase& lSection, const OperationRow& row, Request& aRequest, Par
       lSection.parseFile(aRequest.filename.data());
       break;
   }
-  return connectionMode(row.code) == 1 ? lSection.readGC() : lSection.writeGC();
+  return connectionMode(aRequest.selected_sections) == 1 ? lSection.readGC() : lSection.writeGC();
 }
 
 }  // namespace
-
-bool canPerform(const Request& aRequest) {
-  if (findOperation(aRequest.selected_sections) == nullptr) {
-    std::fputs("Operation not available in this version\n", stderr);
-    return false;
-  }
-  return true;
-}
 
 void performRequest(Request& aRequest, ParameterMap& lMap) {
   unsigned long handle = 0;
   if (!openConnection(aRequest, handle)) {
     return;
   }
-  const OperationRow& row = *findOperation(aRequest.selected_sections);
+  const OperationRow& row = findOperation(aRequest.selected_sections);
   const std::unique_ptr<SectionBase> lSection = row.create();
   const int result = drive(*lSection, row, aRequest, lMap, handle);
   if (result != 0) {

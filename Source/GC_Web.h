@@ -46,13 +46,10 @@ struct Request {
 /// an error, 0 after the usage text.
 bool parseCommandLine(int argc, char* argv[], Request& aRequest, int& result);
 
-/// Whether the tool has a section for the request. If not, says so on standard error.
-bool canPerform(const Request& aRequest);
-
 /// Writes the usage text to standard error. `app` is the name under which the tool was invoked.
 void print_usage(char* app);
 
-/// Connects to the instrument, performs a request that canPerform, with `lMap` as the section's
-/// map, disconnects. The outcome is what was printed: the document or result object on standard
-/// output, "Execute failed" on standard error.
+/// Connects to the instrument, performs the request with `lMap` as the section's map, disconnects.
+/// The outcome is what was printed: the document or result object on standard output, "Execute
+/// failed" on standard error.
 void performRequest(Request& aRequest, ParameterMap& lMap);

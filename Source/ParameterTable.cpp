@@ -12,25 +12,28 @@ ChannelName::ChannelName(const char* aFamily, int aChannel) {
   mText[length + 1] = '\0';
 }
 
-void registerParameter(ParameterMap& aMap, const char* name, unsigned long channel,
-                       unsigned long id) {
-  auto parameter = std::make_unique<Parameter>(channel, id);
+void bindParameter(ParameterMap& aMap, const char* name, std::unique_ptr<Parameter> parameter) {
   if (aMap.bind(ACE_CString(name, nullptr, false), parameter.get()) == 0) {
     static_cast<void>(parameter.release());
   }
 }
 
-void registerParameters(ParameterMap& aMap, const ParameterRow* rows, std::size_t count) {
+void registerParameters(ParameterMap& aMap, const ParameterRow* rows, std::size_t count,
+                        unsigned long step) {
+  const auto bind = [&](const char* name, const ParameterRow& row, unsigned long channel,
+                        unsigned long id) {
+    bindParameter(aMap, name, std::make_unique<Parameter>(channel, id, row.value, 0.0, step, 0));
+  };
   for (const ParameterRow* row = rows; row != rows + count; ++row) {
     if (row->span == eSpan::eSingle) {
-      registerParameter(aMap, row->name, row->channel, row->id);
+      bind(row->name, *row, row->channel, row->id);
       continue;
     }
     for (int n = 1; n <= cChannels; ++n) {
       const auto offset = static_cast<unsigned long>(n - 1);
       const bool byId = row->span == eSpan::eById;
-      registerParameter(aMap, ChannelName(row->name, n), row->channel + (byId ? 0 : offset),
-                        row->id + (byId ? offset : 0));
+      bind(ChannelName(row->name, n), *row, row->channel + (byId ? 0 : offset),
+           row->id + (byId ? offset : 0));
     }
   }
 }

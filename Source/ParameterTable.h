@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 
+#include "Common.h"
 #include "Parameter.h"
 
 /// The analytical channels are numbered 1 to 4.
@@ -16,10 +18,11 @@ enum class eSpan {
 };
 
 struct ParameterRow {
-  unsigned long id;  ///< of the first parameter of the row
-  const char* name;  ///< name in the map; without the digit where the row is a family
-  eSpan span;
-  unsigned long channel;  ///< of the first parameter of the row
+  unsigned long id = 0;        ///< of the first parameter of the row
+  const char* name = nullptr;  ///< name in the map; without the digit where the row is a family
+  eSpan span = eSpan::eSingle;
+  unsigned long channel = 0;  ///< of the first parameter of the row
+  long value = 0;             ///< integer value that it starts with
 };
 
 /// How many parameters a table registers.
@@ -43,15 +46,30 @@ class ChannelName {
   char mText[32] = {};
 };
 
-/// Binds a new parameter of value 0, which the map then owns. A name that is bound already keeps
-/// its parameter.
-void registerParameter(ParameterMap& aMap, const char* name, unsigned long channel,
-                       unsigned long id);
+/// Binds a parameter, which the map then owns. A name that is bound already keeps its parameter.
+void bindParameter(ParameterMap& aMap, const char* name, std::unique_ptr<Parameter> parameter);
 
-/// Registers a table in its order, each family channel by channel.
-void registerParameters(ParameterMap& aMap, const ParameterRow* rows, std::size_t count);
+/// Registers a table in its order, each family channel by channel, with real value and method 0.
+/// `step`: the line that the rows belong to, from 1; 0 where they belong to no line.
+void registerParameters(ParameterMap& aMap, const ParameterRow* rows, std::size_t count,
+                        unsigned long step);
 
 template <std::size_t size>
-void registerParameters(ParameterMap& aMap, const ParameterRow (&rows)[size]) {
-  registerParameters(aMap, rows, size);
+void registerParameters(ParameterMap& aMap, const ParameterRow (&rows)[size],
+                        unsigned long step = 0) {
+  registerParameters(aMap, rows, size, step);
 }
+
+/// A map for the batches of one call, which clears itself on every way out.
+class LocalMap {
+ public:
+  explicit LocalMap(std::size_t aBuckets) : mMap(aBuckets) {}
+  ~LocalMap() { clearParamMap(mMap, true); }
+  LocalMap(const LocalMap&) = delete;
+  LocalMap& operator=(const LocalMap&) = delete;
+
+  ParameterMap& operator*() { return mMap; }
+
+ private:
+  ParameterMap mMap;
+};

@@ -1,6 +1,8 @@
 // Run types, as status and sequence table name them.
 #include "RunType.h"
 
+#include <cstring>
+
 #include "CodeText.h"
 
 namespace {
@@ -18,4 +20,13 @@ static_assert(isIndexedByCode(cRunTypes));
 
 const char* runTypeText(int aCode) {
   return textOfCode(cRunTypes, aCode, "None");
+}
+
+int runTypeCode(const char* aText) {
+  for (const CodeText& row : cRunTypes) {
+    if (std::strcmp(row.text, aText) == 0) {
+      return row.code;
+    }
+  }
+  return 0;
 }

@@ -99,10 +99,6 @@ void copyText(char* buffer, const char* text) {
   std::snprintf(buffer, cTextSize, "%s", text);
 }
 
-bool isSet(const ParameterMap& aMap, const char* name) {
-  return getIntValue(aMap, name, 0) != 0;
-}
-
 Value::StringRefType choose(bool flag, const char* set, const char* clear) {
   return Value::StringRefType(flag ? set : clear);
 }
@@ -132,7 +128,7 @@ void SecStatus::init(ParameterMap* aMap, unsigned long handle) {
 int SecStatus::readGC() {
   const ParameterMap& aMap = *mMap;
   const unsigned int ulResult = readParams(aMap, mHandle);
-  if (ulResult != 0 && ulResult != cBatchIncomplete) {
+  if (!hasArrived(ulResult)) {
     return static_cast<int>(ulResult);
   }
 
@@ -203,9 +199,7 @@ int SecStatus::GetMaxRunTime(const ParameterMap& aMap) {
 }
 
 void SecStatus::GetInstrumentApplication(ACE_CString& aTagName) const {
-  if (const auto* tag = fetchObject<SiteInfoTag>(mHandle, eInstrumentApplication)) {
-    aTagName = tag->getTagName();
-  }
+  fetchText(mHandle, eInstrumentApplication, aTagName);
 }
 
 void SecStatus::AddSetpointAndActual(const ParameterMap& aMap, const char* name,

@@ -11,9 +11,6 @@ int main(int argc, char* argv[]) {
   if (!parseCommandLine(argc, argv, request, result)) {
     return result;
   }
-  if (!canPerform(request)) {
-    return -1;
-  }
   performRequest(request, lMap);
   clearParamMap(lMap, true);
   finishACE();

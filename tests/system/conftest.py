@@ -1,22 +1,24 @@
 """Fixtures: an address for each test, the tool, and simulated controllers."""
 
+import json
 import os
 import random
 import shutil
 import socket
 import subprocess
 import tempfile
-from collections.abc import Callable, Iterator
+from collections.abc import Callable, Iterator, Mapping
 from contextlib import ExitStack
 from pathlib import Path
+from typing import Any
 
 import pytest
-from programs import PORT, Simulator, Tool
+from programs import INPUT_FILES, PORT, ROOT, Run, Simulator, Tool, is_valid, load_scenario
 
 StartSimulator = Callable[..., Simulator]
 Traced = Callable[..., list[str]]
+Download = Callable[..., Run]
 
-ROOT = Path(__file__).resolve().parents[2]
 BIN_DIR = Path(os.environ.get("GC_BIN_DIR", ROOT / "build" / "dev" / "bin")).resolve()
 
 
@@ -79,16 +81,49 @@ def simulator(bin_dir: Path, address: str, folder: Path) -> Iterator[StartSimula
     """Starts a controller of a scenario at the test's address, time standing at 0.
 
     Called with the scenario's name and further options of gc-sim; `paused=False` lets time run.
+    `parts` replace those of the scenario; of its parameters only those that are named.
     """
     with ExitStack() as running:
 
-        def start(scenario: str = "everyday", *options: str, paused: bool = True) -> Simulator:
+        def start(
+            scenario: str = "everyday",
+            *options: str,
+            paused: bool = True,
+            parts: Mapping[str, Any] | None = None,
+        ) -> Simulator:
+            if parts is not None:
+                whole = load_scenario(scenario)
+                parameters = {**whole["parameters"], **parts.get("parameters", {})}
+                changed = {**whole, **parts, "parameters": parameters}
+                path = folder / "scenario.json"
+                path.write_text(json.dumps(changed), encoding="utf-8")
+                scenario = str(path)
             every = ["--scenario", scenario, *(["--paused"] if paused else []), *options]
             started = Simulator(bin_dir, address, folder, every)
             running.callback(started.stop)
             return started
 
         yield start
+
+
+@pytest.fixture
+def download(tool: Tool, folder: Path) -> Download:
+    """Runs the tool with a file, which is checked against its schema unless the tool refuses it."""
+
+    def run(controller: Simulator, option: str, contents: object, sloppy: bool = False) -> Run:
+        """`contents`: octets as they are, or anything that JSON can hold.
+
+        `sloppy`: the tool makes the best of it, but the schema says what is wrong.
+        """
+        octets = contents if isinstance(contents, bytes) else json.dumps(contents).encode()
+        path = folder / "file.json"
+        path.write_bytes(octets)
+        done = tool("-s", controller.address, option, str(path))
+        if not done.document["Msg"].startswith("Format"):
+            assert is_valid(INPUT_FILES[option], json.loads(octets)) is not sloppy
+        return done
+
+    return run
 
 
 @pytest.fixture

@@ -1,24 +1,46 @@
 """The programs under test as the tests use them: the tool, and the simulated controller."""
 
+import getopt
 import json
 import os
+import re
 import select
 import subprocess
 import time
-from collections.abc import Mapping
+from collections.abc import Mapping, Sequence
 from dataclasses import dataclass
+from decimal import Decimal
 from pathlib import Path
 from typing import Any
 
 import jsonschema
 
 PORT = 20047  # the one on which controllers listen
-SCHEMAS = Path(__file__).resolve().parents[2] / "docs" / "schemas"
+ROOT = Path(__file__).resolve().parents[2]
+SCHEMAS = ROOT / "docs" / "schemas"
+SCENARIOS = ROOT / "simulator" / "scenarios"
 LIMIT = 60.0  # seconds until a program that hangs is killed; sanitized ones are slow
+
+# What each option asks for; the other operations print result objects and nothing else.
+REPORTS = {
+    "-t": "status",
+    "-g": "configuration",
+    "-a": "alarms",
+    "-q": "sequence",
+    "-c": "calibration",
+}
+COMMANDS = ["-P", "-V", "-R", "-A", "-M", "-Q", "-C"]
+# Reports that can be downloaded again, and the options that take a file.
+DOWNLOADABLE = {"sequence": "sequence-file", "calibration": "calibration-file"}
+INPUT_FILES = {"-Q": "sequence-file", "-C": "calibration-file"}
 
 
 def load_schema(name: str) -> dict[str, Any]:
     return json.loads((SCHEMAS / f"{name}.schema.json").read_text(encoding="utf-8"))
+
+
+def load_scenario(name: str) -> dict[str, Any]:
+    return json.loads((SCENARIOS / f"{name}.json").read_text(encoding="utf-8"))
 
 
 def parse_strictly(text: bytes) -> dict[str, Any]:
@@ -34,14 +56,43 @@ def parse_strictly(text: bytes) -> dict[str, Any]:
     return json.loads(text.decode("utf-8"), parse_constant=refuse, object_pairs_hook=members)
 
 
-def check_document(stdout: bytes) -> None:
-    """Checks what the tool printed: nothing, or one document of a known format and a newline."""
+def validate(name: str, document: Any) -> None:
+    jsonschema.Draft4Validator(load_schema(name)).validate(document)
+
+
+def is_valid(name: str, document: Any) -> bool:
+    return jsonschema.Draft4Validator(load_schema(name)).is_valid(document)
+
+
+def check_document(stdout: bytes, arguments: Sequence[str]) -> None:
+    """Checks what the tool printed: nothing, or one document of what it was asked for."""
     if not stdout:
         return
     assert stdout.endswith(b"}\n"), stdout
     document = parse_strictly(stdout)
-    schema = load_schema("result" if "ErrorCode" in document else "status")
-    jsonschema.Draft4Validator(schema).validate(document)
+    if "ErrorCode" in document:
+        validate("result", document)
+        return
+    options = getopt.gnu_getopt(list(arguments), "s:htgaqcv:A:V:R:M:Q:C:P")[0]
+    asked = [option for option, _ in options if option in REPORTS or option in COMMANDS]
+    name = REPORTS[asked[-1] if asked else "-t"]
+    validate(name, document)
+    if name in DOWNLOADABLE:
+        validate(DOWNLOADABLE[name], document)
+
+
+def printed(document: dict[str, Any]) -> str:
+    """A document as the tool prints it; small numbers never get an exponent above -7."""
+
+    def number(match: re.Match[str]) -> str:
+        value = Decimal(match[0])
+        if -7 < value.adjusted() < 21:
+            return f"{value:f}" if value % 1 else f"{value:.1f}"
+        mantissa, exponent = match[0].split("e")
+        return f"{mantissa}e{int(exponent)}"
+
+    text = json.dumps(document, indent=4, ensure_ascii=False)
+    return re.sub(r'(?<=": )-?[0-9.]+e[-+][0-9]+(?=,?$)', number, text, flags=re.MULTILINE) + "\n"
 
 
 @dataclass(frozen=True)
@@ -58,6 +109,26 @@ class Run:
     @property
     def document(self) -> dict[str, Any]:
         return parse_strictly(self.stdout)
+
+
+def signed(status: int) -> int:
+    """A status as diagnostics show it."""
+    return status - 2**32 if status >= 2**31 else status
+
+
+def expect(run: Run, stdout: str, stderr: str = "") -> None:
+    """A run that got past its command line, with exactly these outputs."""
+    assert (run.stdout.decode(), run.stderr.decode(), run.status) == (stdout, stderr, 0)
+
+
+def expect_verdict(run: Run, code: int, words: str, stderr: str = "") -> None:
+    result = f'{{\n    "ErrorCode": {code},\n    "Msg": "{words}"\n}}\n'
+    expect(run, result, stderr)
+
+
+def expect_failed(run: Run, status: int) -> None:
+    """A run that connected, and then got no report."""
+    expect(run, "", f"Execute failed {signed(status)}.\n")
 
 
 class Tool:
@@ -91,7 +162,7 @@ class Tool:
         )
         seconds = time.monotonic() - start
         ended = int(time.time())
-        check_document(done.stdout)
+        check_document(done.stdout, arguments)
         left = list(self._folder.iterdir())
         assert not left, f"the tool left files behind: {left}"
         return Run(done.stdout, done.stderr, done.returncode, began, ended, seconds)
@@ -133,6 +204,21 @@ class Simulator:
     def journal(self) -> list[dict[str, Any]]:
         """What clients called so far, oldest first."""
         return self.control("journal")["lines"]
+
+    def called(self) -> list[str]:
+        """The calls of the last run of the tool, between its greeting and its goodbye."""
+        calls = [line["call"] for line in self.last_run()]
+        assert (calls[0], calls[-1]) == ("Connect", "Disconnect"), calls
+        return calls[1:-1]
+
+    def last_run(self) -> list[dict[str, Any]]:
+        """The journal of the last connection."""
+        lines = self.journal()
+        return [line for line in lines if line["connection"] == lines[-1]["connection"]]
+
+    def parameters(self) -> dict[str, float]:
+        """Every parameter by its name."""
+        return self.control("snapshot")["parameters"]
 
     def stop(self) -> None:
         self._process.terminate()

@@ -1,16 +1,6 @@
 """The parameters of the status report, and the order in which a batch carries them."""
 
-from typing import NamedTuple
-
-
-class Address(NamedTuple):
-    """Where the instrument keeps a parameter, as records give it."""
-
-    channel: int
-    method: int
-    step: int
-    id: int
-
+from batches import Address, in_order, of_channels
 
 # On each of the channels 1 to 4, the channel's digit behind the name.
 OF_CHANNELS = {
@@ -55,26 +45,14 @@ OF_THE_INSTRUMENT = {
 def registered() -> dict[str, Address]:
     """Name to address, in the order in which the report registers them."""
     rows = {f"mInstalled{n}": Address(0, 0, 0, 501 + n) for n in range(1, 5)}
-    rows |= {f"mColumnHeader{n}": Address(n, 0, 0, 200) for n in range(1, 5)}
+    rows |= of_channels("mColumnHeader", 200)
     rows["mHeatedSampleLineInstalled"] = Address(0, 0, 0, 602)
     for name, parameter in OF_CHANNELS.items():
-        rows |= {f"{name}{n}": Address(n, 0, 0, parameter) for n in range(1, 5)}
+        rows |= of_channels(name, parameter)
     rows |= {name: Address(0, 0, 0, parameter) for name, parameter in OF_THE_INSTRUMENT.items()}
     return rows
 
 
-def bucket(name: str) -> int:
-    """Where ACE's hash map of 128 buckets keeps a name: P. J. Weinberger's hash, as ACE has it."""
-    value = 0
-    for octet in name.encode():
-        value = (value << 4) + octet * 13
-        high = value & 0xF0000000
-        if high:
-            value ^= high >> 24
-            value ^= high
-    return value % 128
-
-
 def sent() -> list[str]:
-    """Names in the order of a batch: bucket by bucket, in each the last registered one first."""
-    return sorted(reversed(registered()), key=bucket)
+    """Names in the order of the batch."""
+    return in_order(registered(), 128)

@@ -35,7 +35,8 @@ NO_SLOT = "ERROR: number out of range for slot\n"
 NO_FILE = "No file specified\n"
 NO_ADDRESS = "Invalid IP address\n"
 NO_STDIN = "Stdin not supported\n"
-NOT_AVAILABLE = "Operation not available in this version\n"
+# What an argument is read as, in the ranges of streams and slots.
+NUMBERS = {"0": 0, "10": 10, "7.9": 7, " 7": 7, "+7": 7, "-0": 0, "0x10": 0}
 
 
 def expect(run: Run, status: int, stderr: str) -> None:
@@ -144,33 +145,66 @@ def test_usage_tells_the_name_of_invocation(tool: Tool, untouched: str, name: st
     expect(tool("-s", untouched, "-h", name=name), 0, USAGE.format(name=name))
 
 
-# To be replaced by tests of the operations themselves, as they come.
 @pytest.mark.parametrize(
-    "arguments",
+    "arguments, calls",
     [
-        ["-g"],
-        ["-a"],
-        ["-q"],
-        ["-c"],
-        ["-P"],
-        *[["-V", number] for number in ["0", "46", "46x", "5.9", " 7", "+7", "-0", "0x10"]],
-        *[["-M", number] for number in ["0", "10", "10x", "0x10"]],
-        *[["-R", word] for word in ["auto", "single", "calib"]],
-        ["-R", "single", "-v", "46"],
-        ["-v", "0", "-R", "calib"],
-        *[["-A", word] for word in ["now", "auto", "later", ""]],
-        ["-Q", "no-such-file"],
-        ["-Q", "x" * 5000],
-        ["-C", "no-such-file"],
-        ["-tg"],
-        ["-t", "-g"],
-        ["-g", "-v", "3"],
-        ["-V5"],
-        ["-R", "auto", "--"],
+        (["-g"], [("Connect", 1), "Read", *["Object"] * 6]),
+        (["-a"], [("Connect", 1), "Read"]),
+        (["-q"], [("Connect", 1), "Read", "Read"]),
+        (["-c"], [("Connect", 1), *["ProgramInfo"] * 4]),
+        (["-P"], [("Connect", 0), ("Command", 35)]),
+        *[(["-V", word], [("Connect", 0), ("Write", 39, 0, n)]) for word, n in NUMBERS.items()],
+        (["-V", "46x"], [("Connect", 0), ("Write", 39, 0, 46)]),
+        (["-V5"], [("Connect", 0), ("Write", 39, 0, 5)]),
+        *[(["-M", word], [("Connect", 0), ("Write", 1003, n, 0)]) for word, n in NUMBERS.items()],
+        (["-M", "10x"], [("Connect", 0), ("Write", 1003, 10, 0)]),
+        (["-V", "3", "-M", "9"], [("Connect", 0), ("Write", 1003, 9, 0)]),
+        (["-M", "9", "-v", "46"], [("Connect", 0), ("Write", 1003, 46, 0)]),
+        (["-v", "8", "-V", "3"], [("Connect", 0), ("Write", 39, 0, 3)]),
+        (["-V", "3", "-v", "8"], [("Connect", 0), ("Write", 39, 0, 8)]),
+        (["-M", "9", "-A", "later", "-V", "3"], [("Connect", 0), ("Write", 39, 0, 3)]),
+        (["-R", "auto"], [("Connect", 0), ("Command", 16)]),
+        (["-R", "auto", "--"], [("Connect", 0), ("Command", 16)]),
+        (["-R", "calib", "-R", "auto"], [("Connect", 0), ("Command", 16)]),
+        (["-A", "now"], [("Connect", 0), ("Command", 1), ("Command", 17)]),
+        *[
+            (["-A", word], [("Connect", 0), ("Command", 17)])
+            for word in ["auto", "later", "Now", "now ", "", "x" * 5000]
+        ],
+        (["-A", "auto", "-A", "now"], [("Connect", 0), ("Command", 1), ("Command", 17)]),
+        (["-A", "auto", "-v", "0"], [("Connect", 0), ("Command", 1), ("Command", 17)]),
+        (["-A", "now", "-v", "5"], [("Connect", 0), ("Command", 17)]),
+        (["-Q", "no-such-file"], [("Connect", 0)]),
+        (["-C", "no-such-file"], [("Connect", 0)]),
+        (["-tg"], [("Connect", 1), "Read", *["Object"] * 6]),
+        (["-P", "-t", "-g"], [("Connect", 1), "Read", *["Object"] * 6]),
+        (["-g", "-v", "3"], [("Connect", 1), "Read", *["Object"] * 6]),
     ],
 )
-def test_not_available_yet(tool: Tool, untouched: str, arguments: list[str]) -> None:
-    expect(tool("-s", untouched, *arguments), 255, NOT_AVAILABLE)
+def test_operation(
+    tool: Tool, simulator: StartSimulator, arguments: list[str], calls: list[object]
+) -> None:
+    """Which operation a command line asks for, by what the instrument sees of it."""
+    controller = simulator("bare")
+    # Whatever the instrument is asked to do, it does not get in the way.
+    for call in ["Write", "Command"]:
+        controller.fault(kind="ignore", call=call, times=0)
+    controller.control("set", "mEnabled", "0")
+    controller.fault(kind="status", call="ProgramInfo", status=210, times=0)
+    assert tool("-s", controller.address, *arguments).status == 0
+
+    seen: list[object] = []
+    for line in controller.last_run():
+        if line["call"] == "Connect":
+            seen.append(("Connect", line["mode"]))
+        elif line["call"] == "Command":
+            seen.append(("Command", line["command"]))
+        elif line["call"] == "Write":
+            (record,) = line["records"]
+            seen.append(("Write", record["id"], record["step"], record["int"]))
+        else:
+            seen.append(line["call"])
+    assert seen == [*calls, "Disconnect"]
 
 
 @pytest.mark.parametrize(

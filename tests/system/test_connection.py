@@ -9,7 +9,7 @@ from threading import Thread
 
 import pytest
 from conftest import StartSimulator
-from programs import PORT, Run, Tool
+from programs import PORT, Run, Tool, expect_failed
 
 # Statuses of the stand-in client library.
 ANSWER_TIMEOUT = 107
@@ -36,12 +36,6 @@ def expect_not_connected(run: Run) -> None:
 }
 """
     assert run.stderr == b"EstablishConnection An error occured while connecting to the GC.\n"
-    assert run.status == 0
-
-
-def expect_failed(run: Run, status: int) -> None:
-    """A run that connected, and then got no report."""
-    assert (run.stdout, run.stderr) == (b"", f"Execute failed {status}.\n".encode())
     assert run.status == 0
 
 

@@ -7,8 +7,8 @@ import subprocess
 from pathlib import Path
 
 import pytest
-from conftest import ROOT, StartSimulator
-from programs import Tool
+from conftest import StartSimulator
+from programs import ROOT, Tool
 
 pytestmark = pytest.mark.release
 

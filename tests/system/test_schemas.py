@@ -3,12 +3,11 @@
 import copy
 import json
 from collections.abc import Iterator
-from pathlib import Path
 from typing import Any
 
 import jsonschema
 import pytest
-from programs import SCHEMAS, load_schema
+from programs import DOWNLOADABLE, SCHEMAS, load_schema, parse_strictly
 
 # What draft-04 and draft-07 both know and mean the same by.
 COMMON_KEYWORDS = {
@@ -18,7 +17,7 @@ COMMON_KEYWORDS = {
 }
 
 NAMES = sorted(path.name.removesuffix(".schema.json") for path in SCHEMAS.glob("*.schema.json"))
-EVERYDAY = Path(__file__).parent / "documents" / "everyday.json"
+EXAMPLES = sorted(path.name.removesuffix(".json") for path in (SCHEMAS / "examples").iterdir())
 
 
 def subschemas(schema: dict[str, Any]) -> Iterator[dict[str, Any]]:
@@ -38,7 +37,18 @@ def test_every_reader_can_take_it(name: str) -> None:
     for inner in subschemas(schema):
         assert set(inner) <= COMMON_KEYWORDS, inner
         if inner.get("type") == "object" and "properties" in inner:
-            assert inner["additionalProperties"] is False, inner
+            # Documents have nothing else; files may, and it is ignored.
+            assert inner["additionalProperties"] is name.endswith("-file"), inner
+        assert "enum" not in inner or "type" in inner, inner
+        # rapidjson knows anchors at the ends of a pattern only.
+        assert not set("^$") & set(inner.get("pattern", "")[1:-1]), inner
+
+
+def test_same_name_is_the_same_definition() -> None:
+    definitions: dict[str, Any] = {}
+    for name in NAMES:
+        for key, definition in load_schema(name).get("definitions", {}).items():
+            assert definitions.setdefault(key, definition) == definition, (name, key)
 
 
 def fits(name: str, document: dict[str, Any]) -> bool:
@@ -50,19 +60,37 @@ def fits(name: str, document: dict[str, Any]) -> bool:
     return verdicts.pop()
 
 
-def status(path: str, value: Any) -> dict[str, Any]:
-    """A good status document with one member changed, or taken away: ... stands for that."""
-    document = copy.deepcopy(json.loads(EVERYDAY.read_text(encoding="utf-8")))
-    document["GC_time"] = "5-3-2024 07:04:09"
+def example(name: str) -> dict[str, Any]:
+    return parse_strictly((SCHEMAS / "examples" / f"{name}.json").read_bytes())
+
+
+def test_every_schema_has_an_example() -> None:
+    assert EXAMPLES == NAMES
+
+
+@pytest.mark.parametrize("name", NAMES)
+def test_example(name: str) -> None:
+    """It fits its own schema; of the others only that of the file which it is as well."""
+    fitting = [other for other in NAMES if fits(other, example(name))]
+    assert set(fitting) == {name, DOWNLOADABLE.get(name, name)}
+
+
+def changed(name: str, path: str, value: Any) -> dict[str, Any]:
+    """An example with one member changed, or taken away: ... stands for that."""
+    document = copy.deepcopy(example(name))
     *folders, key = path.split("/")
-    parent = document
+    parent: Any = document
     for folder in folders:
-        parent = parent[folder]
+        parent = parent[int(folder) if isinstance(parent, list) else folder]
     if value is ...:
         del parent[key]
     else:
         parent[key] = value
     return document
+
+
+def status(path: str, value: Any) -> dict[str, Any]:
+    return changed("status", path, value)
 
 
 @pytest.mark.parametrize(
@@ -136,6 +164,109 @@ def test_bad_status(path: str, value: Any) -> None:
     assert not fits("status", status(path, value))
 
 
+LINE = {"Type": "Blank", "Repeat": 1, "Stream": 2, "Slot": 3, "Flush_time": 0.5}
+
+
+@pytest.mark.parametrize(
+    "name, path, value, good",
+    [
+        ("configuration", "Inst_name", "", True),
+        ("configuration", "Channel4/Gas", "Unknown", True),
+        ("configuration", "Channel4/Gas", "Neon", False),
+        ("configuration", "Channel4", ..., False),
+        ("configuration", "Channel1/PN", "7300", False),
+        ("configuration", "Channel1/PN", 2147483648, False),
+        ("configuration", "Channel1/Installed", 1, False),
+        ("configuration", "Channel2/Description", None, False),
+        ("configuration", "Inst_serial", 1.5, False),
+        ("configuration", "Stream_configured", "true", False),
+        ("configuration", "Boot_name", "x", False),
+        ("alarms", "total", 2147483647, True),
+        ("alarms", "total", 0, False),
+        ("alarms", "total", -1, False),
+        ("alarms", "total", ..., False),
+        ("alarms", "rows", ..., False),
+        ("alarms", "rows", [], False),
+        ("alarms", "rows", [{}], False),
+        ("alarms", "rows/0/SampleType", "None", True),
+        ("alarms", "rows/0/SampleType", "all", False),
+        ("alarms", "rows/0/GroupStr", "Unknown", True),
+        ("alarms", "rows/0/GroupStr", "8. GC status", False),
+        ("alarms", "rows/0/ParamStr", "--", True),
+        ("alarms", "rows/0/ParamStr", "-5. ", True),
+        ("alarms", "rows/0/ParamStr", "5. %s\n", True),
+        ("alarms", "rows/0/ParamStr", "", False),
+        ("alarms", "rows/0/ParamStr", "Methane", False),
+        ("alarms", "rows/0/ParamStr", "---", False),
+        ("alarms", "rows/0/Triggered", 0, False),
+        ("alarms", "rows/0/Triggered", ..., False),
+        ("sequence", "rows", [LINE] * 20, True),
+        ("sequence", "rows", [LINE] * 21, False),
+        ("sequence", "rows", [], False),
+        ("sequence", "rows", ..., False),
+        ("sequence", "total", 0, False),
+        ("sequence", "total", 25, True),
+        ("sequence", "Continuous", ..., False),
+        ("sequence", "Continuous", 0, False),
+        ("sequence", "rows/2/Type", "None", True),
+        ("sequence", "rows/2/Type", "blank", False),
+        ("sequence", "rows/2/Flush_time", "-", True),
+        ("sequence", "rows/2/Flush_time", "1", False),
+        ("sequence", "rows/2/Flush_time", 2, True),
+        ("sequence", "rows/2/Repeat", 1.5, False),
+        ("sequence", "rows/2/Slot", ..., False),
+        ("sequence", "rows/2/Calib", 1, False),
+        ("calibration", "rows", [], True),
+        ("calibration", "rows", ..., False),
+        ("calibration", "total", 401, False),
+        ("calibration", "total", -1, False),
+        ("calibration", "rows/0/Channel", 5, False),
+        ("calibration", "rows/0/Channel", 0, False),
+        ("calibration", "rows/0/ID", 101, False),
+        ("calibration", "rows/0/PkName", "x" * 21, False),
+        ("calibration", "rows/0/PkName", "", True),
+        ("calibration", "rows/0/Ret_time", "-", True),
+        ("calibration", "rows/0/Linear", None, False),
+        ("calibration", "rows/0/Level_amt", ..., False),
+        ("sequence-file", "Table_repeat", ..., False),
+        ("sequence-file", "Table_repeat", "5", False),
+        ("sequence-file", "Table_repeat", 2147483648, False),
+        ("sequence-file", "total", ..., False),
+        ("sequence-file", "total", -1, True),
+        ("sequence-file", "Continuous", ..., True),
+        ("sequence-file", "Continuous", 1, False),
+        ("sequence-file", "rows", ..., True),
+        ("sequence-file", "rows", [{}] * 30, True),
+        ("sequence-file", "rows", [5], False),
+        ("sequence-file", "rows", {}, False),
+        ("sequence-file", "rows/0/Type", "None", True),
+        ("sequence-file", "rows/0/Type", "calibration", False),
+        ("sequence-file", "rows/0/Flush_time", "-", True),
+        ("sequence-file", "rows/0/Flush_time", "2", False),
+        ("sequence-file", "rows/0/Comment", [], True),
+        ("calibration-file", "total", ..., False),
+        ("calibration-file", "total", 500, True),
+        ("calibration-file", "rows", ..., True),
+        ("calibration-file", "rows", [None], False),
+        ("calibration-file", "rows/0/Level_amt", "-", True),
+        ("calibration-file", "rows/0/Level_amt", ..., False),
+        ("calibration-file", "rows/0/Channel", 1.5, False),
+        ("calibration-file", "rows/0/ID", "2", False),
+        ("calibration-file", "rows/0/PkName", 5, True),
+    ],
+)
+def test_changed(name: str, path: str, value: Any, good: bool) -> None:
+    assert fits(name, changed(name, path, value)) is good
+
+
+def test_empty_tables() -> None:
+    assert fits("alarms", {"total": 0})
+    assert not fits("alarms", {"total": 1})
+    assert fits("sequence", {"Table_repeat": 1, "Continuous": False, "total": 0})
+    assert fits("sequence", {"Table_repeat": 1, "Continuous": False, "total": -5})
+    assert not fits("sequence", {"Table_repeat": 1, "Continuous": False, "total": 1})
+
+
 @pytest.mark.parametrize(
     "code, words, good",
     [
@@ -150,6 +281,25 @@ def test_bad_status(path: str, value: Any) -> None:
         ("0", "Accepted", False),
         (0, "accepted", False),
         (0, "", False),
+        (0, "Success!", True),
+        (0, "Success", True),
+        (1, "Success!", False),
+        (0, "Format Invalid", True),
+        (2, "Format invalid", True),
+        (0, "Format invalid", False),
+        (2, "Format Invalid", False),
+        (206, "Refused: unable to set table repeat", True),
+        (206, "Refused: unabled to clear orignal table", True),
+        (206, "Refused: unable to insert new sequence", True),
+        (4294967295, "Refused: unable to set sequence line params", True),
+        (0, "Refused: unable to set sequence line params", False),
+        (206, "Refused: unable to clear original table", False),
+        (204, "Refused: Unable to set new level for chan[2] peak[7]", True),
+        (204, "Refused: Unable to set new level for chan[-1] peak[0]", True),
+        (0, "Refused: Unable to set new level for chan[2] peak[7]", False),
+        (204, "Refused: Unable to set new level for chan[2] peak[]", False),
+        (204, "Refused: Unable to set new level for chan[02] peak[7]", False),
+        (204, "x Refused: Unable to set new level for chan[2] peak[7]", False),
     ],
 )
 def test_result(code: Any, words: str, good: bool) -> None:

@@ -6,6 +6,7 @@ import time
 from pathlib import Path
 
 import pytest
+from batches import addresses
 from conftest import StartSimulator, Traced
 from programs import Run, Tool
 from status_parameters import registered, sent
@@ -69,12 +70,9 @@ def test_batch_of_a_report(tool: Tool, simulator: StartSimulator) -> None:
     """Records go in the order of the map that holds them, as they do on instruments in use."""
     controller = simulator()
     tool("-s", controller.address)
-    addresses = registered()
-    records = controller.journal()[1]["records"]
-    assert len(records) == 71
-    assert [
-        (record["channel"], record["method"], record["step"], record["id"]) for record in records
-    ] == [addresses[name] for name in sent()]
+    expected = [registered()[name] for name in sent()]
+    assert len(expected) == 71
+    assert addresses(controller.journal()[1]) == expected
 
 
 def test_unanswered_parameter(tool: Tool, simulator: StartSimulator) -> None:

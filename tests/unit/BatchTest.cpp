@@ -197,6 +197,14 @@ TEST_F(BatchTest, RecordsGoInTheOrderOfTheMapEvenWhenThereAreMany) {
   }
 }
 
-TEST(BatchConstantTest, IncompleteBatchIs28) {
+TEST(BatchStatusTest, IncompleteBatchIs28) {
   EXPECT_EQ(cBatchIncomplete, 28U);
 }
+
+static_assert(hasArrived(0));
+static_assert(hasArrived(28));
+static_assert(!hasArrived(1));
+static_assert(!hasArrived(27));
+static_assert(!hasArrived(29));
+static_assert(!hasArrived(0x80000000U));
+static_assert(!hasArrived(0xFFFFFFFFU));

@@ -216,7 +216,6 @@ const RefusedRow cRefused[] = {
 
 class AcceptedTest : public testing::TestWithParam<AcceptedRow> {};
 class RefusedTest : public testing::TestWithParam<RefusedRow> {};
-class UnavailableTest : public testing::TestWithParam<eSections> {};
 }  // namespace
 
 TEST_P(AcceptedTest, Request) {
@@ -261,24 +260,3 @@ TEST(OperationCodesTest, AreFixed) {
   EXPECT_EQ(eAlarmReset, 13);
   EXPECT_EQ(NR_OF_SECTIONS, 14);
 }
-
-TEST(OperationTest, StatusReportIsThere) {
-  const Request request;
-  const Output output = capture([&] { EXPECT_TRUE(canPerform(request)); });
-  EXPECT_EQ(output.out, "");
-  EXPECT_EQ(output.err, "");
-}
-
-TEST_P(UnavailableTest, IsRefused) {
-  Request request;
-  request.selected_sections = GetParam();
-  const Output output = capture([&] { EXPECT_FALSE(canPerform(request)); });
-  EXPECT_EQ(output.out, "");
-  EXPECT_EQ(output.err, "Operation not available in this version\n");
-}
-
-INSTANTIATE_TEST_SUITE_P(Operations, UnavailableTest,
-                         testing::Values(eConfigRead, eAlarmRead, eSequenceRead, eCalibRead,
-                                         eStreamWrite, eSingleRun, eAutomationRun, eCalibrationRun,
-                                         eAbortRun, eSolutionLoad, eSequenceWrite, eCalibWrite,
-                                         eAlarmReset));

@@ -197,13 +197,6 @@ TEST_F(ConnectionTest, HelpReachesNoLibrary) {
   EXPECT_THAT(mInstrument.calls(), IsEmpty());
 }
 
-TEST_F(ConnectionTest, OperationThatIsNotThereReachesNoLibrary) {
-  EXPECT_EQ(run({"-g"}), -1);
-  EXPECT_EQ(mOutput.out, "");
-  EXPECT_EQ(mOutput.err, "Operation not available in this version\n");
-  EXPECT_THAT(mInstrument.calls(), IsEmpty());
-}
-
 // One request on a map of the caller's.
 
 TEST_F(ConnectionTest, RequestLeavesItsParametersInTheMap) {

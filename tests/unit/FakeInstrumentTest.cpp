@@ -71,10 +71,21 @@ TEST_F(FakeInstrumentTest, ProgramInfo) {
   EXPECT_EQ(ReadProgramInfo(FakeInstrument::cHandle, 5, 2, 6, &first, &second), 0UL);
   EXPECT_EQ(first, 11UL);
   EXPECT_EQ(second, 12UL);
-  ReadProgramInfo(9, 0, 3, 0, &first, &second);
-  EXPECT_EQ(first, 0UL);
+  ReadProgramInfo(9, 0, 3, 0, &first, &second);  // a channel without info
+  EXPECT_EQ(first, 11UL);
+  EXPECT_EQ(second, 12UL);
   EXPECT_THAT(mInstrument.calls(),
               ElementsAre("ReadProgramInfo(handle, 5, 2, 6)", "ReadProgramInfo(9, 0, 3, 0)"));
+}
+
+TEST_F(FakeInstrumentTest, TrafficShowsEveryFieldThatIsNotZero) {
+  ParamList records[] = {{0, 0, 0, 39, 0.0, 0, 0}, {4294967295, 2, 3, 23, -1.5, -7, 9}};
+  WriteParamList(FakeInstrument::cHandle, records, 2);
+  ReadParamList(FakeInstrument::cHandle, records, 0);
+  ExecuteCommand(FakeInstrument::cHandle, 0, 22);
+  EXPECT_THAT(mInstrument.traffic(),
+              ElementsAre("WriteParamList(handle, 2): 0:39 4294967295:23@3=-7~-1.5#2!9",
+                          "ReadParamList(handle, 0)", "ExecuteCommand(handle, 0, 22)"));
 }
 
 TEST_F(FakeInstrumentTest, RemoteObjects) {

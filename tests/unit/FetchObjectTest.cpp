@@ -62,6 +62,28 @@ TEST_F(FetchObjectTest, StatusIsNotLookedAt) {
   EXPECT_STREQ(tag->getTagName().c_str(), "Natural gas");
 }
 
-TEST_F(FetchObjectTest, InstrumentApplicationIsObject4) {
+TEST_F(FetchObjectTest, TextIsAssigned) {
+  mInstrument.setTag(3, "gc-12");
+  ACE_CString text("before");
+  fetchText(FakeInstrument::cHandle, 3, text);
+  EXPECT_STREQ(text.c_str(), "gc-12");
+  EXPECT_THAT(mInstrument.calls(), ElementsAre("registerObject(SiteInfoTag)", "~SiteInfoTag()",
+                                               "ReadObject(handle, 3)"));
+}
+
+TEST_F(FetchObjectTest, TextThatCannotBeHadLeavesTheString) {
+  ACE_CString text("before");
+  fetchText(1, 3, text);
+  EXPECT_STREQ(text.c_str(), "before");
+  mInstrument.setColumns(3, {"a", "b", "c", "d"});
+  fetchText(1, 3, text);
+  EXPECT_STREQ(text.c_str(), "before");
+}
+
+TEST_F(FetchObjectTest, NumbersOfTheObjects) {
+  EXPECT_EQ(eSiteInformation, 2UL);
+  EXPECT_EQ(eInstrumentName, 3UL);
   EXPECT_EQ(eInstrumentApplication, 4UL);
+  EXPECT_EQ(eBOOTPName, 5UL);
+  EXPECT_EQ(eColumnDescriptions, 6UL);
 }

@@ -69,6 +69,7 @@ void expectDefaults(const Value& aParent, const char* aName) {
   EXPECT_TRUE(getBooleanJsonMember(aParent, aName, true));
   EXPECT_FALSE(getBooleanJsonMember(aParent, aName, false));
   EXPECT_STREQ(getStringJsonMember(aParent, aName, cText).c_str(), cText);
+  EXPECT_EQ(findJsonMember(aParent, aName), nullptr);
 }
 
 class JsonTypeTest : public testing::TestWithParam<Row> {
@@ -124,6 +125,14 @@ TEST(JsonInputTest, MembersAreFoundByTheirNames) {
   EXPECT_EQ(getRealJsonMember(document, "b", cReal), 2.5);
   EXPECT_TRUE(getBooleanJsonMember(document, "c", false));
   EXPECT_STREQ(getStringJsonMember(document, "d", cText).c_str(), "text");
+}
+
+TEST(JsonInputTest, MemberIsFoundWhateverItsType) {
+  const Document document = parsed("{\"a\": null, \"b\": [5], \"\": true}");
+  ASSERT_NE(findJsonMember(document, "a"), nullptr);
+  EXPECT_TRUE(findJsonMember(document, "a")->IsNull());
+  EXPECT_EQ(findJsonMember(document, "b"), &document["b"]);
+  EXPECT_EQ(findJsonMember(document, ""), &document[""]);
 }
 
 TEST(JsonInputTest, FirstOfTwoMembersOfOneNameCounts) {

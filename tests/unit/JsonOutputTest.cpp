@@ -236,6 +236,25 @@ TEST(ResultObjectTest, CodeIsUnsigned) {
             "{\n    \"ErrorCode\": 2147483648,\n    \"Msg\": \"Refused\"\n}\n");
 }
 
+TEST(ResultObjectTest, VerdictOfACommandIsItsStatus) {
+  struct Row {
+    unsigned long status;
+    const char* shown;
+    int result;
+  };
+  for (const Row& row :
+       {Row{0, "0,\n    \"Msg\": \"Accepted\"", 0}, Row{5, "5,\n    \"Msg\": \"Refused\"", 5},
+        Row{28, "28,\n    \"Msg\": \"Refused\"", 28},
+        Row{0x80000000UL, "2147483648,\n    \"Msg\": \"Refused\"", -2147483647 - 1},
+        Row{0xFFFFFFFFUL, "4294967295,\n    \"Msg\": \"Refused\"", -1}}) {
+    int result = 99;
+    const Output output = capture([&] { result = printVerdict(row.status); });
+    EXPECT_EQ(result, row.result);
+    EXPECT_EQ(output.out, std::string("{\n    \"ErrorCode\": ") + row.shown + "\n}\n");
+    EXPECT_EQ(output.err, "");
+  }
+}
+
 TEST(ResultObjectTest, TextMayBeEmptyOrLong) {
   EXPECT_EQ(printedResult(1, ""), "{\n    \"ErrorCode\": 1,\n    \"Msg\": \"\"\n}\n");
   const std::string text(5000, 'm');

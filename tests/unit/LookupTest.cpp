@@ -55,9 +55,37 @@ TEST_F(LookupTest, ExtremesPass) {
   EXPECT_EQ(getIntValue(mMap, "m", 0), -2147483647 - 1);
 }
 
+TEST_F(LookupTest, FlagIsSetUnlessItIsZero) {
+  Parameter* const parameter = mMap.add("mContinuous", 0, 12);
+  EXPECT_FALSE(isSet(mMap, "mContinuous"));
+  for (const long flag : {1L, 2L, -1L, 2147483647L, -2147483647L - 1}) {
+    parameter->setIntValue(flag);
+    EXPECT_TRUE(isSet(mMap, "mContinuous")) << flag;
+  }
+  parameter->setIntValue(0);
+  parameter->setRealValue(1.0);
+  EXPECT_FALSE(isSet(mMap, "mContinuous"));
+}
+
+TEST_F(LookupTest, UnknownFlagIsNotSet) {
+  mMap.add("mContinuous", 0, 12)->setIntValue(1);
+  EXPECT_FALSE(isSet(mMap, "mcontinuous"));
+  EXPECT_EQ(mMap.current_size(), 1U);
+}
+
+TEST_F(LookupTest, ParameterIsFoundByItsName) {
+  Parameter* const parameter = mMap.add("mStream", 0, 62);
+  EXPECT_EQ(findParameter(mMap, "mStream"), parameter);
+  EXPECT_EQ(findParameter(mMap, "mStreamNr"), nullptr);
+  EXPECT_EQ(findParameter(mMap, ""), nullptr);
+  EXPECT_EQ(mMap.current_size(), 1U);
+}
+
 TEST_F(LookupTest, ClosedMapKnowsNoName) {
   mMap.add("m", 0, 1);
   clearParamMap(mMap, true);
+  EXPECT_EQ(findParameter(mMap, "m"), nullptr);
+  EXPECT_FALSE(isSet(mMap, "m"));
   EXPECT_EQ(getIntValue(mMap, "m", 3), 3);
   EXPECT_EQ(getRealValue(mMap, "m", 3.5), 3.5);
 }

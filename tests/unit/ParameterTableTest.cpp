@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "TestMap.h"
@@ -36,7 +38,26 @@ constexpr ParameterRow cRows[] = {
     {502, "mFlag", eSpan::eById, 0},       {1010, "mOther", eSpan::eSingle, 1},
     {2212, "mLast", eSpan::eByChannel, 1},
 };
+constexpr ParameterRow cRowsWithValues[] = {
+    {73, "mReplicate", eSpan::eSingle, 0, 2},
+    {61, "mPlain", eSpan::eSingle, 0},
+    {300, "mByChannel", eSpan::eByChannel, 1, -5},
+    {502, "mById", eSpan::eById, 1, 7},
+};
 constexpr ParameterRow cOneRow[] = {{5, "m", eSpan::eSingle, 3}};
+
+void expectRecord(const Parameter* aParameter, const ParamList& aExpected) {
+  ASSERT_NE(aParameter, nullptr);
+  ParamList lRecord = {9, 9, 9, 9, 9.5, 9, 9};
+  aParameter->fill(lRecord);
+  EXPECT_EQ(lRecord.Channel, aExpected.Channel);
+  EXPECT_EQ(lRecord.Method, aExpected.Method);
+  EXPECT_EQ(lRecord.Step, aExpected.Step);
+  EXPECT_EQ(lRecord.ParmID, aExpected.ParmID);
+  EXPECT_EQ(lRecord.realvalue, aExpected.realvalue);
+  EXPECT_EQ(lRecord.intvalue, aExpected.intvalue);
+  EXPECT_EQ(lRecord.ServiceStatus, aExpected.ServiceStatus);
+}
 }  // namespace
 
 static_assert(cChannels == 4);
@@ -57,9 +78,9 @@ TEST(ParameterTableTest, RowsAreRegisteredInOrderFamiliesChannelByChannel) {
 
 TEST(ParameterTableTest, OnlyTheCountedRowsAreRegistered) {
   TestMap map(1);
-  registerParameters(map, cRows, 1);
+  registerParameters(map, cRows, 1, 0);
   EXPECT_TRUE(registered(map) == (std::vector<Registered>{{"mSingle", 0, 602}}));
-  registerParameters(map, cRows, 0);
+  registerParameters(map, cRows, 0, 0);
   EXPECT_EQ(map.current_size(), 1U);
 }
 
@@ -71,36 +92,77 @@ TEST(ParameterTableTest, RowKeepsItsChannel) {
 
 TEST(ParameterTableTest, NewParameterIsAllZeroButItsAddress) {
   TestMap map;
-  registerParameter(map, "mPress3", 3, 304);
-  ASSERT_NE(map.at("mPress3"), nullptr);
-  ParamList record = {9, 9, 9, 9, 9.5, 9, 9};
-  map.at("mPress3")->fill(record);
-  EXPECT_EQ(record.Channel, 3U);
-  EXPECT_EQ(record.ParmID, 304U);
-  EXPECT_EQ(record.Method, 0U);
-  EXPECT_EQ(record.Step, 0U);
-  EXPECT_EQ(record.realvalue, 0.0);
-  EXPECT_EQ(record.intvalue, 0);
-  EXPECT_EQ(record.ServiceStatus, 0U);
+  registerParameters(map, cRows);
+  expectRecord(map.at("mFamily3"), {3, 0, 0, 300, 0.0, 0, 0});
+  expectRecord(map.at("mFlag3"), {0, 0, 0, 504, 0.0, 0, 0});
+}
+
+TEST(ParameterTableTest, RowsStartWithTheirValuesInFamiliesToo) {
+  TestMap map;
+  registerParameters(map, cRowsWithValues);
+  expectRecord(map.at("mReplicate"), {0, 0, 0, 73, 0.0, 2, 0});
+  expectRecord(map.at("mPlain"), {0, 0, 0, 61, 0.0, 0, 0});
+  expectRecord(map.at("mByChannel4"), {4, 0, 0, 300, 0.0, -5, 0});
+  expectRecord(map.at("mById4"), {1, 0, 0, 505, 0.0, 7, 0});
+}
+
+TEST(ParameterTableTest, AllRowsBelongToTheLineThatIsAskedFor) {
+  TestMap map;
+  registerParameters(map, cRowsWithValues, 20);
+  expectRecord(map.at("mReplicate"), {0, 0, 20, 73, 0.0, 2, 0});
+  expectRecord(map.at("mPlain"), {0, 0, 20, 61, 0.0, 0, 0});
+  expectRecord(map.at("mByChannel1"), {1, 0, 20, 300, 0.0, -5, 0});
+  expectRecord(map.at("mById2"), {1, 0, 20, 503, 0.0, 7, 0});
 }
 
 TEST(ParameterTableTest, BoundNameKeepsItsFirstParameter) {
   TestMap map(1);
-  registerParameter(map, "m", 1, 300);
+  registerParameters(map, cOneRow);
   Parameter* const first = map.at("m");
-  registerParameter(map, "m", 2, 301);
+  registerParameters(map, cOneRow, 5);
+  bindParameter(map, "m", std::make_unique<Parameter>(2, 301));
   EXPECT_EQ(map.at("m"), first);
-  EXPECT_TRUE(registered(map) == (std::vector<Registered>{{"m", 1, 300}}));
+  expectRecord(first, {3, 0, 0, 5, 0.0, 0, 0});
+  EXPECT_EQ(map.current_size(), 1U);
+}
+
+TEST(ParameterTableTest, BoundParameterIsTheMaps) {
+  TestMap map;
+  auto parameter = std::make_unique<Parameter>(1, 300);
+  Parameter* const address = parameter.get();
+  bindParameter(map, "m", std::move(parameter));
+  EXPECT_EQ(map.at("m"), address);
 }
 
 TEST(ParameterTableTest, NameIsCopied) {
   TestMap map;
   char name[] = "mAutoZero1";
-  registerParameter(map, name, 1, 307);
+  bindParameter(map, name, std::make_unique<Parameter>(1, 307));
   name[9] = '2';
   EXPECT_NE(map.at("mAutoZero1"), nullptr);
   EXPECT_EQ(map.at("mAutoZero2"), nullptr);
 }
+
+// The sanitizers watch that what the map holds is deleted, on every way out.
+TEST(LocalMapTest, OwnsWhatIsBoundIntoIt) {
+  LocalMap map(20);
+  EXPECT_EQ((*map).total_size(), 20U);
+  EXPECT_EQ((*map).current_size(), 0U);
+  registerParameters(*map, cRows);
+  EXPECT_EQ((*map).current_size(), 14U);
+}
+
+TEST(LocalMapTest, CanBeClearedAndFilledAgain) {
+  LocalMap map(40);
+  for (unsigned long step = 1; step <= 3; ++step) {
+    clearParamMap(*map, false);
+    registerParameters(*map, cOneRow, step);
+    expectRecord(findParameter(*map, "m"), {3, 0, static_cast<std::uint32_t>(step), 5, 0.0, 0, 0});
+  }
+}
+
+static_assert(!std::is_copy_constructible_v<LocalMap>);
+static_assert(!std::is_copy_assignable_v<LocalMap>);
 
 TEST(ChannelNameTest, DigitIsAppended) {
   EXPECT_STREQ(ChannelName("mPress", 1), "mPress1");

@@ -5,6 +5,9 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <iomanip>
+#include <limits>
+#include <sstream>
 
 namespace {
 FakeInstrument* sInstrument = nullptr;
@@ -20,6 +23,25 @@ std::unique_ptr<RemoteObject> load(const std::string* aTexts, std::size_t aCount
   auto lObject = std::make_unique<Object>();
   lObject->load(lIn);
   return lObject;
+}
+
+void show(std::ostream& aStream, const ParamList& aRecord) {
+  aStream << ' ' << aRecord.Channel << ':' << aRecord.ParmID;
+  if (aRecord.Step != 0) {
+    aStream << '@' << aRecord.Step;
+  }
+  if (aRecord.intvalue != 0) {
+    aStream << '=' << aRecord.intvalue;
+  }
+  if (aRecord.realvalue != 0.0) {
+    aStream << '~' << aRecord.realvalue;
+  }
+  if (aRecord.Method != 0) {
+    aStream << '#' << aRecord.Method;
+  }
+  if (aRecord.ServiceStatus != 0) {
+    aStream << '!' << aRecord.ServiceStatus;
+  }
 }
 }  // namespace
 
@@ -82,6 +104,20 @@ std::vector<std::string> FakeInstrument::calls() const {
   std::vector<std::string> lTexts;
   for (const Call& call : mLog) {
     lTexts.push_back(call.text);
+  }
+  return lTexts;
+}
+
+std::vector<std::string> FakeInstrument::traffic() const {
+  std::vector<std::string> lTexts;
+  for (const Call& call : mLog) {
+    std::ostringstream lText;
+    lText << std::setprecision(std::numeric_limits<double>::max_digits10) << call.text
+          << (call.records.empty() ? "" : ":");
+    for (const ParamList& record : call.records) {
+      show(lText, record);
+    }
+    lTexts.push_back(lText.str());
   }
   return lTexts;
 }
@@ -161,7 +197,8 @@ std::string FakeInstrument::errorText(int aCode) const {
   return lText != mErrorTexts.end() ? lText->second : "text of error " + std::to_string(aCode);
 }
 
-std::pair<unsigned long, unsigned long> FakeInstrument::programInfo(unsigned long aChannel) const {
+const std::pair<unsigned long, unsigned long>* FakeInstrument::programInfo(
+    unsigned long aChannel) const {
   const auto lInfo = mProgramInfo.find(aChannel);
-  return lInfo != mProgramInfo.end() ? lInfo->second : std::pair<unsigned long, unsigned long>();
+  return lInfo != mProgramInfo.end() ? &lInfo->second : nullptr;
 }

@@ -86,6 +86,7 @@ class FakeInstrument {
   void setColumns(unsigned long aNumber, const std::array<std::string, 4>& aTexts);
   /// Text of an error code, up to the whole buffer: 128 characters leave no room for the zero.
   void setErrorText(int aCode, const std::string& aText);
+  /// The program info of a channel; one without leaves both results as they were.
   void setProgramInfo(unsigned long aChannel, unsigned long aFirst, unsigned long aSecond);
 
   Clock clock;
@@ -101,6 +102,10 @@ class FakeInstrument {
   const std::vector<Call>& log() const { return mLog; }
   /// The texts of all calls in order.
   std::vector<std::string> calls() const;
+  /// The texts of all calls in order, each batch with its records behind it, such as
+  /// "ReadParamList(handle, 2): 0:23@1 1:1010@1=5": channel and id, and of what is not 0 the
+  /// @step, =integer, ~real, #method and !service status.
+  std::vector<std::string> traffic() const;
   /// The records of batch n, counted from 0 over reads and writes; empty if there was none.
   std::vector<ParamList> batch(std::size_t n) const;
 
@@ -114,7 +119,8 @@ class FakeInstrument {
   void destroyed(const Clone& aObject, const char* aClass);
   RemoteObject* object(unsigned long aNumber) const;
   std::string errorText(int aCode) const;
-  std::pair<unsigned long, unsigned long> programInfo(unsigned long aChannel) const;
+  /// Null when nothing was set.
+  const std::pair<unsigned long, unsigned long>* programInfo(unsigned long aChannel) const;
 
  private:
   using Address = std::tuple<std::uint32_t, std::uint32_t, std::uint32_t>;

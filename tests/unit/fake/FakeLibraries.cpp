@@ -115,8 +115,9 @@ unsigned long ReadObject(unsigned long handle, unsigned long number, RemoteObjec
 unsigned long ReadProgramInfo(unsigned long handle, unsigned long aSecond, unsigned long channel,
                               unsigned long aFourth, unsigned long* first, unsigned long* second) {
   record("ReadProgramInfo", shownHandle(handle), shown(aSecond), shown(channel), shown(aFourth));
-  if (!instrument().silent) {
-    std::tie(*first, *second) = instrument().programInfo(channel);
+  const auto* const lInfo = instrument().programInfo(channel);
+  if (!instrument().silent && lInfo != nullptr) {
+    std::tie(*first, *second) = *lInfo;
   }
   return instrument().answerStatus(eFunction::eReadProgramInfo);
 }

@@ -1,0 +1,12 @@
+// What the command operations share: writing their parameters, and saying so.
+#include "RunCommand.h"
+
+#include <cstdio>
+
+#include "Common.h"
+
+unsigned int writeAndReport(const ParameterMap& aMap, unsigned long aHandle) {
+  const unsigned int ulResult = writeParams(aMap, aHandle);
+  std::fprintf(stderr, "writeParam. return %d.\n", static_cast<int>(ulResult));
+  return ulResult;
+}

@@ -1,0 +1,8 @@
+// What the command operations share: writing their parameters, and saying so.
+#pragma once
+
+#include "Parameter.h"
+
+/// Writes the map in one batch and its status to standard error, where the web server's log keeps
+/// it. Returns the status.
+unsigned int writeAndReport(const ParameterMap& aMap, unsigned long aHandle);

@@ -1,0 +1,18 @@
+// The abort of a run or sequence.
+#pragma once
+
+#include "Section.h"
+
+class SecAbortRun : public SectionBase {
+ public:
+  void init(ParameterMap* aMap, unsigned long handle) override;
+
+  /// 0: abort now; any other: stop after the run in hand.
+  void setArgument(int arg) override;
+
+  /// Sends the commands, prints the verdict and returns its status.
+  int writeGC() override;
+
+ private:
+  int mode = 0;
+};

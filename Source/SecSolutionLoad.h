@@ -1,0 +1,20 @@
+// The load of a stored solution.
+#pragma once
+
+#include "Section.h"
+
+class SecSolutionLoad : public SectionBase {
+ public:
+  /// Registers the slot.
+  void init(ParameterMap* aMap, unsigned long handle) override;
+
+  /// Sets the slot, 0 to 10.
+  void setArgument(int arg) override;
+
+  /// Writes the slot, which loads its solution. Prints the verdict, its words inverted, and returns
+  /// the status.
+  int writeGC() override;
+
+ private:
+  int slot = 0;
+};

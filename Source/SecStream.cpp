@@ -1,0 +1,30 @@
+// The switch of the stream selection valve: one write.
+#include "SecStream.h"
+
+#include "Common.h"
+#include "ParameterTable.h"
+#include "RunCommand.h"
+
+namespace {
+
+constexpr ParameterRow cStream[] = {{39, "mStreamNr", eSpan::eSingle, 0}};
+
+}  // namespace
+
+void SecStream::init(ParameterMap* aMap, unsigned long handle) {
+  mMap = aMap;
+  mHandle = handle;
+  registerParameters(*aMap, cStream);
+}
+
+void SecStream::setArgument(int arg) {
+  stream = arg;
+  if (Parameter* parameter = findParameter(*mMap, "mStreamNr")) {
+    parameter->setIntValue(stream);
+  }
+}
+
+int SecStream::writeGC() {
+  // No verdict: whoever switches streams watches the status, and has never been sent one.
+  return static_cast<int>(writeAndReport(*mMap, mHandle));
+}

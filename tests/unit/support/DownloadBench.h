@@ -1,0 +1,24 @@
+// A download at work: a section that reads a file and writes it to a scripted instrument.
+#pragma once
+
+#include "SectionBench.h"
+#include "TemporaryFile.h"
+
+template <class Section>
+class DownloadBench : public SectionBench<Section> {
+ public:
+  /// The result of a download of a file with this content.
+  int download(const std::string& aContent) {
+    TemporaryFile lFile(aContent);
+    parse(lFile.name());
+    const int lResult = this->write();
+    EXPECT_EQ(this->mOutput.err, "");
+    return lResult;
+  }
+  /// Reads a file that can be opened, without a word.
+  void parse(char* aName) {
+    const Output lOutput = capture([&] { EXPECT_EQ(this->mSection.parseFile(aName), 0); });
+    EXPECT_EQ(lOutput.out, "");
+    EXPECT_EQ(lOutput.err, "");
+  }
+};
