@@ -1,0 +1,61 @@
+"""What the benchmarks share: programs built, a controller running, instructions counted."""
+
+import re
+import subprocess
+import sys
+from collections.abc import Iterator
+from contextlib import contextmanager
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parent.parent
+BIN = ROOT / "build/release/bin"
+
+
+def prepare(bin_dir: Path, *targets: str) -> None:
+    """Installs what the measurements need and builds the targets in the usual place."""
+    packaging = ROOT / "packaging"
+    subprocess.run([packaging / "ensure-packages", "valgrind", "strace", "time"], check=True)
+    if bin_dir == BIN:
+        subprocess.run([packaging / "build", "release", "GC_Web", "gc-sim", *targets], check=True)
+
+
+@contextmanager
+def running_controller(bin_dir: Path, folder: str, scenario: str) -> Iterator[str]:
+    """A paused instrument on the first free loopback address, which it yields."""
+    for last in range(1, 255):
+        address = f"127.0.9.{last}"
+        where = ["--listen", address, "--control", f"{folder}/control"]
+        controller = subprocess.Popen(
+            [bin_dir / "gc-sim", *where, "--paused", "--scenario", scenario],
+            stdout=subprocess.PIPE,
+            stderr=subprocess.PIPE,
+            text=True,
+        )
+        if controller.stdout.readline() == "ready\n":
+            try:
+                yield address
+            finally:
+                controller.terminate()
+                controller.communicate()
+            return
+        message = controller.communicate()[1]
+        if controller.returncode != 3:  # 3: the address is taken
+            sys.exit(message)
+    sys.exit("no free loopback address")
+
+
+def count_instructions(command: list[str], profile: str) -> int:
+    """Of one run, the loader's included; callgrind's profile goes to the file `profile`."""
+    done = subprocess.run(
+        ["valgrind", "--tool=callgrind", f"--callgrind-out-file={profile}", *command],
+        capture_output=True,
+        text=True,
+        check=True,
+    )
+    return int(re.search(r"Collected : (\d+)", done.stderr)[1])
+
+
+def peak_memory(command: list[str]) -> int:
+    """Kilobytes, by GNU time: a small parent, whose own peak is not taken for the child's."""
+    done = subprocess.run(["/usr/bin/time", "-f", "%M", *command], capture_output=True, text=True)
+    return int(done.stderr.splitlines()[-1])
