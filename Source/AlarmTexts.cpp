@@ -1,19 +1,16 @@
-// Texts of the numbers that define an alarm, as the instrument's own alarm editor shows them.
+// Texts of the numbers that define an alarm; they are part of the report's format.
 #include "AlarmTexts.h"
 
 #include "CodeText.h"
 
 namespace {
 
-// Sample types, from -2 on.
 constexpr int cFirstSampleType = -2;
-constexpr int cLastSampleType = 5;
 constexpr CodeText cSampleTypes[] = {
-    {0, "All"},         {1, "None"},  {2, "None"},         {3, "Analysis"},
-    {4, "Calibration"}, {5, "Blank"}, {6, "Verification"}, {7, "All"},
+    {-2, "All"},        {-1, "None"}, {0, "None"},         {1, "Analysis"},
+    {2, "Calibration"}, {3, "Blank"}, {4, "Verification"}, {5, "All"},
 };
-static_assert(isIndexedByCode(cSampleTypes) && sizeof cSampleTypes / sizeof cSampleTypes[0] ==
-                                                   cLastSampleType - cFirstSampleType + 1);
+static_assert(isIndexedByCode(cSampleTypes, cFirstSampleType));
 
 constexpr CodeText cGroups[] = {
     {0, "0. None"},
@@ -71,7 +68,7 @@ constexpr CodeText cVerification[] = {
 };
 static_assert(isIndexedByCode(cVerification));
 
-// Only the first input of each kind can raise an alarm.
+// Inputs beyond the first have no text of their own.
 constexpr CodeText cAnalogInputs[] = {{0, "0. None"}, {1, "1. Input# 1"}};
 constexpr CodeText cDigitalInputs[] = {{0, "0. None"}, {1, "1. Digital# 1"}};
 static_assert(isIndexedByCode(cAnalogInputs) && isIndexedByCode(cDigitalInputs));
@@ -213,10 +210,7 @@ constexpr GroupRow cParameters[] = {
 }  // namespace
 
 const char* sampleTypeText(int aType) {
-  // Compared before the subtraction, which the highest ints would overflow.
-  return aType < cFirstSampleType || aType > cLastSampleType
-             ? "None"
-             : cSampleTypes[aType - cFirstSampleType].text;
+  return textOfCode(cSampleTypes, aType, "None", cFirstSampleType);
 }
 
 const char* alarmGroupText(int aGroup) {

@@ -22,7 +22,7 @@ struct OptionRow {
 
 constexpr char cOptionLetters[] = "s:htgaqcv:A:V:R:M:Q:C:P";
 
-// Streams go to 46, the largest selection valve that can be fitted; solution slots to 10.
+// Streams go from 0 to 46, solution slots from 0 to 10.
 constexpr char cStreamRange[] = "ERROR: number out of range for stream\n";
 constexpr char cSlotRange[] = "ERROR: number out of range for slot\n";
 constexpr OptionRow cOptions[] = {
@@ -100,12 +100,12 @@ bool readRunWord(const char* word, eSections& section) {
   return false;
 }
 
-bool readFileName(const char* name, std::array<char, 257>& filename) {
+bool readFileName(const char* name, Request& aRequest) {
   if (*name == '\0') {
     std::fputs("No file specified\n", stderr);
     return false;
   }
-  std::strncpy(filename.data(), name, filename.size() - 1);
+  std::strncpy(aRequest.filename.data(), name, aRequest.filename.size() - 1);
   return true;
 }
 
@@ -118,13 +118,13 @@ bool readArgument(const OptionRow& row, const char* argument, Request& aRequest)
     case eTakes::eNumber:
       return readNumber(argument, row, aRequest.set_num);
     case eTakes::eAbortWord:
-      // Every word but "now" ends the run in hand first, as "auto" does.
+      // Every word but "now" does what "auto" does.
       aRequest.set_num = std::strcmp(argument, "now") == 0 ? 0 : 1;
       return true;
     case eTakes::eRunWord:
       return readRunWord(argument, aRequest.selected_sections);
     case eTakes::eFile:
-      return readFileName(argument, aRequest.filename);
+      return readFileName(argument, aRequest);
     case eTakes::eNothing:
     case eTakes::eHelp:
       break;

@@ -135,10 +135,8 @@ int parseJsonFile(const char* file, Document& aDocument) {
   }
   char buffer[65536];
   rapidjson::FileReadStream stream(input, buffer, sizeof buffer);
-  // Iterative: the depth of the nesting is the file's choice, the size of the stack is not. Full
-  // precision: a printed report that is downloaded again must come back as it was.
-  aDocument.ParseStream<rapidjson::kParseIterativeFlag | rapidjson::kParseFullPrecisionFlag>(
-      stream);
+  // Iterative: the depth of the nesting is the file's choice, the size of the stack is not.
+  aDocument.ParseStream<rapidjson::kParseIterativeFlag>(stream);
   // The parser takes a zero octet for the end of the file; only there the stream stands still.
   const std::size_t end = stream.Tell();
   stream.Take();
@@ -186,7 +184,11 @@ void printErroMsg(unsigned int err_code, const char* msg) {
   printDocument(document);
 }
 
-int printVerdict(unsigned long ulResult) {
-  printErroMsg(static_cast<unsigned int>(ulResult), ulResult != 0 ? "Refused" : "Accepted");
+int printResult(unsigned long ulResult, const char* msg) {
+  printErroMsg(static_cast<unsigned int>(ulResult), msg);
   return static_cast<int>(ulResult);
+}
+
+int printVerdict(unsigned long ulResult) {
+  return printResult(ulResult, ulResult != 0 ? "Refused" : "Accepted");
 }

@@ -13,6 +13,14 @@ using AllocatorType = Document::AllocatorType;
 /// for a success and print what arrived.
 constexpr unsigned int cBatchIncomplete = 28;
 
+/// The instrument keeps a name as so many parameters, one character each.
+constexpr std::size_t cNameLength = 20;
+
+/// A character of a name: the low 8 bits of its parameter.
+constexpr char toCharacter(int aValue) {
+  return static_cast<char>(aValue & 0xFF);
+}
+
 // --- batches: one library call for a whole map, whatever its size, an empty one included ---
 
 /// Reads every parameter of the map. Returns the library's status (0: success). A record that comes
@@ -66,13 +74,16 @@ void addText(Value& parent, const Value::StringRefType& key, const char* text, A
 /// Adds a real number; one that is not finite has no JSON form and stands as the text "-".
 void addReal(Value& parent, const Value::StringRefType& key, double value, AllocatorType& al);
 
-/// Prints a document on standard output, pretty, with a newline behind it. The only way out.
+/// Prints a document on standard output, pretty, with a newline behind it. No operation prints in
+/// another way.
 void printDocument(const Document& aDocument);
 
 /// Prints the result object: {"ErrorCode": err_code, "Msg": msg}. Serves for failures and for the
 /// verdicts of commands alike.
 void printErroMsg(unsigned int err_code, const char* msg);
 
-/// Prints the verdict of a command, "Accepted" for status 0 and "Refused" for any other. Returns
-/// the status as the front end takes it.
+/// Prints the result object of a status, and returns the status as the front end takes it.
+int printResult(unsigned long ulResult, const char* msg);
+
+/// The same with the usual words: "Accepted" for status 0, "Refused" for any other.
 int printVerdict(unsigned long ulResult);

@@ -22,8 +22,7 @@
 
 namespace {
 
-// The two failures to which the tool gives a code of its own; 10053 is the one that a broken
-// connection has had on the instrument's pages since their first version.
+// The two failures to which the tool gives a code of its own.
 constexpr unsigned int cLibraryFailed = 1;
 constexpr unsigned int cConnectionFailed = 10053;
 
@@ -74,7 +73,7 @@ unsigned long connectionMode(eSections code) {
 }
 
 /// Starts the library and opens the connection; when that fails, says so on both outputs. A library
-/// that started is left as it is then: stopping it needs a connection to have been there.
+/// that started is left as it is then: it is stopped only after a connection.
 bool openConnection(const Request& aRequest, unsigned long& handle) {
   initializeACE();
   if (startupGC(1, static_cast<long>(aRequest.uAddr.lAddr), 0, 0, 1, "") != 0) {

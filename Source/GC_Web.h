@@ -25,7 +25,8 @@ enum eSections {
   NR_OF_SECTIONS = 14
 };
 
-/// IPv4 address of the instrument, first octet in the lowest byte.
+/// IPv4 address of the instrument, first octet in the lowest byte: on the little-endian processors
+/// of the controllers, and by g++'s and clang's rule for a union that is read by its other member.
 union InstrumentAddress {
   std::array<unsigned char, 4> bAddr;
   std::uint32_t lAddr;

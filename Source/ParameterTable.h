@@ -20,9 +20,9 @@ enum class eSpan {
 struct ParameterRow {
   unsigned long id = 0;        ///< of the first parameter of the row
   const char* name = nullptr;  ///< name in the map; without the digit where the row is a family
+  unsigned long channel = 0;   ///< of the first parameter of the row
   eSpan span = eSpan::eSingle;
-  unsigned long channel = 0;  ///< of the first parameter of the row
-  long value = 0;             ///< integer value that it starts with
+  long value = 0;  ///< integer value that it starts with
 };
 
 /// How many parameters a table registers.
@@ -41,6 +41,7 @@ class ChannelName {
   /// `aFamily`: at most 30 characters. `aChannel`: 1 to 4.
   ChannelName(const char* aFamily, int aChannel);
   operator const char*() const { return mText; }
+  const char* text() const { return mText; }
 
  private:
   char mText[32] = {};

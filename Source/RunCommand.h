@@ -3,6 +3,5 @@
 
 #include "Parameter.h"
 
-/// Writes the map in one batch and its status to standard error, where the web server's log keeps
-/// it. Returns the status.
+/// Writes the map in one batch, and its status to standard error. Returns the status.
 unsigned int writeAndReport(const ParameterMap& aMap, unsigned long aHandle);

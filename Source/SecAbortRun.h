@@ -7,7 +7,7 @@ class SecAbortRun : public SectionBase {
  public:
   void init(ParameterMap* aMap, unsigned long handle) override;
 
-  /// 0: abort now; any other: stop after the run in hand.
+  /// 0: abort the run at once, then stop the automation; any other: only stop the automation.
   void setArgument(int arg) override;
 
   /// Sends the commands, prints the verdict and returns its status.

@@ -14,20 +14,18 @@ namespace {
 
 constexpr std::size_t cBuckets = 40;
 constexpr int cMaxRows = 38;
-constexpr std::size_t cNameLength = 20;
 constexpr std::uint32_t cComponentNameId = 2021;
 
 constexpr unsigned long cResetAlarms = 35;
 
 // The instrument's parameter table: header, and rows, which are addressed by their step.
 constexpr ParameterRow cHeader[] = {
-    {2028, "mEnabled", eSpan::eSingle, 0},
-    {2029, "mTotal", eSpan::eSingle, 0},
+    {2028, "mEnabled"},
+    {2029, "mTotal"},
 };
 constexpr ParameterRow cRow[] = {
-    {2030, "mAlarmOn", eSpan::eSingle, 0},   {2038, "mAlarmOnAll", eSpan::eSingle, 0},
-    {2031, "mGroupID", eSpan::eSingle, 0},   {2032, "mParamID", eSpan::eSingle, 0},
-    {2212, "mTriggered", eSpan::eSingle, 0},
+    {2030, "mAlarmOn"}, {2038, "mAlarmOnAll"}, {2031, "mGroupID"},
+    {2032, "mParamID"}, {2212, "mTriggered"},
 };
 
 /// One more than the instrument's code; the highest int, which has no text either, stays.
@@ -134,7 +132,7 @@ void SecAlarm::getCompNameByNormIdx(ACE_CString& name, int norm_idx) const {
   }
   char text[cNameLength + 1] = "";
   for (std::size_t i = 0; i < cNameLength; ++i) {
-    text[i] = static_cast<char>(pList[i].intvalue & 0xFF);
+    text[i] = toCharacter(pList[i].intvalue);
   }
   name = text;
 }

@@ -7,9 +7,9 @@ namespace {
 
 // The run's parameters; run type 1 is a calibration.
 constexpr ParameterRow cCalibrationRun[] = {
-    {60, "mRunType", eSpan::eSingle, 0, 1},   {61, "mLevel", eSpan::eSingle, 0, 1},
-    {62, "mStream", eSpan::eSingle, 0, 0},    {75, "mRFCalibType", eSpan::eSingle, 0, 1},
-    {73, "mReplicate", eSpan::eSingle, 0, 2}, {74, "mCurrentReplicate", eSpan::eSingle, 0, 1},
+    {60, "mRunType", 0, eSpan::eSingle, 1},   {61, "mLevel", 0, eSpan::eSingle, 1},
+    {62, "mStream", 0, eSpan::eSingle, 0},    {75, "mRFCalibType", 0, eSpan::eSingle, 1},
+    {73, "mReplicate", 0, eSpan::eSingle, 2}, {74, "mCurrentReplicate", 0, eSpan::eSingle, 1},
 };
 
 }  // namespace

@@ -25,9 +25,9 @@ constexpr const char* cNameKeys[] = {"mNameC0",  "mNameC1",  "mNameC2",  "mNameC
                                      "mNameC5",  "mNameC6",  "mNameC7",  "mNameC8",  "mNameC9",
                                      "mNameC10", "mNameC11", "mNameC12", "mNameC13", "mNameC14",
                                      "mNameC15", "mNameC16", "mNameC17", "mNameC18", "mNameC19"};
-constexpr std::size_t cNameLength = std::size(cNameKeys);
 constexpr unsigned long cRetentionTimeId = 1196;
-static_assert(cNameLength == 20 && cFirstNameId + cNameLength == cRetentionTimeId);
+static_assert(std::size(cNameKeys) == cNameLength);
+static_assert(cFirstNameId + cNameLength == cRetentionTimeId);
 constexpr unsigned long cLevelAmountId = 1230;
 constexpr unsigned long cLinearCoefficientId = 1242;
 
@@ -46,7 +46,7 @@ void registerPeak(ParameterMap& aMap, unsigned long channel, unsigned long peak)
 Value makeRow(const ParameterMap& aMap, int channel, int peak, AllocatorType& al) {
   char name[cNameLength + 1] = "";
   for (std::size_t i = 0; i < cNameLength; ++i) {
-    name[i] = static_cast<char>(getIntValue(aMap, cNameKeys[i], 0) & 0xFF);
+    name[i] = toCharacter(getIntValue(aMap, cNameKeys[i], 0));
   }
   Value arow(rapidjson::kObjectType);
   arow.AddMember("Channel", channel, al);
@@ -103,7 +103,7 @@ int SecCalibTbl::parseFile(char* file) {
 
 int SecCalibTbl::writeGC() {
   if (findJsonMember(dom4write, "total") == nullptr) {
-    // Code and capitals differ from the sequence download's; pages match both as they are.
+    // Code and capitals differ from the sequence download's, and both stay as they have been.
     printErroMsg(2, "Format invalid");
     return -1;
   }
@@ -131,8 +131,7 @@ int SecCalibTbl::writeGC() {
         char msg[100];
         std::snprintf(msg, sizeof msg, "Refused: Unable to set new level for chan[%d] peak[%d]",
                       chn->GetInt(), pkid->GetInt());
-        printErroMsg(ulResult, msg);
-        return static_cast<int>(ulResult);
+        return printResult(ulResult, msg);
       }
     }
   }

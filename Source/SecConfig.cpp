@@ -14,15 +14,15 @@ constexpr std::size_t cGasSize = 20;
 // The instrument's parameter table, in the order of registration. The installed flags belong to the
 // instrument, one id each; everything else about a channel is the channel's own.
 constexpr ParameterRow cConfigParameters[] = {
-    {601, "mInstSerial", eSpan::eSingle, 0},
-    {525, "mStreamConfigured", eSpan::eSingle, 0},
-    {524, "mStreamMaxNr", eSpan::eSingle, 0},
-    {502, "mInstalled", eSpan::eById, 0},
-    {200, "mColumnHeader", eSpan::eByChannel, 1},
-    {826, "mAM_SerialNumber", eSpan::eByChannel, 1},
-    {827, "mAM_PN", eSpan::eByChannel, 1},
-    {201, "mCarrierGas", eSpan::eByChannel, 1},
-    {602, "mHeatedSampleLineInstalled", eSpan::eSingle, 0},
+    {601, "mInstSerial"},
+    {525, "mStreamConfigured"},
+    {524, "mStreamMaxNr"},
+    {502, "mInstalled", 0, eSpan::eById},
+    {200, "mColumnHeader", 1, eSpan::eByChannel},
+    {826, "mAM_SerialNumber", 1, eSpan::eByChannel},
+    {827, "mAM_PN", 1, eSpan::eByChannel},
+    {201, "mCarrierGas", 1, eSpan::eByChannel},
+    {602, "mHeatedSampleLineInstalled"},
 };
 static_assert(countParameters(cConfigParameters) == 24);
 
@@ -112,13 +112,12 @@ void SecConfig::AddChannelConfig(const ParameterMap& aMap, int channel, Value& p
   contactor.AddMember("Disabled", valueOf("mColumnHeader") != 0, al);
   contactor.AddMember("Serial", valueOf("mAM_SerialNumber"), al);
   contactor.AddMember("PN", valueOf("mAM_PN"), al);
-  // Fetched anew for every channel, as the maker's own panel does.
+  // Fetched anew for every channel: six object reads a report, in this order.
   ACE_CString description;
   getColumnDescriptions(description, channel);
   addText(contactor, "Description", description.c_str(), al);
   char buffer[cGasSize];
   convertGasType(valueOf("mCarrierGas"), buffer);
   addText(contactor, "Gas", buffer, al);
-  const ChannelName key("Channel", channel);
-  parent.AddMember(Value(static_cast<const char*>(key), al), contactor, al);
+  parent.AddMember(Value(ChannelName("Channel", channel).text(), al), contactor, al);
 }

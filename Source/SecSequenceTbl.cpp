@@ -19,24 +19,30 @@ constexpr unsigned long cInsertLine = 19;
 constexpr unsigned long cClearTable = 22;
 
 // The instrument's parameter table: header, and lines, which are addressed by their step.
-constexpr ParameterRow cHeader[] = {
-    {15, "mTableRepeat", eSpan::eSingle, 0},
-    {12, "mContinuous", eSpan::eSingle, 0},
-    {525, "mStreamConfigured", eSpan::eSingle, 0},
-    {144, "mTotalLines", eSpan::eSingle, 0},
-};
+constexpr unsigned long cTableRepeatId = 15;
+constexpr unsigned long cContinuousId = 12;
+constexpr unsigned long cStreamConfiguredId = 525;
+constexpr unsigned long cTotalLinesId = 144;
+constexpr unsigned long cRunTypeId = 23;
+constexpr unsigned long cRepeatId = 24;
+constexpr unsigned long cCalibId = 25;
+constexpr unsigned long cStreamId = 22;
+constexpr unsigned long cSolutionId = 1010;
+constexpr unsigned long cFlushTimeId = 26;
 // Solutions belong to channel 1 on the instrument, everything else about a line to channel 0.
-constexpr ParameterRow cLine[] = {
-    {23, "mRunType", eSpan::eSingle, 0},   {24, "mRepeat", eSpan::eSingle, 0},
-    {22, "mStream", eSpan::eSingle, 0},    {1010, "mSolution", eSpan::eSingle, 1},
-    {26, "mFlushTime", eSpan::eSingle, 0},
-};
+constexpr unsigned long cSolutionChannel = 1;
 
-/// Prints the verdict and returns its status as the front end takes it.
-int refuse(unsigned long ulResult, const char* msg) {
-  printErroMsg(static_cast<unsigned int>(ulResult), msg);
-  return static_cast<int>(ulResult);
-}
+constexpr ParameterRow cHeader[] = {
+    {cTableRepeatId, "mTableRepeat"},
+    {cContinuousId, "mContinuous"},
+    {cStreamConfiguredId, "mStreamConfigured"},
+    {cTotalLinesId, "mTotalLines"},
+};
+constexpr ParameterRow cLine[] = {
+    {cRunTypeId, "mRunType"},     {cRepeatId, "mRepeat"},
+    {cStreamId, "mStream"},       {cSolutionId, "mSolution", cSolutionChannel},
+    {cFlushTimeId, "mFlushTime"},
+};
 
 }  // namespace
 
@@ -95,7 +101,7 @@ int SecSequenceTbl::parseFile(char* file) {
 int SecSequenceTbl::writeGC() {
   if (findJsonMember(dom4write, "Table_repeat") == nullptr ||
       findJsonMember(dom4write, "total") == nullptr) {
-    // Code 0 although nothing was done: the page matches the words.
+    // Code 0 although nothing was done, and stays so: what tells is the status returned.
     printErroMsg(0, "Format Invalid");
     return -1;
   }
@@ -105,17 +111,17 @@ int SecSequenceTbl::writeGC() {
   const long repeat = getIntJsonMember(dom4write, "Table_repeat", 0);
   const long continuous = getBooleanJsonMember(dom4write, "Continuous", false) ? 1 : 0;
   const ParameterRow header[] = {
-      {15, "mTableRepeat", eSpan::eSingle, 0, repeat},
-      {12, "mContinuous", eSpan::eSingle, 0, continuous},
+      {cTableRepeatId, "mTableRepeat", 0, eSpan::eSingle, repeat},
+      {cContinuousId, "mContinuous", 0, eSpan::eSingle, continuous},
   };
   registerParameters(aMap, header);
   unsigned long ulResult = writeParams(aMap, mHandle);
   if (ulResult != 0) {
-    return refuse(ulResult, "Refused: unable to set table repeat");
+    return printResult(ulResult, "Refused: unable to set table repeat");
   }
   ulResult = ExecuteCommand(mHandle, 0, cClearTable);
   if (ulResult != 0) {
-    return refuse(ulResult, "Refused: unabled to clear orignal table");
+    return printResult(ulResult, "Refused: unabled to clear orignal table");
   }
 
   const int count = std::min(getIntJsonMember(dom4write, "total", 0), cMaxLines);
@@ -130,12 +136,12 @@ int SecSequenceTbl::writeGC() {
       if (n > 1) {
         ulResult = ExecuteCommand(mHandle, 0, cInsertLine);
         if (ulResult != 0) {
-          return refuse(ulResult, "Refused: unable to insert new sequence");
+          return printResult(ulResult, "Refused: unable to insert new sequence");
         }
       }
       ulResult = writeLine(aMap, row, static_cast<unsigned long>(n));
       if (ulResult != 0) {
-        return refuse(ulResult, "Refused: unable to set sequence line params");
+        return printResult(ulResult, "Refused: unable to set sequence line params");
       }
     }
   }
@@ -147,16 +153,18 @@ unsigned int SecSequenceTbl::writeLine(ParameterMap& aMap, const Value& row,
                                        unsigned long n) const {
   const long runType = getRunTypeFromString(getStringJsonMember(row, "Type", ""));
   const ParameterRow line[] = {
-      {23, "mRunType", eSpan::eSingle, 0, runType},
-      {24, "mRepeat", eSpan::eSingle, 0, getIntJsonMember(row, "Repeat", 0)},
-      {25, "mCalib", eSpan::eSingle, 0, 1},  // every line may calibrate; the file has no say in it
-      {22, "mStream", eSpan::eSingle, 0, getIntJsonMember(row, "Stream", 0)},
-      {1010, "mSolution", eSpan::eSingle, 1, getIntJsonMember(row, "Slot", 0)},
+      {cRunTypeId, "mRunType", 0, eSpan::eSingle, runType},
+      {cRepeatId, "mRepeat", 0, eSpan::eSingle, getIntJsonMember(row, "Repeat", 0)},
+      {cCalibId, "mCalib", 0, eSpan::eSingle, 1},  // on every line: the file has no key for it
+      {cStreamId, "mStream", 0, eSpan::eSingle, getIntJsonMember(row, "Stream", 0)},
+      {cSolutionId, "mSolution", cSolutionChannel, eSpan::eSingle,
+       getIntJsonMember(row, "Slot", 0)},
   };
   const double flushTime = getRealJsonMember(row, "Flush_time", 0.0);
   clearParamMap(aMap, false);
   registerParameters(aMap, line, n);
-  bindParameter(aMap, "mFlushTime", std::make_unique<Parameter>(0, 26, 0, flushTime, n, 0));
+  bindParameter(aMap, "mFlushTime",
+                std::make_unique<Parameter>(0, cFlushTimeId, 0, flushTime, n, 0));
   return writeParams(aMap, mHandle);
 }
 

@@ -11,9 +11,9 @@ namespace {
 
 // The run's parameters; run type 0 is an analysis.
 constexpr ParameterRow cSingleRun[] = {
-    {60, "mRunType", eSpan::eSingle, 0, 0},
-    {61, "mLevel", eSpan::eSingle, 0, 0},
-    {62, "mStream", eSpan::eSingle, 0, 0},
+    {60, "mRunType", 0, eSpan::eSingle, 0},
+    {61, "mLevel", 0, eSpan::eSingle, 0},
+    {62, "mStream", 0, eSpan::eSingle, 0},
 };
 
 constexpr unsigned long cStartRun = 0;

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr ParameterRow cSlot[] = {{1003, "mSlotNr", eSpan::eSingle, 0}};
+constexpr ParameterRow cSlot[] = {{1003, "mSlotNr"}};
 
 }  // namespace
 
@@ -27,8 +27,6 @@ void SecSolutionLoad::setArgument(int arg) {
 
 int SecSolutionLoad::writeGC() {
   const unsigned int ulResult = writeAndReport(*mMap, mHandle);
-  // The words are the wrong way round and stay so: the page reads only ErrorCode, and whoever
-  // matches the words has learned them as they are.
-  printErroMsg(ulResult, ulResult != 0 ? "Accepted" : "Refused");
-  return static_cast<int>(ulResult);
+  // The words are the wrong way round and stay so: what counts is the code.
+  return printResult(ulResult, ulResult != 0 ? "Accepted" : "Refused");
 }

@@ -21,47 +21,48 @@ constexpr std::size_t cTextSize = 128;
 // The instrument's parameter table, in the order of registration.
 constexpr ParameterRow cStatusParameters[] = {
     // Fitted parts. The four installed flags belong to the instrument, not to the channels.
-    {502, "mInstalled", eSpan::eById, 0},
-    {200, "mColumnHeader", eSpan::eByChannel, 1},
-    {602, "mHeatedSampleLineInstalled", eSpan::eSingle, 0},
+    {502, "mInstalled", 0, eSpan::eById},
+    {200, "mColumnHeader", 1, eSpan::eByChannel},
+    {602, "mHeatedSampleLineInstalled"},
     // Channels.
-    {300, "mColumnTemp", eSpan::eByChannel, 1},
-    {302, "mInjTemp", eSpan::eByChannel, 1},
-    {304, "mPress", eSpan::eByChannel, 1},
-    {202, "mColumnTempSP", eSpan::eByChannel, 1},
-    {203, "mInjTempSP", eSpan::eByChannel, 1},
-    {342, "mPressSP", eSpan::eByChannel, 1},
-    {204, "mRunTimeSP", eSpan::eByChannel, 1},
-    {307, "mAutoZero", eSpan::eByChannel, 1},
-    {215, "mDetState", eSpan::eByChannel, 1},
-    {323, "mDetCalibrated", eSpan::eByChannel, 1},
+    {300, "mColumnTemp", 1, eSpan::eByChannel},
+    {302, "mInjTemp", 1, eSpan::eByChannel},
+    {304, "mPress", 1, eSpan::eByChannel},
+    {202, "mColumnTempSP", 1, eSpan::eByChannel},
+    {203, "mInjTempSP", 1, eSpan::eByChannel},
+    {342, "mPressSP", 1, eSpan::eByChannel},
+    {204, "mRunTimeSP", 1, eSpan::eByChannel},
+    {307, "mAutoZero", 1, eSpan::eByChannel},
+    {215, "mDetState", 1, eSpan::eByChannel},
+    {323, "mDetCalibrated", 1, eSpan::eByChannel},
     // Instrument.
-    {100, "mSampleLineTemp", eSpan::eSingle, 0},
-    {1, "mSampleLineTempSP", eSpan::eSingle, 0},
-    {103, "mAmbientTemp", eSpan::eSingle, 0},
-    {104, "mAmbientPressure", eSpan::eSingle, 0},
-    {70, "mServiceSwitch", eSpan::eSingle, 0},
-    {138, "mAutoState", eSpan::eSingle, 0},
-    {131, "mExtReady", eSpan::eSingle, 0},
-    {102, "mGC_State", eSpan::eSingle, 0},
-    {58, "mCurrentStream", eSpan::eSingle, 0},
-    {132, "mGC_Error_Status", eSpan::eSingle, 0},
-    {161, "mGC_CurRunTime", eSpan::eSingle, 0},
-    {134, "mGC_FlushingStream", eSpan::eSingle, 0},
-    {162, "mGC_WaitingBetweenRuns", eSpan::eSingle, 0},
-    {96, "mGC_CleaningTimeLeft", eSpan::eSingle, 0},
-    {2202, "mAnalysisCounter", eSpan::eSingle, 0},
-    {12, "mContinuous", eSpan::eSingle, 0},
-    {136, "mSeq_line", eSpan::eSingle, 0},
-    {137, "mLine_replicate", eSpan::eSingle, 0},
-    {135, "mSeq_replicate", eSpan::eSingle, 0},
-    {141, "mRunType", eSpan::eSingle, 0},
-    {2211, "mAlarmOverall", eSpan::eSingle, 0},
-    {173, "mHasController", eSpan::eSingle, 0},
+    {100, "mSampleLineTemp"},
+    {1, "mSampleLineTempSP"},
+    {103, "mAmbientTemp"},
+    {104, "mAmbientPressure"},
+    {70, "mServiceSwitch"},
+    {138, "mAutoState"},
+    {131, "mExtReady"},
+    {102, "mGC_State"},
+    {58, "mCurrentStream"},
+    {132, "mGC_Error_Status"},
+    {161, "mGC_CurRunTime"},
+    {134, "mGC_FlushingStream"},
+    {162, "mGC_WaitingBetweenRuns"},
+    {96, "mGC_CleaningTimeLeft"},
+    {2202, "mAnalysisCounter"},
+    {12, "mContinuous"},
+    {136, "mSeq_line"},
+    {137, "mLine_replicate"},
+    {135, "mSeq_replicate"},
+    {141, "mRunType"},
+    {2211, "mAlarmOverall"},
+    {173, "mHasController"},
 };
 static_assert(countParameters(cStatusParameters) == 71, "48 channel and 23 instrument parameters");
 
-// Instrument state codes (parameter 102). Two of them carry a live count when there is one.
+// Instrument state codes (parameter 102). Running carries a live count when there is one, cleaning
+// always.
 constexpr CodeText cStates[] = {
     {0, "Initializing"}, {1, "Flushing"},     {2, "Running"},           {3, "Stabilizing"},
     {4, "Ready"},        {5, "Error"},        {6, "Recoverable Error"}, {7, "Unrecoverable Error"},
@@ -240,8 +241,7 @@ void SecStatus::AddChannel(const ParameterMap& aMap, int channel, Value& parent,
                      choose(isSet(aMap, ChannelName("mDetCalibrated", channel)), "OK", "X"), al);
   object.AddMember("TCD", detector, al);
 
-  const ChannelName key("Channel", channel);
-  parent.AddMember(Value(static_cast<const char*>(key), al), object, al);
+  parent.AddMember(Value(ChannelName("Channel", channel).text(), al), object, al);
 }
 
 void SecStatus::printGC_State(int aValue, char* mGC_State, const ParameterMap& aMap) {

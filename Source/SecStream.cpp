@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr ParameterRow cStream[] = {{39, "mStreamNr", eSpan::eSingle, 0}};
+constexpr ParameterRow cStream[] = {{39, "mStreamNr"}};
 
 }  // namespace
 

@@ -34,17 +34,16 @@ std::vector<Registered> registered(const ParameterMap& aMap) {
 }
 
 constexpr ParameterRow cRows[] = {
-    {602, "mSingle", eSpan::eSingle, 0},   {300, "mFamily", eSpan::eByChannel, 1},
-    {502, "mFlag", eSpan::eById, 0},       {1010, "mOther", eSpan::eSingle, 1},
-    {2212, "mLast", eSpan::eByChannel, 1},
+    {602, "mSingle"},    {300, "mFamily", 1, eSpan::eByChannel}, {502, "mFlag", 0, eSpan::eById},
+    {1010, "mOther", 1}, {2212, "mLast", 1, eSpan::eByChannel},
 };
 constexpr ParameterRow cRowsWithValues[] = {
-    {73, "mReplicate", eSpan::eSingle, 0, 2},
-    {61, "mPlain", eSpan::eSingle, 0},
-    {300, "mByChannel", eSpan::eByChannel, 1, -5},
-    {502, "mById", eSpan::eById, 1, 7},
+    {73, "mReplicate", 0, eSpan::eSingle, 2},
+    {61, "mPlain"},
+    {300, "mByChannel", 1, eSpan::eByChannel, -5},
+    {502, "mById", 1, eSpan::eById, 7},
 };
-constexpr ParameterRow cOneRow[] = {{5, "m", eSpan::eSingle, 3}};
+constexpr ParameterRow cOneRow[] = {{5, "m", 3}};
 
 void expectRecord(const Parameter* aParameter, const ParamList& aExpected) {
   ASSERT_NE(aParameter, nullptr);
