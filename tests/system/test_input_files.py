@@ -37,6 +37,8 @@ def expect_refused(run: Run, controller: Simulator, option: str) -> None:
         TEXT + b"}",
         TEXT + TEXT,
         TEXT + b" // comment",
+        TEXT + b"\0",
+        TEXT + b"\0garbage",
         b"// comment\n" + TEXT,
         b"\xef\xbb\xbf" + TEXT,
         TEXT.decode().encode("utf-16"),
@@ -206,6 +208,30 @@ def test_good_contents(
 ) -> None:
     controller = simulator("bare")
     expect_verdict(download(controller, option, octets), 0, SUCCESS[option])
+
+
+@pytest.mark.parametrize("number", ["0." + "0" * 400 + "1", "0." + "0" * 5000 + "1", "1e-330"])
+def test_number_below_all_others_is_zero(
+    tool: Tool, simulator: StartSimulator, folder: Path, number: str
+) -> None:
+    controller = simulator()
+    row = f'{{"Channel": 1, "ID": 1, "Level_amt": {number}}}'
+    (folder / "file").write_text(f'{{"total": 1, "rows": [{row}]}}', encoding="utf-8")
+    run = tool("-s", controller.address, "-C", str(folder / "file"))
+    expect_verdict(run, 0, "Success")
+    assert tool("-s", controller.address, "-c").document["rows"][0]["Level_amt"] == 0.0
+
+
+@pytest.mark.parametrize("number", ["1.8e308", "-9.9e308", "1.7e308"])
+def test_number_beyond_the_instrument_is_refused_by_it(
+    tool: Tool, simulator: StartSimulator, folder: Path, number: str
+) -> None:
+    controller = simulator()
+    row = f'{{"Channel": 1, "ID": 2, "Level_amt": {number}}}'
+    (folder / "file").write_text(f'{{"total": 1, "rows": [{row}]}}', encoding="utf-8")
+    run = tool("-s", controller.address, "-C", str(folder / "file"))
+    message = "Refused: Unable to set new level for chan[1] peak[2]"
+    expect_verdict(run, 206, message, "Execute failed 206.\n")
 
 
 @pytest.mark.parametrize("option", OPTIONS)
