@@ -136,7 +136,7 @@ std::vector<std::string> morning(std::uint32_t aSeed, bool aCurious) {
   std::vector<std::string> seen;
   double now = 0.0;
   const auto goTo = [&](double aNow) {
-    for (; aCurious && now < aNow; now += 0.25) {
+    for (; aCurious && now < aNow; now += 1.3) {
       bench.snapshot(now);
     }
     now = aNow;

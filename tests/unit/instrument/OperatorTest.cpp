@@ -189,11 +189,16 @@ TEST(Set, NothingBreaksTheInstrument) {
                            -0.0,         1e12,         1.0,           0.0};
   Bench bench("four-channel");
   double now = 0.0;
+  std::vector<ParamList> records;
+  for (const ExpectedParameter& parameter : cExpectedParameters) {
+    records.push_back({parameter.channel, 0, 0, parameter.id, 0.0, 0, 0});
+  }
   for (double value : values) {
     for (const ExpectedParameter& parameter : cExpectedParameters) {
       bench.set(now, parameter.name, value);
-      bench.snapshot(now);
+      EXPECT_EQ(bench.instrument->read(now, records), eSuccess);
     }
+    bench.snapshot(now);
     for (const char* name : {"mRunType[1]", "mRepeat[1]", "mStream[1]", "mSolution[1]",
                              "mFlushTime[1]", "mFlushTime[2]", "mLevelAmt1[1]", "mLinearCoef1[2]",
                              "mRT1[1]", "mAlarmOn[1]", "mGroupID[1]", "mParamID[1]"}) {
@@ -205,10 +210,6 @@ TEST(Set, NothingBreaksTheInstrument) {
       bench.command(now, command);
       bench.snapshot(now + 1.0);
       now += 5000.0;
-    }
-    std::vector<ParamList> records;
-    for (const ExpectedParameter& parameter : cExpectedParameters) {
-      records.push_back({parameter.channel, 0, 0, parameter.id, 0.0, 0, 0});
     }
     EXPECT_EQ(bench.instrument->read(now, records), eSuccess);
   }
