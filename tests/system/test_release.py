@@ -35,7 +35,7 @@ def configure(bin_dir: Path, build: Path, names: list[str]) -> subprocess.Comple
 @pytest.fixture(scope="module")
 def installed(bin_dir: Path, tmp_path_factory: pytest.TempPathFactory) -> Path:
     """The folder into which the tool was installed."""
-    build = tmp_path_factory.mktemp("build")
+    build = bin_dir.parent / "as-installed"  # kept with the build, so that it is made only once
     prefix = tmp_path_factory.mktemp("prefix")
     assert configure(bin_dir, build, list(LIBRARIES)).returncode == 0
     run("cmake", "--build", build)
