@@ -5,6 +5,7 @@ import json
 import os
 import re
 import select
+import shlex
 import socket
 import subprocess
 import time
@@ -21,6 +22,8 @@ ROOT = Path(__file__).resolve().parents[2]
 SCHEMAS = ROOT / "docs" / "schemas"
 SCENARIOS = ROOT / "simulator" / "scenarios"
 LIMIT = 60.0  # seconds until a program that hangs is killed; sanitized ones are slow
+# The command that runs a tool of another processor, if the tests are given such a tool.
+EMULATOR = shlex.split(os.environ.get("GC_EMULATOR", ""))
 
 # What each option asks for; the other operations print result objects and nothing else.
 REPORTS = {
@@ -147,13 +150,19 @@ class Tool:
         under: list[str] | None = None,
     ) -> Run:
         """`name`: under which the tool is invoked. `under`: a command that runs the tool."""
-        command = [*under, str(self._program)] if under else [name]
+        program = str(self._program)
+        if under:
+            command = [*under, program]
+        elif EMULATOR:
+            command = [*EMULATOR, "-0", name, program]
+        else:
+            command = [name]
         # The clock of whole seconds changes up to a tick of 10 ms later than this one.
         began = int(time.time() - 0.01)
         start = time.monotonic()
         done = subprocess.run(
             [*command, *arguments],
-            executable=None if under else self._program,
+            executable=None if under or EMULATOR else program,
             cwd=self._folder,
             env={**os.environ, **(environment or {})},
             stdin=subprocess.DEVNULL,

@@ -82,5 +82,3 @@ void CloneFactory::registerObject(const Clone& aPrototype) {
     lInstrument->registered(aPrototype, lNamed->className());
   }
 }
-
-template class ACE_Singleton<CloneFactory, ACE_Thread_Mutex>;
