@@ -1,6 +1,8 @@
 // Texts of the numbers that define an alarm; they are part of the report's format.
 #include "AlarmTexts.h"
 
+#include <cstddef>
+
 #include "CodeText.h"
 
 namespace {

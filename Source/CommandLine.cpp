@@ -1,6 +1,7 @@
 // The front end's command line.
 #include <getopt.h>
 
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>

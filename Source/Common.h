@@ -1,9 +1,11 @@
 // What every operation uses: batch transfers, look-ups, JSON in and out, the result object.
 #pragma once
 
-#include <rapidjson/document.h>
+#include <rapidjson/document.h>  // IWYU pragma: export
 
-#include "Parameter.h"
+#include <cstddef>
+
+#include "Parameter.h"  // IWYU pragma: export
 
 using Document = rapidjson::Document;
 using Value = rapidjson::Value;

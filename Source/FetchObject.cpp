@@ -1,6 +1,8 @@
 // Texts from remote objects, and the factory singleton's one instantiation in the tool.
 #include "FetchObject.h"
 
+#include <RemoteObjects.h>
+
 template class ACE_Singleton<CloneFactory, ACE_Thread_Mutex>;
 
 void fetchText(unsigned long handle, unsigned long number, ACE_CString& aTagName) {

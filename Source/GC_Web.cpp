@@ -19,6 +19,7 @@
 #include "SecSolutionLoad.h"
 #include "SecStatus.h"
 #include "SecStream.h"
+#include "Section.h"
 
 namespace {
 

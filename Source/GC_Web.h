@@ -4,7 +4,7 @@
 #include <array>
 #include <cstdint>
 
-#include "Parameter.h"
+#include "Parameter.h"  // IWYU pragma: export
 
 /// What one run of the tool does.
 enum eSections {

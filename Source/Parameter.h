@@ -1,9 +1,9 @@
 // One instrument parameter, and the map in which an operation collects the parameters it needs.
 #pragma once
 
-#include <ace/Hash_Map_Manager_T.h>
+#include <ace/Hash_Map_Manager_T.h>  // IWYU pragma: export
 #include <ace/Null_Mutex.h>
-#include <ace/SString.h>
+#include <ace/SString.h>  // IWYU pragma: export
 
 struct ParamList;
 

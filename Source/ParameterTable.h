@@ -5,7 +5,6 @@
 #include <memory>
 
 #include "Common.h"
-#include "Parameter.h"
 
 /// The analytical channels are numbered 1 to 4.
 constexpr int cChannels = 4;

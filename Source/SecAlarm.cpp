@@ -4,6 +4,7 @@
 #include <InstrumentClient.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <limits>
 

@@ -1,6 +1,7 @@
 // The start of a calibration run.
 #pragma once
 
+#include "Parameter.h"
 #include "SecSingleRun.h"
 
 /// A single run with other parameters: always level 1, calibration type 1, the first of two

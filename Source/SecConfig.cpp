@@ -1,6 +1,8 @@
 // The configuration report: one batch, six object reads, one document.
 #include "SecConfig.h"
 
+#include <RemoteObjects.h>
+
 #include <cstdio>
 
 #include "CodeText.h"

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <memory>
 
 #include "ParameterTable.h"
 #include "RunType.h"

@@ -1,7 +1,7 @@
 // The base class of all operations.
 #pragma once
 
-#include "Parameter.h"
+#include "Parameter.h"  // IWYU pragma: export
 
 /// One operation of the tool. The front end constructs it, calls init, then setArgument (operations
 /// with a number), parseFile (downloads), and last exactly one of readGC (reports) or writeGC (all

@@ -1,9 +1,9 @@
 // The remote objects of the instrument client library, and the factory that creates them.
 #pragma once
 
-#include <ace/SString.h>
-#include <ace/Singleton.h>
-#include <ace/Thread_Mutex.h>
+#include <ace/SString.h>       // IWYU pragma: export
+#include <ace/Singleton.h>     // IWYU pragma: export
+#include <ace/Thread_Mutex.h>  // IWYU pragma: export
 #include <ace/Versioned_Namespace.h>
 
 // Named only: whoever marshals includes ace/CDR_Stream.h.
