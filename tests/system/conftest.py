@@ -13,6 +13,7 @@ from pathlib import Path
 from typing import Any
 
 import pytest
+from failures import write_table
 from programs import EMULATOR, INPUT_FILES, PORT, ROOT, Run, Simulator, Tool, is_valid, load_scenario
 
 StartSimulator = Callable[..., Simulator]
@@ -27,6 +28,22 @@ TOOL = Path(os.environ.get("GC_TOOL", BIN_DIR / "GC_Web")).resolve()
 def pytest_configure() -> None:
     if not TOOL.is_file():
         raise pytest.UsageError(f"no {TOOL}: build it, or set GC_BIN_DIR")
+
+
+def pytest_terminal_summary(terminalreporter: Any) -> None:
+    """Prints the failure matrix, which the tests of it sent along with their reports."""
+    reports = [report for reports in terminalreporter.stats.values() for report in reports]
+    properties = [
+        (name, text)
+        for report in reports
+        if getattr(report, "when", "") == "call"
+        for name, text in report.user_properties
+        if name == "failure matrix"
+    ]
+    if properties:
+        terminalreporter.write_line("")
+        for line in write_table(properties):
+            terminalreporter.write_line(line)
 
 
 @pytest.fixture(scope="session")

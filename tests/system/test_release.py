@@ -3,12 +3,13 @@
 The stand-ins of the build under test are named as if they were the maker's.
 """
 
+import re
 import subprocess
 from pathlib import Path
 
 import pytest
 from conftest import StartSimulator
-from programs import ROOT, Tool
+from programs import ROOT, Run, Tool
 
 pytestmark = pytest.mark.release
 
@@ -81,15 +82,63 @@ def test_a_library_that_is_not_there_is_refused(bin_dir: Path, tmp_path: Path) -
     assert "no such file" in done.stderr
 
 
+MEMORY = {
+    "status": [],
+    "configuration": ["-g"],
+    "alarms": ["-a"],
+    "reset of the alarms": ["-P"],
+    "sequence": ["-q"],
+    "sequence download": ["-Q", "{sequence}"],
+    "calibration": ["-c"],
+    "calibration download": ["-C", "{calibration}"],
+    "single run": ["-R", "single", "-v", "2"],
+    "calibration run": ["-R", "calib", "-v", "1"],
+    "automation": ["-R", "auto"],
+    "abort": ["-A", "now"],
+    "abort of the automation": ["-A", "auto"],
+    "stream": ["-V", "2"],
+    "solution": ["-M", "1"],
+    "usage": ["-h"],
+    "refused file": ["-Q", "/"],
+}
+
+
+def timeless(run: Run) -> bytes:
+    return re.sub(rb'"GC_time": "[^"]*"', b"", run.stdout)
+
+
+@pytest.mark.parametrize(
+    "arguments",
+    [
+        # One in every run of the tests, as valgrind takes its time.
+        pytest.param(arguments, id=name, marks=[] if name == "status" else [pytest.mark.valgrind])
+        for name, arguments in MEMORY.items()
+    ],
+)
 def test_memory_is_used_well(
-    installed: Path, bin_dir: Path, simulator: StartSimulator, tmp_path: Path
+    arguments: list[str],
+    installed: Path,
+    bin_dir: Path,
+    simulator: StartSimulator,
+    tmp_path: Path,
 ) -> None:
     folder = tmp_path / "empty"
     folder.mkdir()
     controller = simulator("four-channel")
     environment = {"LD_LIBRARY_PATH": str(bin_dir.parent / "lib")}
-    valgrind = ["valgrind", "-q", "--leak-check=full", "--error-exitcode=99"]
     tool = Tool(installed / "bin/GC_Web", folder)
-    done = tool("-s", controller.address, under=valgrind, environment=environment)
-    assert (done.status, done.stderr) == (0, b"")
-    assert list(done.document)[-1] == "Channel4"
+    files = {}
+    for name, option in ("sequence", "-q"), ("calibration", "-c"):
+        files[name] = tmp_path / f"{name}.json"
+        report = tool("-s", controller.address, option, environment=environment)
+        files[name].write_bytes(report.stdout)
+    arguments = ["-s", controller.address, *(word.format(**files) for word in arguments)]
+    plain = tool(*arguments, name=str(installed / "bin/GC_Web"), environment=environment)
+    controller.ask(verb="load", scenario="four-channel")
+    valgrind = ["valgrind", "-q", "--leak-check=full", "--error-exitcode=99"]
+    done = tool(*arguments, under=valgrind, environment=environment)
+    assert (timeless(done), done.stderr, done.status) == (
+        timeless(plain),
+        plain.stderr,
+        plain.status,
+    )

@@ -1,7 +1,6 @@
 """The schemas of the documents: readable everywhere, and strict."""
 
 import copy
-import json
 from collections.abc import Iterator
 from typing import Any
 

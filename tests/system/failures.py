@@ -1,0 +1,368 @@
+"""The failure matrix over the wire: the operations, the faults, and what has to come of them."""
+
+import json
+from collections.abc import Iterator, Mapping, Sequence
+from dataclasses import dataclass, field
+from typing import Any
+
+from programs import Run, load_scenario, signed
+
+# Statuses of the stand-in client library.
+ANSWER_TIMEOUT = 107
+CONNECTION_LOST = 108
+ANSWER_INVALID = 109
+INCOMPLETE = 28
+
+Parameters = dict[str, float]
+Line = Mapping[str, Any]  # of the journal
+
+
+@dataclass(frozen=True)
+class Step:
+    """A write or command of an operation."""
+
+    refusal: str | None  # words of the verdict when it fails; None: the operation goes on
+    leaves: Mapping[str, float | None]  # parameters that it changes; None: gone
+    silent: bool = False  # its failure ends the operation without a verdict
+
+
+@dataclass(frozen=True)
+class Operation:
+    name: str
+    arguments: Sequence[str]
+    steps: Sequence[Step] = ()
+    words: str | None = None  # of the verdict when all goes well
+    announced: bool = False  # standard error gets the status of its write
+    file: object = None  # contents of the file that the last argument is to name
+    before: Sequence[Mapping[str, Any]] = ()  # what the controller is asked first
+
+
+def line(n: int, run_type: int, repeat: int, stream: int, slot: int, flush: float) -> Parameters:
+    return {
+        f"mRunType[{n}]": run_type,
+        f"mRepeat[{n}]": repeat,
+        f"mStream[{n}]": stream,
+        f"mSolution[{n}]": slot,
+        f"mFlushTime[{n}]": flush,
+        f"mCalib[{n}]": 1,
+    }
+
+
+def empty_line(n: int) -> Parameters:
+    """As it is inserted."""
+    return {"mTotalLines": n, **line(n, 0, 0, 0, 0, 0.0), f"mCalib[{n}]": 0}
+
+
+NO_LINE = "Refused: unable to set sequence line params"
+NO_INSERT = "Refused: unable to insert new sequence"
+NO_LEVEL = "Refused: Unable to set new level for"
+RUNNING = [{"verb": "command", "number": 16}, {"verb": "step", "seconds": 130}]
+FLUSHING = [{"verb": "command", "number": 16}, {"verb": "step", "seconds": 30}]
+IDLE = {
+    "mAutoState": 0, "mGC_State": 4, "mSeq_line": 0, "mLine_replicate": 0, "mSeq_replicate": 0
+}
+
+OPERATIONS = [
+    Operation("live status", ["-t"]),
+    Operation("configuration", ["-g"]),
+    Operation("alarms", ["-a"]),
+    Operation(
+        "alarm reset", ["-P"],
+        [Step("Refused", {"mTriggered[2]": 0, "mAlarmOverall": 0})], "Accepted",
+        before=[{"verb": "set", "name": "mTriggered[2]", "value": 1}],
+    ),
+    Operation("sequence report", ["-q"]),
+    Operation(
+        "sequence download", ["-Q"],
+        [
+            Step("Refused: unable to set table repeat", {"mTableRepeat": 7, "mContinuous": 1}),
+            Step(
+                "Refused: unabled to clear orignal table",
+                {**dict.fromkeys(line(2, 0, 0, 0, 0, 0)), **empty_line(1)},
+            ),
+            Step(NO_LINE, line(1, 2, 1, 2, 3, 0.25)),
+            Step(NO_INSERT, empty_line(2)),
+            Step(NO_LINE, line(2, 3, 9, 3, 1, 2.0)),
+            Step(NO_INSERT, empty_line(3)),
+            Step(NO_LINE, line(3, 1, 4, 1, 2, 1.0)),
+        ],
+        "Success!",
+        file={
+            "Table_repeat": 7, "Continuous": True, "total": 3,
+            "rows": [
+                {"Type": "Blank", "Repeat": 1, "Stream": 2, "Slot": 3, "Flush_time": 0.25},
+                {"Type": "Verification", "Repeat": 9, "Stream": 3, "Slot": 1, "Flush_time": 2},
+                {"Type": "Calibration", "Repeat": 4, "Stream": 1, "Slot": 2, "Flush_time": 1},
+            ],
+        },
+    ),
+    Operation("calibration report", ["-c"]),
+    Operation(
+        "calibration download", ["-C"],
+        [
+            Step(None, {"mLevelAmt1[1]": 0, "mLevelAmt1[2]": 0, "mLevelAmt2[1]": 0}),
+            Step(f"{NO_LEVEL} chan[1] peak[1]", {"mLevelAmt1[1]": 9.5}),
+            Step(f"{NO_LEVEL} chan[2] peak[1]", {"mLevelAmt2[1]": 8.5}),
+        ],
+        "Success",
+        file={
+            "total": 2,
+            "rows": [
+                {"Channel": 1, "ID": 1, "Level_amt": 9.5},
+                {"Channel": 2, "ID": 1, "Level_amt": 8.5},
+            ],
+        },
+    ),
+    Operation(
+        "run single", ["-R", "single", "-v", "3"],
+        [
+            Step("Refused", {"mStream": 3}),
+            Step("Refused", {"mGC_State": 2, "mAutoState": 1, "mCurrentStream": 3}),
+        ],
+        "Accepted", announced=True,
+    ),
+    Operation(
+        "run calib", ["-R", "calib", "-v", "3"],
+        [
+            Step(
+                "Refused",
+                {
+                    "mStartRunType": 1, "mLevel": 1, "mStream": 3,
+                    "mRFCalibType": 1, "mReplicate": 2, "mCurrentReplicate": 1,
+                },
+            ),
+            Step(
+                "Refused",
+                {"mGC_State": 2, "mAutoState": 3, "mRunType": 1, "mCurrentStream": 3},
+            ),
+        ],
+        "Accepted", announced=True,
+    ),
+    Operation(
+        "run auto", ["-R", "auto"],
+        [
+            Step(
+                "Refused",
+                {
+                    "mGC_State": 1, "mAutoState": 6, "mGC_FlushingStream": 1.5, "mRunType": 1,
+                    "mCurrentStream": 4, "mSlotNr[1]": 1,
+                    "mSeq_line": 1, "mLine_replicate": 1, "mSeq_replicate": 1,
+                },
+            )
+        ],
+        "Accepted",
+    ),
+    Operation(
+        "abort now", ["-A", "now"],
+        [Step("Refused", {**IDLE, "mGC_CurRunTime": 0}), Step("Refused", {})],
+        "Accepted", before=RUNNING,
+    ),
+    Operation(
+        "abort auto", ["-A", "auto"],
+        [Step("Refused", {**IDLE, "mGC_FlushingStream": 0})],
+        "Accepted", before=FLUSHING,
+    ),
+    Operation(
+        "stream", ["-V", "3"],
+        [Step("", {"mStreamNr": 3, "mStream": 3, "mCurrentStream": 3}, silent=True)],
+        announced=True,
+    ),
+    Operation(
+        "solution", ["-M", "2"],
+        [Step("Accepted", {"mGC_State": 8, "mSlotNr[2]": 1})],
+        "Refused", announced=True,
+    ),
+]
+
+
+def small_scenario() -> dict[str, Any]:
+    """The everyday instrument with so much in its tables as makes a difference."""
+    whole = load_scenario("everyday")
+    peaks = [peak for peak in whole["peaks"] if peak["name"] in ("Nitrogen", "Methane", "Propane")]
+    component = {"sampleType": 0, "allSampleTypes": 0, "group": 2, "parameter": 2}
+    alarms = [whole["alarms"][0], component]
+    return {**whole, "peaks": peaks, "alarms": alarms, "sequence": whole["sequence"][:2]}
+
+
+@dataclass(frozen=True)
+class Fault:
+    name: str
+    fields: Mapping[str, Any]
+    status: int = 0  # of the call that it hits, as the tool sees it
+    loses: bool = False  # the connection
+    effect: bool = True  # the instrument does what it was asked
+    calls: Sequence[str] = ()  # that it can hit; all when empty
+
+    def hits(self, call: Line) -> bool:
+        records = len(call.get("records", []))
+        return (not self.calls or call["call"] in self.calls) and (
+            self.fields["kind"] != "swap" or records > 1
+        )
+
+    def on(self, call: Line, nth: int) -> dict[str, Any]:
+        """As the controller takes it, for the nth of the calls of its kind."""
+        last = {"b": len(call["records"]) - 1} if self.fields["kind"] == "swap" else {}
+        return {**self.fields, **last, "call": call["call"], "nth": nth}
+
+
+def refusal(status: int) -> Fault:
+    return Fault(f"0x{status:X}" if status > 2**31 else str(status),
+                 {"kind": "status", "status": status}, status, effect=False)
+
+
+def value(name: str, real: str) -> Fault:
+    return Fault(name, {"kind": "value", "records": "all", "real": real}, calls=["Read"])
+
+
+HANG = Fault("silent", {"kind": "hang"}, ANSWER_TIMEOUT, loses=True, effect=False)
+FAULTS = [
+    refusal(5),
+    refusal(0xFFFFFF37),
+    refusal(INCOMPLETE),
+    Fault("swapped", {"kind": "swap", "a": 0}, calls=["Read", "Write"]),
+    Fault("none", {"kind": "unanswered", "records": "all"}, INCOMPLETE, calls=["Read"]),
+    value("NaN", "NaN"),
+    value("+inf", "Infinity"),
+    value("-inf", "-Infinity"),
+    Fault("closed", {"kind": "refuse"}, CONNECTION_LOST, True, False, ["Connect"]),
+    Fault("before", {"kind": "drop"}, CONNECTION_LOST, True, False),
+    Fault("during", {"kind": "truncate"}, CONNECTION_LOST, True),
+    Fault("after", {"kind": "drop", "when": "after"}, CONNECTION_LOST, True),
+    Fault("short", {"kind": "short"}, ANSWER_INVALID, True),
+]
+
+
+def cells(good: Sequence[Line], faults: Sequence[Fault]) -> Iterator[tuple[int, int, Fault]]:
+    """Each call of a good run, and the how manieth of its kind it is, with each fault."""
+    for index, call in enumerate(good):
+        nth = sum(before["call"] == call["call"] for before in good[: index + 1])
+        for fault in faults:
+            if fault.hits(call):
+                yield index, nth, fault
+
+
+def named(call: Line) -> tuple[Any, ...]:
+    """What a call asks for."""
+    asked = [(r["channel"], r["step"], r["id"]) for r in call.get("records", [])]
+    return (call["call"], call.get("command"), call.get("number"), asked)
+
+
+@dataclass
+class Expected:
+    """What a run has to print and do. None: any document of its schema, any further reading."""
+
+    stdout: str | None = ""
+    stderr: str = ""
+    calls: list[tuple[Any, ...]] | None = field(default_factory=list)
+    leaves: Parameters = field(default_factory=dict)
+    closes: bool = True  # the last call is the goodbye
+
+
+def verdict(code: int, words: str) -> str:
+    return f'{{\n    "ErrorCode": {code},\n    "Msg": "{words}"\n}}\n'
+
+
+def is_tolerated(operation: Operation, call: Line, status: int) -> bool:
+    """Whether a report goes on after a read with this status."""
+    if operation.name == "alarms" and call["records"][0]["id"] == 2021:
+        return True  # a component's name
+    is_alarm_header = operation.name == "alarms" and len(call["records"]) == 2
+    return status == INCOMPLETE and not is_alarm_header
+
+
+def expected(
+    operation: Operation, good: Sequence[Line], before: Parameters, hit: int, fault: Fault
+) -> Expected:
+    """Follows a good run, call by call, to where the fault ends it."""
+    outcome = Expected(leaves=dict(before))
+    made = outcome.calls
+    assert made is not None
+    steps = iter(operation.steps)
+    lost = degraded = False
+    uncounted: set[int] = set()  # channels of which nobody knows how many peaks they have
+    for index, call in enumerate(good):
+        if call["call"] == "Read" and call["records"][0]["channel"] in uncounted:
+            continue
+        arrives = not lost
+        status = fault.status if index == hit else CONNECTION_LOST if lost else 0
+        lost = lost or (index == hit and fault.loses)
+        # A connection that is closed at once makes no call.
+        if arrives and not (index == hit and fault.fields["kind"] == "refuse"):
+            made.append(named(call))
+        ends: str | None = None  # what is printed at the end
+        if call["call"] == "Connect" and status:
+            outcome.stdout = verdict(10053, "Unable to connect to GC!")
+            outcome.stderr = "EstablishConnection An error occured while connecting to the GC.\n"
+            return outcome
+        if call["call"] in ("Write", "Command"):
+            step = next(steps)
+            if arrives and (fault.effect or index != hit):
+                outcome.leaves.update(step.leaves)
+            if operation.announced and call["call"] == "Write":
+                outcome.stderr += f"writeParam. return {signed(status)}.\n"
+            if status and step.refusal is not None:
+                ends = "" if step.silent else verdict(status, step.refusal)
+        elif call["call"] == "Read" and status and not is_tolerated(operation, call, status):
+            ends = ""
+        elif call["call"] == "ProgramInfo" and status:
+            uncounted.add(call["channel"])
+        if ends is not None:
+            outcome.stdout = ends
+            outcome.stderr += f"Execute failed {signed(status)}.\n"
+            if not lost:
+                made.append(named(good[-1]))
+            return outcome
+        changes = status or fault.fields["kind"] in ("swap", "value")
+        if (index == hit or lost) and call["call"] in ("Read", "Object", "ProgramInfo") and changes:
+            degraded = True
+    if operation.words is not None:
+        outcome.stdout = verdict(0, operation.words)
+    elif not operation.steps:
+        outcome.stdout = None
+        outcome.calls = None if degraded else made
+        outcome.closes = not lost
+    return outcome
+
+
+def differences(outcome: Expected, run: Run, calls: list[Any], after: Parameters) -> str:
+    """What a run did otherwise; empty when nothing."""
+    wrong = []
+    if run.status != 0:
+        wrong.append(f"exit status {run.status}")
+    if run.stderr.decode() != outcome.stderr:
+        wrong.append(f"says {run.stderr!r} instead of {outcome.stderr!r}")
+    if outcome.stdout is not None and run.stdout.decode() != outcome.stdout:
+        wrong.append(f"prints {run.stdout!r} instead of {outcome.stdout!r}")
+    if outcome.stdout is None and not run.stdout:
+        wrong.append("prints nothing")
+    if outcome.calls is not None and calls != outcome.calls:
+        wrong.append(f"calls {calls} instead of {outcome.calls}")
+    left = {name: value for name, value in outcome.leaves.items() if value is not None}
+    if outcome.calls is None and (calls[-1][0] == "Disconnect") is not outcome.closes:
+        wrong.append(f"ends with {calls[-1]}")
+    if after != left:
+        names = sorted(name for name in {*after, *left} if after.get(name) != left.get(name))
+        wrong.append(f"leaves {[(name, after.get(name), left.get(name)) for name in names]}")
+    return "; ".join(wrong)
+
+
+Table = dict[str, dict[str, list[int]]]  # operation, fault: cells, and how many are undefined
+
+
+def write_table(properties: Sequence[tuple[str, Any]]) -> Iterator[str]:
+    """The table of all operations, from what the tests recorded of themselves."""
+    table: Table = {}
+    for operation, fault, count, undefined in (json.loads(text) for _, text in properties):
+        cell = table.setdefault(operation, {}).setdefault(fault, [0, 0])
+        cell[0] += count
+        cell[1] += undefined
+    names = [fault.name for fault in [*FAULTS, HANG]]
+    yield f"{'failure matrix':20}" + "".join(f"  {name:>4}" for name in names)
+    for operation in OPERATIONS:
+        row = table.get(operation.name, {})
+        counts = (row.get(name, [0, 0])[0] for name in names)
+        yield f"{operation.name:20}" + "".join(
+            f"  {count:{max(4, len(name))}}" for name, count in zip(names, counts, strict=True)
+        )
+    cells_run = [cell for row in table.values() for cell in row.values()]
+    yield f"{sum(c for c, _ in cells_run)} cells, {sum(u for _, u in cells_run)} undefined"

@@ -1,0 +1,169 @@
+// Where reports show what they read, and what stands there when it has not arrived.
+#pragma once
+
+#include <cstdint>
+
+#include "GC_Web.h"
+
+/// How many parameters, and places in the document, a row stands for. '%' in its texts is the
+/// number from 1, '#' the one from 0.
+enum class eFamily { eOne, eChannel, eId, eStep };
+
+struct ShownValue {
+  eSections operation = NR_OF_SECTIONS;
+  eFamily family = eFamily::eOne;
+  unsigned int members = 0;  ///< of the family
+  std::uint32_t channel = 0;
+  std::uint32_t id = 0;
+  const char* pointer = nullptr;  ///< JSON pointer into the document
+  const char* unread = nullptr;   ///< JSON that stands there then; null: the member is missing
+  bool real = false;              ///< "-" stands there when it is not finite
+  std::uint32_t step = 0;         ///< of eOne
+  std::uint32_t unless = 0;  ///< id of a parameter of the same batch: not when that is unread, too
+};
+
+// What overrides another stands behind it: a member that goes behind the values that it holds.
+constexpr ShownValue cShownValues[] = {
+    {eStatusRead, eFamily::eOne, 1, 0, 173, "/Host", R"("online")"},
+    {eStatusRead, eFamily::eOne, 1, 2, 204, "/Total_run_time", "0"},
+    {eStatusRead, eFamily::eOne, 1, 0, 161, "/Run_time", "0"},
+    {eStatusRead, eFamily::eOne, 1, 0, 132, "/Error_code", "0"},
+    {eStatusRead, eFamily::eOne, 1, 0, 132, "/Error_str", R"("text of error 0")"},
+    {eStatusRead, eFamily::eOne, 1, 0, 2211, "/Alarm_overall", "false"},
+    {eStatusRead, eFamily::eOne, 1, 0, 58, "/Curr_stream", "0"},
+    {eStatusRead, eFamily::eOne, 1, 0, 2202, "/Last_counter", "0"},
+    {eStatusRead, eFamily::eOne, 1, 0, 12, "/Continuous", "false"},
+    {eStatusRead, eFamily::eOne, 1, 0, 136, "/Seq_line", "0"},
+    {eStatusRead, eFamily::eOne, 1, 0, 137, "/Line_replicate", "0"},
+    {eStatusRead, eFamily::eOne, 1, 0, 135, "/Seq_replicate", "0"},
+    {eStatusRead, eFamily::eOne, 1, 0, 141, "/Run_type", R"("Analysis")"},
+    {eStatusRead, eFamily::eOne, 1, 0, 161, "/GC_state", R"("Running")"},
+    {eStatusRead, eFamily::eOne, 1, 0, 102, "/GC_state", R"("Initializing")"},
+    {eStatusRead, eFamily::eOne, 1, 0, 131, "/Ext_ready_in", R"("Not Ready")"},
+    {eStatusRead, eFamily::eOne, 1, 0, 162, "/Auto_state", R"("Running Sequence")"},
+    {eStatusRead, eFamily::eOne, 1, 0, 138, "/Auto_state", R"("Idle")"},
+    {eStatusRead, eFamily::eOne, 1, 0, 70, "/Service_switch", R"("Off")"},
+    {eStatusRead, eFamily::eOne, 1, 0, 104, "/Ambient_press", "0.0", true},
+    {eStatusRead, eFamily::eOne, 1, 0, 103, "/Ambient_temp", "0"},
+    {eStatusRead, eFamily::eOne, 1, 0, 1, "/Sample_line_temp/Setpoint", "0.0", true},
+    {eStatusRead, eFamily::eOne, 1, 0, 100, "/Sample_line_temp/Actual", "0.0", true},
+    {eStatusRead, eFamily::eOne, 1, 0, 602, "/Sample_line_temp",
+     R"({"Setpoint": "-", "Actual": "-"})"},
+    {eStatusRead, eFamily::eChannel, 2, 1, 202, "/Channel%/Column_temp/Setpoint", "0.0", true},
+    {eStatusRead, eFamily::eChannel, 2, 1, 300, "/Channel%/Column_temp/Actual", "0.0", true},
+    {eStatusRead, eFamily::eChannel, 2, 1, 342, "/Channel%/Column_press/Setpoint", "0.0", true},
+    {eStatusRead, eFamily::eChannel, 2, 1, 304, "/Channel%/Column_press/Actual", "0.0", true},
+    {eStatusRead, eFamily::eChannel, 2, 1, 203, "/Channel%/Injector_temp/Setpoint", "0.0", true},
+    {eStatusRead, eFamily::eChannel, 2, 1, 302, "/Channel%/Injector_temp/Actual", "0.0", true},
+    {eStatusRead, eFamily::eChannel, 2, 1, 307, "/Channel%/TCD/Auto_zero", "0.0", true},
+    {eStatusRead, eFamily::eChannel, 2, 1, 215, "/Channel%/TCD/State", R"("Off")"},
+    {eStatusRead, eFamily::eChannel, 2, 1, 323, "/Channel%/TCD/Calibrated", R"("X")"},
+    {eStatusRead, eFamily::eId, 2, 0, 502, "/Channel%", nullptr},
+
+    {eConfigRead, eFamily::eOne, 1, 0, 601, "/Inst_serial", "0"},
+    {eConfigRead, eFamily::eOne, 1, 0, 525, "/Stream_configured", "false"},
+    {eConfigRead, eFamily::eOne, 1, 0, 524, "/Stream_max", "0"},
+    {eConfigRead, eFamily::eId, 4, 0, 502, "/Channel%/Installed", "false"},
+    {eConfigRead, eFamily::eChannel, 4, 1, 200, "/Channel%/Disabled", "false"},
+    {eConfigRead, eFamily::eChannel, 4, 1, 826, "/Channel%/Serial", "0"},
+    {eConfigRead, eFamily::eChannel, 4, 1, 827, "/Channel%/PN", "0"},
+    {eConfigRead, eFamily::eChannel, 4, 1, 201, "/Channel%/Gas", R"("Helium")"},
+
+    {eSequenceRead, eFamily::eOne, 1, 0, 15, "/Table_repeat", "0"},
+    {eSequenceRead, eFamily::eOne, 1, 0, 12, "/Continuous", "false"},
+    {eSequenceRead, eFamily::eStep, 2, 0, 23, "/rows/#/Type", R"("Analysis")"},
+    {eSequenceRead, eFamily::eStep, 2, 0, 24, "/rows/#/Repeat", "0"},
+    {eSequenceRead, eFamily::eStep, 2, 0, 22, "/rows/#/Stream", "0"},
+    {eSequenceRead, eFamily::eStep, 2, 1, 1010, "/rows/#/Slot", "0"},
+    {eSequenceRead, eFamily::eStep, 2, 0, 26, "/rows/#/Flush_time", "0.0", true},
+    // Without a line count there are no lines; without a stream selection there is one, whatever
+    // the count.
+    {eSequenceRead, eFamily::eOne, 1, 0, 144, "/total", "0", false, 0, 525},
+    {eSequenceRead, eFamily::eOne, 1, 0, 144, "/rows", nullptr, false, 0, 525},
+    {eSequenceRead, eFamily::eOne, 1, 0, 525, "/total", "1"},
+    {eSequenceRead, eFamily::eOne, 1, 0, 525, "/rows/1", nullptr},
+
+    {eCalibRead, eFamily::eStep, 2, 1, 1196, "/rows/#/Ret_time", "0.0", true},
+    {eCalibRead, eFamily::eStep, 2, 1, 1230, "/rows/#/Level_amt", "0.0", true},
+    {eCalibRead, eFamily::eStep, 2, 1, 1242, "/rows/#/Linear", "0.0", true},
+
+    {eAlarmRead, eFamily::eOne, 1, 0, 2038, "/rows/0/SampleType", R"("Analysis")", false, 1},
+    {eAlarmRead, eFamily::eOne, 1, 0, 2030, "/rows/1/SampleType", R"("Analysis")", false, 2},
+    {eAlarmRead, eFamily::eStep, 2, 0, 2212, "/rows/#/Triggered", "false"},
+    {eAlarmRead, eFamily::eStep, 2, 0, 2032, "/rows/#/ParamID", "0"},
+    {eAlarmRead, eFamily::eOne, 1, 0, 2032, "/rows/0/ParamStr", R"("0. None")", false, 1},
+    {eAlarmRead, eFamily::eOne, 1, 0, 2032, "/rows/1/ParamStr", R"("0. ")", false, 2},
+    {eAlarmRead, eFamily::eStep, 2, 0, 2031, "/rows/#/GroupID", "0"},
+    {eAlarmRead, eFamily::eStep, 2, 0, 2031, "/rows/#/GroupStr", R"("0. None")"},
+    {eAlarmRead, eFamily::eStep, 2, 0, 2031, "/rows/#/ParamStr", R"("0. None")"},
+    {eAlarmRead, eFamily::eOne, 1, 0, 2028, "/total", "0"},
+    {eAlarmRead, eFamily::eOne, 1, 0, 2029, "/total", "0"},
+    {eAlarmRead, eFamily::eOne, 1, 0, 2028, "/rows", nullptr},
+    {eAlarmRead, eFamily::eOne, 1, 0, 2029, "/rows", nullptr, false, 0, 2028},
+};
+
+/// Real values that are shown in a text: what it says then.
+struct SpecialReal {
+  eSections operation;
+  std::uint32_t channel;
+  std::uint32_t id;
+  const char* pointer;
+  const char* notANumber;
+  const char* positive;  ///< infinity
+  const char* negative;
+};
+
+constexpr SpecialReal cSpecialReals[] = {
+    {eStatusRead, 0, 162, "/Auto_state", R"("Running Sequence")", R"("Run Delay 2147483647s")",
+     R"("Running Sequence")"},
+};
+
+/// What a call that is no batch of parameters shows, by what went wrong with it.
+enum class eWrong { eUnfilled, eFailed };
+
+struct ShownCall {
+  eSections operation;
+  const char* call;  ///< how it begins
+  unsigned int nth;  ///< of these calls, from 1
+  eWrong wrong;
+  const char* pointer;
+  const char* shown;  ///< JSON, or a pointer to what stands there, too
+};
+
+constexpr ShownCall cShownCalls[] = {
+    {eStatusRead, "plxGetTime(", 1, eWrong::eUnfilled, "/GC_time", R"("0-0-0 00:00:00")"},
+    {eStatusRead, "ReadObject(handle, 4)", 1, eWrong::eUnfilled, "/Application", R"("")"},
+    // One buffer for all texts: one that is not filled holds the clock.
+    {eStatusRead, "getErrorText(", 1, eWrong::eUnfilled, "/Error_str", "/GC_time"},
+    {eConfigRead, "ReadObject(handle, 5)", 1, eWrong::eUnfilled, "/Inst_name", R"("")"},
+    {eConfigRead, "ReadObject(handle, 2)", 1, eWrong::eUnfilled, "/Site_info", "/Inst_name"},
+    {eConfigRead, "ReadObject(handle, 6)", 1, eWrong::eUnfilled, "/Channel1/Description", R"("")"},
+    {eConfigRead, "ReadObject(handle, 6)", 2, eWrong::eUnfilled, "/Channel2/Description", R"("")"},
+    {eConfigRead, "ReadObject(handle, 6)", 3, eWrong::eUnfilled, "/Channel3/Description", R"("")"},
+    {eConfigRead, "ReadObject(handle, 6)", 4, eWrong::eUnfilled, "/Channel4/Description", R"("")"},
+
+    {eAlarmRead, "ReadParamList(handle, 20)", 1, eWrong::eUnfilled, "/rows/1/ParamStr", R"("3. ")"},
+    {eAlarmRead, "ReadParamList(handle, 20)", 1, eWrong::eFailed, "/rows/1/ParamStr",
+     R"("3. Unknown")"},
+    {eCalibRead, "ReadProgramInfo(handle, 0, 1,", 1, eWrong::eUnfilled, "/total", "0"},
+    {eCalibRead, "ReadProgramInfo(handle, 0, 1,", 1, eWrong::eUnfilled, "/rows", "[]"},
+};
+
+/// Calls that are not made, because what asks for them has not arrived.
+struct SkippedCall {
+  eSections operation;
+  const char* cause;  ///< how the call begins that brought nothing; null: a parameter is unread
+  std::uint32_t id;
+  std::uint32_t step;
+  std::uint32_t unless;  ///< as in ShownValue
+  const char* call;      ///< how the calls and their records begin
+};
+
+constexpr SkippedCall cSkippedCalls[] = {
+    {eSequenceRead, nullptr, 144, 0, 525, "ReadParamList(handle, 5)"},
+    {eSequenceRead, nullptr, 525, 0, 0, "ReadParamList(handle, 5): 0:23@2"},
+    {eAlarmRead, nullptr, 2028, 0, 0, "ReadParamList(handle, "},
+    {eAlarmRead, nullptr, 2029, 0, 0, "ReadParamList(handle, "},
+    {eAlarmRead, nullptr, 2031, 2, 0, "ReadParamList(handle, 20)"},
+    {eCalibRead, "ReadProgramInfo(handle, 0, 1,", 0, 0, 0, "ReadParamList(handle, 23)"},
+};
