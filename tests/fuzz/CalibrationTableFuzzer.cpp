@@ -1,0 +1,9 @@
+// The file of a calibration download, made as a table with faults in it.
+#include "Download.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aOctets, std::size_t aSize) {
+  Input input(aOctets, aSize);
+  const std::string content = makeTable(eDownload::eCalibration, input);
+  requireDownload(eDownload::eCalibration, content, input);
+  return 0;
+}

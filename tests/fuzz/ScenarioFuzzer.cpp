@@ -1,0 +1,73 @@
+// Scenario files: refused in one line, or an instrument that works and can be saved.
+#include <Status.h>
+#include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
+
+#include "Input.h"
+#include "MemoryFile.h"
+#include "Require.h"
+#include "Simulation.h"
+
+namespace {
+
+std::string toText(const rapidjson::Document& aDocument) {
+  rapidjson::StringBuffer buffer;
+  rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
+  require(aDocument.Accept(writer), "a snapshot has a JSON form");
+  return {buffer.GetString(), buffer.GetSize()};
+}
+
+void requireReason(const std::string& aName, const std::string& aError) {
+  require(aError.compare(0, aName.size() + 2, aName + ": ") == 0, "the reason names the file",
+          aError);
+  const std::string rest = aError.substr(aName.size() + 2);
+  require(rest.find(": ") != std::string::npos && (rest[0] == '/' || rest[0] == '('),
+          "the reason has a place", aError);
+  require(aError.find('\n') == std::string::npos, "the reason is one line", aError);
+}
+
+/// What a scenario leaves out starts at 0, and noise is added to what starts at its bound: both can
+/// be a value that no scenario may have.
+bool isBeyondBounds(const std::string& aError) {
+  return aError.find(": /parameters/") != std::string::npos &&
+         aError.find(": too ") != std::string::npos;
+}
+
+void play(Simulation& simulation) {
+  Instrument& instrument = *simulation.instrument;
+  std::vector<ParamList> records(3);
+  records[0].ParmID = 102;
+  records[1].ParmID = 2029;
+  records[2].Channel = 1;
+  records[2].ParmID = 300;
+  for (const double seconds : {0.0, 0.5, 100.0, 1e4}) {
+    require(instrument.read(seconds, records) == eSuccess, "an instrument says how it is");
+    for (const std::uint32_t command : {16U, 0U, 35U}) {
+      instrument.command(seconds, 0, command);
+    }
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aOctets, std::size_t aSize) {
+  Input input(aOctets, aSize);
+  const MemoryFile file(input.rest());
+  Simulation simulation;
+  simulation.clock.pause();
+  std::string error;
+  if (!simulation.load(file.name(), error)) {
+    require(simulation.instrument == nullptr && simulation.scenario.name.empty(),
+            "what is refused changes nothing");
+    requireReason(file.name(), error);
+    return 0;
+  }
+  rapidjson::Document saved;
+  simulation.instrument->snapshot(0.0, saved);
+  const MemoryFile savedFile(toText(saved));
+  Scenario scenario;
+  require(loadScenario(savedFile.name(), scenario, error) || isBeyondBounds(error),
+          "a snapshot is a scenario", error);
+  play(simulation);
+  return 0;
+}
