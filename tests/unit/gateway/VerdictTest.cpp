@@ -1,0 +1,142 @@
+// What the browser is told of a run of the tool.
+#include "Verdict.h"
+
+#include <csignal>
+
+#include "Bench.h"
+
+namespace {
+
+constexpr char cInverted[] = R"({"ErrorCode": 0, "Msg": "Refused"})";
+constexpr char cNotReached[] = R"({"ErrorCode": 10053, "Msg": "Unable to connect to GC!"})";
+constexpr char cNotStarted[] = R"({"ErrorCode": 1, "Msg": "GC DLL error!"})";
+
+Received judged(eOperation aOperation, const std::string& aOutput,
+                const std::string& aErrors = "") {
+  return Received(render(judge(aOperation, {true, false, false, 0, aOutput, aErrors})));
+}
+
+struct Expected {
+  eOperation operation;
+  const char* output;
+  const char* errors;
+  int status;
+};
+
+constexpr eOperation cRun = eOperation::eSingleRun;
+constexpr eOperation cReport = eOperation::eAlarms;
+
+// Each goes out as it was printed.
+constexpr Expected cDocuments[] = {
+    {cReport, "{\"a\": 1}\n", "", 200},
+    {cReport, "{}", "writeParam. return 0.\n", 200},
+    {cReport, cNotReached, "EstablishConnection An error occured\n", 503},
+    {cReport, cNotStarted, "", 503},
+    {cReport, R"({"ErrorCode": 207, "Msg": "x"})", "", 409},
+    {cRun, cAccepted, "writeParam. return 0.\n", 200},
+    {cRun, cInverted, "writeParam. return 0.\n", 200},
+    {eOperation::eSolution, cInverted, "", 200},
+    {eOperation::eSolution, R"({"ErrorCode": 28, "Msg": "Accepted"})", "Execute failed 28.\n", 409},
+    {cRun, R"({"ErrorCode": 0})", "", 200},
+    {cRun, R"({"ErrorCode": 0, "Msg": 5})", "", 200},
+    {cRun, R"({"ErrorCode": 0, "Msg": "format invalid"})", "", 200},
+    {cRun, R"({"ErrorCode": 0, "Msg": "Format Invalid"})", "", 409},
+    {cRun, R"({"ErrorCode": 2, "Msg": "Format invalid"})", "Execute failed -1.\n", 409},
+    {cRun, R"({"ErrorCode": 2, "Msg": "Accepted"})", "", 409},
+    {cRun, R"({"ErrorCode": 4294967295, "Msg": "Refused"})", "Execute failed -1.\n", 409},
+    {cRun, cAccepted, "writeParam. return 0.\nExecute failed 7.\n", 409},
+    {cRun, cAccepted, "what? Execute failed 7.\n", 200},
+    {cRun, cAccepted, "Execute failed.\n", 200},
+    {cRun, cNotReached, "", 503},
+    {cRun, cNotStarted, "", 503},
+    {eOperation::eStream, cNotReached, "", 503},
+};
+
+TEST(VerdictOfTheTool, FollowsTheDocument) {
+  for (const Expected& row : cDocuments) {
+    const Received answer = judged(row.operation, row.output, row.errors);
+    EXPECT_EQ(answer.status, row.status) << row.output << row.errors;
+    EXPECT_EQ(answer.body, row.output);
+    EXPECT_EQ(answer.headers.at("Content-Type"), "application/json");
+    const std::string schema =
+        answer.body.find("ErrorCode") == std::string::npos ? "alarms" : "result";
+    EXPECT_EQ(answer.headers.at("Link"),
+              "</schemas/" + schema + ".schema.json>; rel=\"describedby\"");
+    EXPECT_EQ(answer.headers.count("Retry-After"), row.status == 503 ? 1U : 0U);
+  }
+  EXPECT_EQ(judged(cRun, cNotReached).headers.at("Retry-After"), "5");
+}
+
+// Answered with a problem.
+constexpr Expected cFaults[] = {
+    {cReport, "", "", 502},
+    {cRun, "", "writeParam. return 0.\n", 502},
+    {cReport, "", "Execute failed 28.\n", 502},
+    {cReport, "{}", "Execute failed 28.\n", 502},
+    {cRun, "", "writeParam. return 28.\nExecute failed 28.\n", 409},
+    {eOperation::eStream, "", "writeParam. return 28.\nExecute failed 28.\n", 409},
+    {eOperation::eStream, "\n", "", 502},
+    {cReport, "nonsense", "", 502},
+    {cReport, "{} {}", "", 502},
+    {cRun, R"({"ErrorCode": 0, "Msg": "Accepted"}{"ErrorCode": 0, "Msg": "Accepted"})", "", 502},
+    {cReport, "{\"a\": 1", "", 502},
+    {cReport, "[]", "", 502},
+    {cReport, "\xEF\xBB\xBF{}", "", 502},
+    {cReport, "{\"a\": \"\xFF\"}", "", 502},
+    {cRun, "{}", "", 502},
+    {cRun, R"({"ErrorCode": "0"})", "", 502},
+    {cRun, R"({"ErrorCode": -1})", "", 502},
+    {cRun, R"({"ErrorCode": 0.0})", "", 502},
+    {cRun, R"({"ErrorCode": 4294967296})", "", 502},
+    {cReport, R"({"ErrorCode": null})", "", 502},
+};
+
+TEST(VerdictOfTheTool, MakesAProblemOfEverythingElse) {
+  for (const Expected& row : cFaults) {
+    const Received answer = judged(row.operation, row.output, row.errors);
+    EXPECT_EQ(answer.status, row.status) << row.output << row.errors;
+    EXPECT_NE(answer.detail(), "");
+    EXPECT_EQ(answer.document().HasMember("status-of-instrument"),
+              std::string(row.errors).find("Execute failed") != std::string::npos);
+  }
+}
+
+TEST(VerdictOfTheTool, TellsTheStatusOfTheInstrument) {
+  EXPECT_EQ(judged(cReport, "", "Execute failed 28.\n").document()["status-of-instrument"], 28);
+  EXPECT_EQ(judged(cRun, "", "x\nExecute failed -1.").document()["status-of-instrument"], -1);
+}
+
+TEST(VerdictOfTheTool, AZeroOctetIsNoJson) {
+  EXPECT_EQ(judged(cReport, std::string("{}\0 x", 5)).status, 502);
+}
+
+TEST(VerdictOfTheTool, ASwitchedStreamHasNoContent) {
+  const Received answer = judged(eOperation::eStream, "", "writeParam. return 0.\n");
+  EXPECT_EQ(answer.status, 204);
+  EXPECT_EQ(answer.body, "");
+  EXPECT_EQ(answer.headers.count("Content-Type"), 0U);
+  EXPECT_EQ(answer.headers.count("Content-Length"), 0U);
+  EXPECT_EQ(answer.headers.at("Cache-Control"), "no-store");
+}
+
+TEST(VerdictOfTheTool, FollowsTheEndOfTheRun) {
+  const struct {
+    Outcome outcome;
+    int status = 0;
+    const char* word = "";
+  } cEnds[] = {
+      {{false, false, false, 0, "", ""}, 502, "started"},
+      {{true, true, false, 0, cAccepted, ""}, 504, ""},
+      {{true, false, true, 0, cAccepted, ""}, 502, "too much"},
+      {{true, false, false, SIGSEGV, cAccepted, ""}, 502, "signal 11"},
+      {{true, false, false, 255 << 8, "", "Invalid \xFFP address\nmore"}, 502, "status 255. Inv"},
+  };
+  for (const auto& row : cEnds) {
+    const Received answer(render(judge(cRun, row.outcome)));
+    EXPECT_EQ(answer.status, row.status);
+    EXPECT_NE(answer.detail().find(row.word), std::string::npos) << answer.detail();
+    EXPECT_EQ(answer.detail().find("more"), std::string::npos);
+  }
+}
+
+}  // namespace

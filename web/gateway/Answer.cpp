@@ -1,0 +1,96 @@
+// An answer to the browser, and its form as output of a CGI program.
+#include "Answer.h"
+
+#include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstddef>
+
+#include "Json.h"
+
+namespace {
+
+struct StatusRow {
+  int status;
+  const char* phrase;
+};
+
+constexpr StatusRow cStatuses[] = {
+    {200, "OK"},
+    {204, "No Content"},
+    {400, "Bad Request"},
+    {403, "Forbidden"},
+    {404, "Not Found"},
+    {405, "Method Not Allowed"},
+    {409, "Conflict"},
+    {411, "Length Required"},
+    {413, "Content Too Large"},
+    {415, "Unsupported Media Type"},
+    {422, "Unprocessable Content"},
+    {500, "Internal Server Error"},
+    {502, "Bad Gateway"},
+    {503, "Service Unavailable"},
+    {504, "Gateway Timeout"},
+};
+
+const char* phraseOf(int aStatus) {
+  for (const StatusRow& row : cStatuses) {
+    if (row.status == aStatus) {
+      return row.phrase;
+    }
+  }
+  return "";
+}
+
+constexpr char cEndOfHeaders[] = "\r\n\r\n";
+
+}  // namespace
+
+Answer problem(int aStatus, const std::string& aDetail, std::optional<int> aInstrumentStatus) {
+  rapidjson::StringBuffer buffer;
+  rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
+  writer.StartObject();
+  writer.Key("title");
+  writer.String(phraseOf(aStatus));
+  writer.Key("status");
+  writer.Int(aStatus);
+  writer.Key("detail");
+  writer.String(repairUtf8(aDetail));
+  if (aInstrumentStatus.has_value()) {
+    writer.Key("status-of-instrument");
+    writer.Int(*aInstrumentStatus);
+  }
+  writer.EndObject();
+  return {aStatus, buffer.GetString(), "", ""};
+}
+
+std::string render(const Answer& aAnswer) {
+  std::string text = "Status: " + std::to_string(aAnswer.status) + ' ' + phraseOf(aAnswer.status) +
+                     "\r\nCache-Control: no-store\r\n" + aAnswer.headers;
+  if (!aAnswer.body.empty()) {
+    text += "Content-Length: " + std::to_string(aAnswer.body.size()) + "\r\n";
+    text += aAnswer.schema.empty() ? "Content-Type: application/problem+json"
+                                   : "Content-Type: application/json\r\nLink: </schemas/" +
+                                         aAnswer.schema + ".schema.json>; rel=\"describedby\"";
+    text += "\r\n";
+  }
+  return text + "\r\n" + aAnswer.body;
+}
+
+std::string withoutBody(const std::string& aRendered) {
+  return aRendered.substr(0, aRendered.find(cEndOfHeaders) + sizeof cEndOfHeaders - 1);
+}
+
+void send(int aDescriptor, const std::string& aRendered) {
+  std::size_t sent = 0;
+  while (sent < aRendered.size()) {
+    const ssize_t count = ::write(aDescriptor, aRendered.data() + sent, aRendered.size() - sent);
+    if (count > 0) {
+      sent += static_cast<std::size_t>(count);
+    } else if (errno != EINTR) {
+      return;
+    }
+  }
+}

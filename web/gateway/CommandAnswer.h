@@ -1,0 +1,16 @@
+// Answers to requests for commands.
+#pragma once
+
+#include <cgicc/CgiInput.h>
+
+#include <functional>
+#include <string>
+
+#include "Settings.h"
+
+/// Takes the whole output of the CGI program and sends it off, so that nobody waits for more.
+using Reply = std::function<void(const std::string&)>;
+
+/// Replies exactly once, and returns when the command has ended; after that only when it took too
+/// long for the browser to wait for.
+void answerCommand(cgicc::CgiInput& input, const Limits& aLimits, const Reply& aReply);

@@ -1,0 +1,129 @@
+// What the gateway asks of a request before it looks at the body.
+#include "Request.h"
+
+#include <cgicc/CgiUtils.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdlib>
+
+namespace {
+
+constexpr unsigned long cLargestBody = 65536;
+
+using cgicc::stringsAreEqual;  // in any case
+
+bool isUserKnown(cgicc::CgiInput& input) {
+  return !input.getenv("REMOTE_USER").empty();
+}
+
+/// A page of another origin cannot set this header without being asked for leave.
+bool isMarked(cgicc::CgiInput& input) {
+  return input.getenv("HTTP_X_GC_REQUEST") == "1";
+}
+
+/// The host without the port that the scheme has anyway.
+std::string withoutPort(const std::string& aHost, const std::string& aPort) {
+  const std::size_t end = aHost.size() - std::min(aHost.size(), aPort.size());
+  return aHost.substr(end) == aPort ? aHost.substr(0, end) : aHost;
+}
+
+bool isOwnOrigin(cgicc::CgiInput& input) {
+  const std::string origin = input.getenv("HTTP_ORIGIN");
+  const std::string host = input.getenv("HTTP_HOST");
+  const bool isSecure = stringsAreEqual(input.getenv("HTTPS"), "on");
+  const std::string own =
+      isSecure ? "https://" + withoutPort(host, ":443") : "http://" + withoutPort(host, ":80");
+  return origin.empty() || (!host.empty() && stringsAreEqual(origin, own));
+}
+
+bool isFromOwnPage(cgicc::CgiInput& input) {
+  const std::string site = input.getenv("HTTP_SEC_FETCH_SITE");
+  return site.empty() || site == "same-origin";
+}
+
+std::string trimmed(const std::string& aText) {
+  const std::size_t begin = aText.find_first_not_of(" \t");
+  const std::size_t end = aText.find_last_not_of(" \t");
+  return begin == std::string::npos ? "" : aText.substr(begin, end - begin + 1);
+}
+
+/// Whether a parameter of the type is no charset, or the one of JSON.
+bool isAcceptable(const std::string& aParameter) {
+  const std::size_t sign = aParameter.find('=');
+  const std::string value = sign == std::string::npos ? "" : trimmed(aParameter.substr(sign + 1));
+  return !stringsAreEqual(trimmed(aParameter.substr(0, sign)), "charset") ||
+         stringsAreEqual(value, "utf-8") || stringsAreEqual(value, "\"utf-8\"");
+}
+
+bool isJson(cgicc::CgiInput& input) {
+  const std::string type = input.getenv("CONTENT_TYPE");
+  std::size_t end = type.find(';');
+  bool isGood = stringsAreEqual(trimmed(type.substr(0, end)), "application/json");
+  while (end != std::string::npos) {
+    const std::size_t begin = end + 1;
+    end = type.find(';', begin);
+    isGood = isGood && isAcceptable(type.substr(begin, end - begin));
+  }
+  return isGood;
+}
+
+bool hasLength(cgicc::CgiInput& input) {
+  const std::string length = input.getenv("CONTENT_LENGTH");
+  return !length.empty() && length.find_first_not_of("0123456789") == std::string::npos;
+}
+
+unsigned long lengthOf(cgicc::CgiInput& input) {
+  // Of a number that is too large it makes the largest.
+  return std::strtoul(input.getenv("CONTENT_LENGTH").c_str(), nullptr, 10);
+}
+
+bool isShortEnough(cgicc::CgiInput& input) {
+  return lengthOf(input) <= cLargestBody;
+}
+
+struct CheckRow {
+  bool (*isGood)(cgicc::CgiInput& input);
+  int status;
+  const char* detail;
+};
+
+// In this order: who asks, from where, what.
+constexpr CheckRow cChecks[] = {
+    {isUserKnown, 403, "A command needs a user who has logged in."},
+    {isMarked, 403, "A command needs the header X-GC-Request: 1."},
+    {isOwnOrigin, 403, "The Origin of a command must be this server."},
+    {isFromOwnPage, 403, "The Sec-Fetch-Site of a command must be same-origin."},
+    {isJson, 415, "A command needs the Content-Type application/json, in UTF-8."},
+    {hasLength, 411, "A command needs a Content-Length."},
+    {isShortEnough, 413, "The body is longer than 65536 octets."},
+};
+
+}  // namespace
+
+std::string pathOf(cgicc::CgiInput& input) {
+  return input.getenv("SCRIPT_NAME") + input.getenv("PATH_INFO");
+}
+
+Answer methodNotAllowed(const std::string& aAllowed) {
+  Answer answer = problem(405, "Only " + aAllowed + " can be asked for here.");
+  answer.headers = "Allow: " + aAllowed + "\r\n";
+  return answer;
+}
+
+std::optional<Answer> findHeaderFault(cgicc::CgiInput& input) {
+  for (const CheckRow& row : cChecks) {
+    if (!row.isGood(input)) {
+      return problem(row.status, row.detail);
+    }
+  }
+  return std::nullopt;
+}
+
+std::optional<std::string> readBody(cgicc::CgiInput& input) {
+  std::string body(lengthOf(input), '\0');
+  if (input.read(body.data(), body.size()) != body.size()) {
+    return std::nullopt;
+  }
+  return body;
+}

@@ -1,0 +1,52 @@
+// One run of the tool: started without a shell, watched, and ended or waited for.
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+
+#include "Descriptor.h"
+#include "Operation.h"
+#include "Settings.h"
+
+/// How a run went, as far as is known.
+struct Outcome {
+  bool started = false;
+  bool late = false;     ///< had not ended in its time
+  bool tooMuch = false;  ///< printed more than is kept; the rest is dropped
+  int status = 0;        ///< as of waitpid
+  std::string output;
+  std::string errors;
+};
+
+class ToolProcess {
+ public:
+  /// Starts the tool. A report's ends when this process does; a command's goes on.
+  ToolProcess(const Settings& aSettings, const Limits& aLimits, const ToolCall& aCall);
+  /// Ends a report that still runs; waits for a command.
+  ~ToolProcess();
+  ToolProcess(const ToolProcess&) = delete;
+  ToolProcess& operator=(const ToolProcess&) = delete;
+
+  /// Reads what the tool prints until it has ended (true) or the time is over (false, and late). A
+  /// report that prints too much is not waited for.
+  bool waitUntil(Clock::time_point aTime);
+  /// Waits as long as it takes.
+  void waitForEnd();
+
+  const Outcome& outcome() const { return mOutcome; }
+
+ private:
+  bool start(const Settings& aSettings, const ToolCall& aCall);
+  bool isGivenUp() const { return mIsReport && mOutcome.tooMuch; }
+  void collect(Descriptor& from, std::string& text, std::size_t aLimit);
+  bool readUntil(Clock::time_point aTime);
+  bool reapUntil(Clock::time_point aTime);
+
+  const Limits mLimits;
+  const bool mIsReport;
+  Descriptor mOutput;
+  Descriptor mErrors;
+  pid_t mProcess = -1;  ///< -1 when there is none, or no longer
+  Outcome mOutcome;
+};

@@ -1,0 +1,26 @@
+// The CGI program that acts.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <csignal>
+
+#include "Answer.h"
+#include "CommandAnswer.h"
+
+namespace {
+
+/// The web server waits for the end of the output, and this process may have to outlive the answer.
+void sendAndClose(const std::string& aRendered) {
+  send(STDOUT_FILENO, aRendered);
+  const int null = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+  ::dup2(null, STDOUT_FILENO);
+}
+
+}  // namespace
+
+int main() {
+  std::signal(SIGPIPE, SIG_IGN);
+  cgicc::CgiInput input;
+  answerCommand(input, Limits(), sendAndClose);
+  return 0;
+}
