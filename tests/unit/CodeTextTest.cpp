@@ -10,6 +10,7 @@
 namespace {
 constexpr CodeText cInOrder[] = {{0, "none"}, {1, "one"}, {2, "two"}};
 constexpr CodeText cStartsAtOne[] = {{1, "one"}, {2, "two"}};
+constexpr CodeText cWrongFirst[] = {{1, "one"}, {1, "one again"}};
 constexpr CodeText cSwapped[] = {{0, "none"}, {2, "two"}, {1, "one"}};
 constexpr CodeText cGap[] = {{0, "none"}, {1, "one"}, {3, "three"}};
 constexpr CodeText cTwice[] = {{0, "none"}, {0, "none again"}};
@@ -17,6 +18,7 @@ constexpr CodeText cTwice[] = {{0, "none"}, {0, "none again"}};
 
 static_assert(isIndexedByCode(cInOrder));
 static_assert(!isIndexedByCode(cStartsAtOne));
+static_assert(!isIndexedByCode(cWrongFirst));
 static_assert(!isIndexedByCode(cSwapped));
 static_assert(!isIndexedByCode(cGap));
 static_assert(!isIndexedByCode(cTwice));

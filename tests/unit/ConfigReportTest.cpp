@@ -51,6 +51,13 @@ constexpr const char* cBareChannels = R"(
 }
 )";
 
+constexpr const char* cBareHead = R"({
+    "Inst_name": "",
+    "Site_info": "",
+    "Inst_serial": 0,
+    "Stream_configured": false,
+    "Stream_max": 0,)";
+
 constexpr const char* cFullConfig = R"({
     "Inst_name": "gc-12",
     "Site_info": "Site 12",
@@ -143,12 +150,12 @@ TEST_F(ConfigReportTest, CallsInOrderTheColumnsAnewForEachChannel) {
 
 TEST_F(ConfigReportTest, NothingAnswered) {
   mInstrument.setStatus(eFunction::eReadParamList, 28);
-  EXPECT_EQ(document(), std::string(R"({
-    "Inst_name": "",
-    "Site_info": "",
-    "Inst_serial": 0,
-    "Stream_configured": false,
-    "Stream_max": 0,)") + cBareChannels);
+  EXPECT_EQ(document(), std::string(cBareHead) + cBareChannels);
+}
+
+TEST_F(ConfigReportTest, UnknownNamesAreZero) {
+  clearParamMap(mMap, false);
+  EXPECT_EQ(document(), std::string(cBareHead) + cBareChannels);
 }
 
 TEST_F(ConfigReportTest, IncompleteBatchIsPrintedWhole) {

@@ -1,5 +1,6 @@
 // The files of downloads: which ones are refused, with what verdict, and that nothing is sent then.
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 #include <ostream>
 
@@ -14,11 +15,12 @@ namespace {
 constexpr std::size_t cMillion = 1000000;
 constexpr std::size_t cReadBuffer = 65536;
 
+/// By doubling: every start of the test program builds these texts.
 std::string repeated(const std::string& aText, std::size_t n) {
-  std::string lText;
-  lText.reserve(n * aText.size());
-  for (std::size_t i = 0; i < n; ++i) {
-    lText += aText;
+  const std::size_t size = n * aText.size();
+  std::string lText = aText;
+  while (lText.size() < size) {
+    lText.append(lText, 0, size - lText.size());
   }
   return lText;
 }
@@ -136,6 +138,13 @@ class CalibFile : public DownloadBench<SecCalibTbl> {
   }
   int parseUnopened(const char* aName) { return mSection.parseFile(std::string(aName).data()); }
 };
+
+/// The next descriptor that a file would get.
+int freeDescriptor() {
+  const int lDescriptor = dup(STDOUT_FILENO);
+  close(lDescriptor);
+  return lDescriptor;
+}
 
 class RefusedFileTest : public testing::TestWithParam<FileRow> {};
 class TakenFileTest : public testing::TestWithParam<FileRow> {};
@@ -260,5 +269,15 @@ TEST(ParseJsonFileTest, FileThatIsNotOneValueLeavesNull) {
     Document document;
     EXPECT_EQ(parseJsonFile(file.name(), document), 0) << content;
     EXPECT_TRUE(document.IsNull()) << content;
+  }
+}
+
+TEST(ParseJsonFileTest, FileIsClosed) {
+  const int before = freeDescriptor();
+  for (const char* const content : {"{}", "{"}) {
+    TemporaryFile file(content);
+    Document document;
+    parseJsonFile(file.name(), document);
+    EXPECT_EQ(freeDescriptor(), before) << content;
   }
 }

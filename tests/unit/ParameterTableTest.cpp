@@ -175,3 +175,10 @@ TEST(ChannelNameTest, LongestFamilyKeepsItsDigit) {
   const std::string family(30, 'f');
   EXPECT_STREQ(ChannelName(family.c_str(), 4), (family + "4").c_str());
 }
+
+TEST(ChannelNameTest, LongerFamilyIsCutAndTheDigitStays) {
+  for (const std::size_t length : {31U, 32U, 34U, 1000U}) {
+    const std::string family(length, 'f');
+    EXPECT_EQ(ChannelName(family.c_str(), 4).text(), std::string(30, 'f') + "4") << length;
+  }
+}

@@ -1,4 +1,5 @@
-// The base class of the operations: what it holds and what its functions do unless overridden.
+// The base class of the operations: what it holds, what its functions do unless overridden, and
+// what every operation keeps of its start.
 #include "Section.h"
 
 #include <gtest/gtest.h>
@@ -6,6 +7,18 @@
 #include <type_traits>
 
 #include "Capture.h"
+#include "SecAbortRun.h"
+#include "SecAlarm.h"
+#include "SecAutoRun.h"
+#include "SecCalibRun.h"
+#include "SecCalibTbl.h"
+#include "SecConfig.h"
+#include "SecSequenceTbl.h"
+#include "SecSingleRun.h"
+#include "SecSolutionLoad.h"
+#include "SecStatus.h"
+#include "SecStream.h"
+#include "TestMap.h"
 
 namespace {
 /// A section that overrides only what it must and shows what it holds.
@@ -39,6 +52,21 @@ class CountedSection : public PlainSection {
  private:
   int& mDeleted;
 };
+
+/// An operation that shows what it holds.
+template <class Section>
+class OpenSection : public Section {
+ public:
+  ParameterMap* map() const { return this->mMap; }
+  unsigned long handle() const { return this->mHandle; }
+};
+
+template <class Section>
+class SectionStartTest : public testing::Test {};
+
+using LentMap = testing::Types<SecAbortRun, SecAlarm, SecAutoRun, SecCalibRun, SecConfig,
+                               SecSequenceTbl, SecSingleRun, SecSolutionLoad, SecStatus, SecStream>;
+TYPED_TEST_SUITE(SectionStartTest, LentMap, );
 }  // namespace
 
 static_assert(std::is_abstract_v<SectionBase>);
@@ -140,4 +168,21 @@ TEST(SectionOwnershipTest, MapIsNotTouched) {
   }
   EXPECT_EQ(map.current_size(), 1U);
   delete parameter;
+}
+
+TYPED_TEST(SectionStartTest, MapAndHandleAreKept) {
+  TestMap map;
+  OpenSection<TypeParam> section;
+  section.init(&map, ~0xABCDUL);
+  EXPECT_EQ(section.map(), &map);
+  EXPECT_EQ(section.handle(), ~0xABCDUL);
+}
+
+TEST(CalibTableStartTest, OnlyTheHandleIsKept) {
+  TestMap map;
+  OpenSection<SecCalibTbl> section;
+  section.init(&map, ~0xABCDUL);
+  EXPECT_EQ(section.map(), nullptr);
+  EXPECT_EQ(section.handle(), ~0xABCDUL);
+  EXPECT_EQ(map.current_size(), 0U);
 }

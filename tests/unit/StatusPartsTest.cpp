@@ -230,3 +230,30 @@ TEST_F(StatusPartsTest, DetectorThatIsOffAndNotCalibrated) {
 }
 )");
 }
+
+TEST_F(StatusPartsTest, ChannelOfUnknownNamesIsZeroAndOff) {
+  mMap.add("mInstalled2", 0, 503)->setIntValue(1);
+  SecStatusAccess::addChannel(mMap, 2, mDocument);
+  EXPECT_EQ(printed(), R"({
+    "Channel2": {
+        "Column_temp": {
+            "Setpoint": 0.0,
+            "Actual": 0.0
+        },
+        "Column_press": {
+            "Setpoint": 0.0,
+            "Actual": 0.0
+        },
+        "Injector_temp": {
+            "Setpoint": 0.0,
+            "Actual": 0.0
+        },
+        "TCD": {
+            "Auto_zero": 0.0,
+            "State": "Off",
+            "Calibrated": "X"
+        }
+    }
+}
+)");
+}
