@@ -1,0 +1,64 @@
+"""Fixtures: a web server for each test, with what the system tests have."""
+
+import importlib.util
+from collections.abc import Callable, Iterator
+from contextlib import ExitStack
+from pathlib import Path
+
+import pytest
+from programs import ROOT, Simulator
+from server import CONFIGURATION, LIGHTTPD, PASSWORD, Browser, WebServer, write_passwords
+
+# By its path: two modules cannot both be called conftest.
+_spec = importlib.util.spec_from_file_location("system", ROOT / "tests" / "system" / "conftest.py")
+assert _spec is not None and _spec.loader is not None
+system = importlib.util.module_from_spec(_spec)
+_spec.loader.exec_module(system)
+
+address = system.address
+bin_dir = system.bin_dir
+folder = system.folder
+simulator = system.simulator
+tool = system.tool
+untouched = system.untouched
+
+StartSimulator = Callable[..., Simulator]
+StartServer = Callable[..., WebServer]
+
+
+def pytest_configure() -> None:
+    programs = [system.BIN_DIR.parent / "web" / name for name in ("report", "command")]
+    for program in [*programs, Path(LIGHTTPD)]:
+        if not program.is_file():
+            raise pytest.UsageError(f"no {program}")
+    system.pytest_configure()
+
+
+@pytest.fixture
+def start_server(address: str, bin_dir: Path, folder: Path) -> Iterator[StartServer]:
+    """Starts a web server at the test's address, for the instrument there."""
+    with ExitStack() as running:
+
+        def start(*lines: str, passwords: bool = True, tool: Path = system.TOOL) -> WebServer:
+            """`lines`: further ones of the configuration. `passwords`: somebody may act."""
+            every = list(lines)
+            if passwords:
+                write_passwords(folder / "passwords")
+                every += [f'var.passwords = "{folder}/passwords"']
+                every += [f'include "{CONFIGURATION}/login.conf"']
+            started = WebServer(folder / "web", bin_dir, tool, address, every)
+            running.callback(started.stop)
+            return started
+
+        yield start
+
+
+@pytest.fixture
+def server(start_server: StartServer) -> WebServer:
+    return start_server()
+
+
+@pytest.fixture
+def browser(server: WebServer) -> Browser:
+    """Of somebody who has logged in."""
+    return Browser(server.address, PASSWORD)

@@ -1,0 +1,221 @@
+"""The web server as the tests use it, with the controllers' configuration, and a browser."""
+
+import hashlib
+import http.client
+import json
+import os
+import re
+import shutil
+import signal
+import socket
+import ssl
+import subprocess
+import time
+from collections.abc import Mapping
+from dataclasses import dataclass
+from pathlib import Path
+from typing import Any
+
+from programs import LIMIT, ROOT, SCHEMAS
+
+CONFIGURATION = ROOT / "web" / "server"
+# Where packaging/unpack has put it, unless it is installed.
+UNPACKED = ROOT / "build" / "lighttpd" / "usr"
+LIGHTTPD = shutil.which("lighttpd", path="/usr/sbin") or str(UNPACKED / "sbin" / "lighttpd")
+MODULES = [] if LIGHTTPD.startswith("/usr/sbin") else ["-m", str(UNPACKED / "lib" / "lighttpd")]
+WEB_PORT = 8080
+REALM = "Gas chromatograph"
+USER = "operator"
+PASSWORD = "pass word: ä"
+# What a page of this server sends with a command.
+HEADERS = {"X-GC-Request": "1", "Content-Type": "application/json"}
+
+
+def digest(*parts: str) -> str:
+    return hashlib.sha256(":".join(parts).encode()).hexdigest()
+
+
+def wait_until(done: Any) -> Any:
+    """Asks until the answer is not false, and returns it."""
+    deadline = time.monotonic() + LIMIT
+    while not (answer := done()):
+        assert time.monotonic() < deadline
+        time.sleep(0.002)
+    return answer
+
+
+@dataclass(frozen=True)
+class Answer:
+    status: int
+    headers: http.client.HTTPMessage
+    body: bytes
+
+    @property
+    def document(self) -> Any:
+        return json.loads(self.body)
+
+    def expect_problem(self, status: int) -> dict[str, Any]:
+        """The gateway's own refusal, which it returns."""
+        assert (self.status, self.headers["Content-Type"]) == (status, "application/problem+json")
+        assert self.document["status"] == status
+        assert self.headers["Link"] is None
+        return self.document
+
+
+class Browser:
+    """Asks one server, each time on a new connection; logged in when it has a password."""
+
+    def __init__(
+        self,
+        address: str,
+        password: str | None = None,
+        port: int = WEB_PORT,
+        context: ssl.SSLContext | None = None,
+    ) -> None:
+        """`context`: for HTTPS."""
+        self.address = address
+        self._password = password
+        self._port = port
+        self._context = context
+        self._nonce = ""
+
+    def connect(self) -> socket.socket:
+        return socket.create_connection((self.address, WEB_PORT), LIMIT)
+
+    def authorization(self, method: str, path: str, user: str = USER) -> str:
+        """The header's value by which the server knows who asks for this."""
+        if not self._nonce:
+            challenge = self.request("POST", "/api/command", login=False).headers[
+                "WWW-Authenticate"
+            ]
+            fields = re.fullmatch(
+                rf'Digest realm="{REALM}", charset="UTF-8", algorithm=SHA-256, '
+                r'nonce="([^"]+)", qop="auth"',
+                challenge,
+            )
+            assert fields, challenge
+            self._nonce = fields[1]
+        secret = digest(user, REALM, self._password or "")
+        response = digest(
+            secret, self._nonce, "00000001", "abc", "auth", digest(method, path)
+        )
+        return (
+            f'Digest username="{user}", realm="{REALM}", nonce="{self._nonce}", uri="{path}", '
+            f'algorithm=SHA-256, qop=auth, nc=00000001, cnonce="abc", response="{response}"'
+        )
+
+    def request(
+        self,
+        method: str,
+        path: str,
+        body: bytes | None = None,
+        headers: Mapping[str, str] | None = None,
+        login: bool = True,
+    ) -> Answer:
+        """`login`: tell who asks, if there is a password."""
+        every = dict(headers or {})
+        if login and self._password is not None:
+            every["Authorization"] = self.authorization(method, path)
+        if self._context is None:
+            connection = http.client.HTTPConnection(self.address, self._port, timeout=LIMIT)
+        else:
+            connection = http.client.HTTPSConnection(
+                self.address, self._port, timeout=LIMIT, context=self._context
+            )
+        try:
+            connection.request(method, path, body, every)
+            answer = connection.getresponse()
+            return Answer(answer.status, answer.headers, answer.read())
+        finally:
+            connection.close()
+
+    def get(self, path: str, **headers: str) -> Answer:
+        return self.request("GET", path, headers=headers, login=False)
+
+    def command(self, method: str, path: str, document: object = None, **headers: str) -> Answer:
+        """Sends a command as a page of this server would. `document`: JSON, or octets."""
+        octets = document if isinstance(document, bytes) else json.dumps(document).encode()
+        changed = {name.replace("_", "-"): text for name, text in headers.items()}
+        return self.request(method, f"/api/command/{path}", octets, {**HEADERS, **changed})
+
+
+class WebServer:
+    """lighttpd, which runs until it is stopped.
+
+    `folder`: for all that it keeps. `instrument`: the address of the controller, and its own.
+    `lines`: further ones of its configuration.
+    """
+
+    def __init__(
+        self, folder: Path, bin_dir: Path, tool: Path, instrument: str, lines: list[str]
+    ) -> None:
+        self.address = instrument
+        self.state = folder / "state"
+        self.pages = folder / "pages"
+        self._logs = folder / "logs"
+        for part in (self.state, self._logs, self.pages / "assets"):
+            part.mkdir(parents=True)
+        (self.pages / "index.html").write_text("<!doctype html>")
+        (self.pages / "assets" / "index-Ab12.js").write_text("// " + 1000 * "x")
+        variables = {
+            "pages": self.pages,
+            "schemas": SCHEMAS,
+            "programs": bin_dir.parent / "web",
+            "tool": tool,
+            "instrument": instrument,
+            "state": self.state,
+            "logs": self._logs,
+            "names": r"gc\.example",
+        }
+        settings = [f'var.{name} = "{value}"' for name, value in variables.items()]
+        settings += [f'server.bind = "{instrument}"', f"server.port = {WEB_PORT}"]
+        settings += [f'include "{CONFIGURATION}/server.conf"', *lines]
+        path = folder / "lighttpd.conf"
+        path.write_text("\n".join(settings) + "\n", encoding="utf-8")
+        self._process = subprocess.Popen(
+            [LIGHTTPD, *MODULES, "-D", "-f", str(path)],
+            stdin=subprocess.DEVNULL,
+            stdout=subprocess.PIPE,
+            stderr=subprocess.STDOUT,
+        )
+        wait_until(self._answers)
+
+    def _answers(self) -> bool:
+        if self._process.poll() is not None:
+            assert self._process.stdout is not None
+            raise AssertionError(f"no web server: {self._process.stdout.read().decode()}")
+        with socket.socket() as client:
+            return client.connect_ex((self.address, WEB_PORT)) == 0
+
+    def commands(self) -> list[dict[str, Any]]:
+        """The log of commands."""
+        path = self._logs / "commands.log"
+        lines = path.read_text(encoding="utf-8").splitlines() if path.exists() else []
+        return [json.loads(line) for line in lines]
+
+    def complaints(self) -> list[str]:
+        """What lighttpd has written in its log of errors, without times and what is no error."""
+        lines = (self._logs / "error.log").read_text(encoding="utf-8").splitlines()
+        told = [line.split(": ", 1)[1] for line in lines]
+        comings = re.compile(r"\(server\.c\.\d+\) (server|\[note\]) ")
+        return [line for line in told if not comings.match(line)]
+
+    def accesses(self) -> list[str]:
+        """The log of requests, which is complete when the server has stopped."""
+        return (self._logs / "access.log").read_text(encoding="utf-8").splitlines()
+
+    def stop(self) -> None:
+        if self._process.returncode is not None:
+            return
+        # Gracefully: it would say with its exit status that connections were still open.
+        self._process.send_signal(signal.SIGINT)
+        try:
+            said = self._process.communicate(timeout=LIMIT)[0]
+        finally:
+            self._process.kill()
+        assert (self._process.returncode, said) == (0, b"")
+
+
+def write_passwords(path: Path, password: str = PASSWORD) -> None:
+    path.write_text(f"{USER}:{REALM}:{digest(USER, REALM, password)}\n")
+    os.chmod(path, 0o600)

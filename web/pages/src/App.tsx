@@ -1,0 +1,122 @@
+// The pages behind their addresses, and what surrounds them.
+import { useEffect, useRef, useState } from 'preact/hooks';
+import type { ComponentChildren } from 'preact';
+import { Header } from './components/Header';
+import { calibrationEditor, sequenceEditor } from './editors';
+import { AlarmsPage } from './pages/Alarms';
+import { ConfigurationPage } from './pages/Configuration';
+import { RunPage } from './pages/Run';
+import { StatusPage } from './pages/Status';
+import { TablePage } from './pages/TablePage';
+import { WallPage } from './pages/Wall';
+import { isStale, status } from './store';
+
+interface Page {
+  name: string;
+  title: string;
+  render: () => ComponentChildren;
+}
+
+const moving =
+  'Enter and Shift+Enter go down and up; arrow keys go to the next cell (up and down choose in a list).';
+
+const pages: readonly Page[] = [
+  { name: 'status', title: 'Status', render: () => <StatusPage /> },
+  { name: 'run', title: 'Run', render: () => <RunPage /> },
+  {
+    name: 'sequence',
+    title: 'Sequence',
+    render: () => (
+      <TablePage
+        key="sequence"
+        editor={sequenceEditor}
+        hint={`${moving} Alt with up and down moves the line. A line with 0 runs is passed over. Flush times in the instrument’s unit.`}
+      />
+    ),
+  },
+  {
+    name: 'calibration',
+    title: 'Calibration',
+    render: () => (
+      <TablePage
+        key="calibration"
+        editor={calibrationEditor}
+        hint={`${moving} Peaks belong to the instrument’s method: only their amounts can be set.`}
+      />
+    ),
+  },
+  { name: 'alarms', title: 'Alarms', render: () => <AlarmsPage /> },
+  { name: 'configuration', title: 'Configuration', render: () => <ConfigurationPage /> },
+];
+
+function pageName(): string {
+  return location.hash.replace(/^#\//, '') || 'status';
+}
+
+function usePageName(): string {
+  const [name, setName] = useState(pageName());
+  useEffect(() => {
+    const change = (): void => setName(pageName());
+    window.addEventListener('hashchange', change);
+    return () => window.removeEventListener('hashchange', change);
+  }, []);
+  return name;
+}
+
+export function App() {
+  const name = usePageName();
+  const heading = useRef<HTMLHeadingElement>(null);
+  const isFirst = useRef(true);
+  const page = pages.find((one) => one.name === name);
+  const title = name === 'wall' ? 'Wall' : (page?.title ?? 'Unknown page');
+  const application = status.value?.Application || 'Gas chromatograph';
+
+  useEffect(() => {
+    document.title = `${title} – ${application}`;
+  }, [title, application]);
+  // A screen reader goes on reading where the new page begins.
+  useEffect(() => {
+    if (!isFirst.current) {
+      heading.current?.focus();
+      scrollTo(0, 0);
+    }
+    isFirst.current = false;
+  }, [name]);
+
+  if (name === 'wall') {
+    return (
+      <main>
+        <WallPage />
+      </main>
+    );
+  }
+  return (
+    <>
+      <a
+        href="#main"
+        class="skip"
+        onClick={(event) => {
+          event.preventDefault();
+          heading.current?.focus();
+        }}
+      >
+        To the page
+      </a>
+      <Header />
+      <nav aria-label="Pages">
+        {pages.map((one) => (
+          <a key={one.name} href={`#/${one.name}`} aria-current={one === page ? 'page' : undefined}>
+            {one.title}
+          </a>
+        ))}
+        <a href="#/wall">Wall</a>
+      </nav>
+      <main id="main" class={isStale.value ? 'stale' : undefined}>
+        <h1 ref={heading} tabIndex={-1}>
+          {title}
+        </h1>
+        {page ? page.render() : <p>There is no such page.</p>}
+      </main>
+    </>
+  );
+}

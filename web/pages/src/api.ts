@@ -1,0 +1,132 @@
+// Requests to the gateway, and in plain words what went wrong with one.
+import type { Verdict } from './documents';
+
+/** Why there is no good answer. */
+export interface Fault {
+  /** HTTP status; 0 when there was no answer at all. */
+  status: number;
+  /** What happened, as a sentence for the person in front. */
+  text: string;
+  /** Details from the gateway or the instrument; may be empty. */
+  detail: string;
+}
+
+export type Answer<T> = { ok: true; value: T; ageSeconds: number } | { ok: false; fault: Fault };
+
+/** Milliseconds that an answer may take: those of the gateway, and a little more for its own. */
+export const timeLimits = { status: 10_000, report: 25_000, command: 130_000 } as const;
+
+const textsOfStatus: Readonly<Record<number, string>> = {
+  401: 'You are not signed in. Nothing was done.',
+  403: 'You are not allowed to do this. Nothing was done.',
+  404: 'The web server does not know this address. Is the gateway set up?',
+  409: 'The instrument refused.',
+  413: 'The file is too large.',
+  415: 'The gateway does not take this kind of file.',
+  422: 'The gateway does not take these values.',
+  502: 'The instrument or its tool did not give a usable answer.',
+  503: 'The instrument is not reachable.',
+  504: 'The instrument did not answer in time.',
+};
+
+/** A member of something that came from outside, if it is a text or a number. */
+function member(value: unknown, key: string): string | undefined {
+  if (typeof value !== 'object' || value === null) {
+    return undefined;
+  }
+  const found = (value as Record<string, unknown>)[key];
+  return typeof found === 'string' || typeof found === 'number' ? String(found) : undefined;
+}
+
+/** What an answer that is no success means; `body` is its parsed document, if it is one. */
+export function faultOf(status: number, body: unknown): Fault {
+  let text = textsOfStatus[status] ?? `The web server answered with HTTP status ${status}.`;
+  const code = member(body, 'ErrorCode');
+  const words = member(body, 'Msg');
+  const details =
+    code === undefined
+      ? [member(body, 'title'), member(body, 'detail')]
+      : // A solution that was refused says "Accepted".
+        [
+          words === undefined || words === 'Accepted'
+            ? `error ${code}`
+            : `${words} (error ${code})`,
+        ];
+  const instrument = member(body, 'status-of-instrument');
+  if (instrument !== undefined) {
+    details.push(`status of the instrument: ${instrument}`);
+  }
+  if (status === 409 && code === undefined && instrument === undefined) {
+    text = 'The gateway did not take the command.';
+  }
+  return { status, text, detail: details.filter(Boolean).join(': ') };
+}
+
+async function parsed(response: Response): Promise<unknown> {
+  try {
+    return await response.json();
+  } catch {
+    return undefined;
+  }
+}
+
+async function request<T>(
+  path: string,
+  init: RequestInit,
+  limit: number,
+  take: (body: unknown) => T | undefined,
+  withoutAnswer: string,
+): Promise<Answer<T>> {
+  let response: Response;
+  let body: unknown;
+  try {
+    response = await fetch(path, {
+      ...init,
+      cache: 'no-store',
+      credentials: 'same-origin',
+      signal: AbortSignal.timeout(limit),
+    });
+    body = response.status === 204 ? null : await parsed(response);
+  } catch (error) {
+    const isLate = error instanceof DOMException && error.name === 'TimeoutError';
+    const detail = isLate ? `No answer within ${limit / 1000} s` : 'The connection failed';
+    return { ok: false, fault: { status: 0, text: withoutAnswer, detail } };
+  }
+  if (response.status !== 200 && response.status !== 204) {
+    return { ok: false, fault: faultOf(response.status, body) };
+  }
+  const value = take(body);
+  if (value === undefined) {
+    const text = 'The answer is not what was asked for.';
+    return { ok: false, fault: { status: response.status, text, detail: path } };
+  }
+  const age = Number(response.headers.get('Age') ?? 0);
+  return { ok: true, value, ageSeconds: age > 0 ? age : 0 };
+}
+
+/** Asks for a report; `key` is a member that tells its document from any other. */
+export function getReport<T extends object>(
+  path: string,
+  key: keyof T & string,
+  limit: number = timeLimits.report,
+): Promise<Answer<T>> {
+  const take = (body: unknown): T | undefined =>
+    typeof body === 'object' && body !== null && key in body ? (body as T) : undefined;
+  return request(path, { method: 'GET' }, limit, take, 'The web server does not answer.');
+}
+
+/** Gives a command. Only the HTTP status says whether it succeeded; a stream switch answers nothing. */
+export function sendCommand(
+  method: 'POST' | 'PUT',
+  name: string,
+  body: string,
+): Promise<Answer<Verdict | null>> {
+  const headers = { 'Content-Type': 'application/json', 'X-GC-Request': '1' };
+  return request<Verdict | null>(
+    `/api/command/${name}`,
+    { method, headers, body },
+    timeLimits.command,
+    (answer) => (answer as Verdict | undefined) ?? null,
+    'No answer came. The command may have been carried out: look at the state.',
+  );
+}

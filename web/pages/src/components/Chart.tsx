@@ -1,0 +1,236 @@
+// Curves of the last hour, and the same in numbers for whoever does not see them.
+import { useEffect, useLayoutEffect, useRef, useState } from 'preact/hooks';
+import uPlot from 'uplot';
+import 'uplot/dist/uPlot.min.css';
+import { channelKeys, type Status } from '../documents';
+import { formatReal } from '../format';
+import type { Points } from '../history';
+import { quantities } from '../quantities';
+import { history, samples } from '../store';
+
+interface Curve {
+  /** Name in the history. */
+  name: string;
+  label: string;
+  isSetpoint: boolean;
+}
+
+interface Choice {
+  label: string;
+  decimals: number;
+  curves: Curve[];
+}
+
+/** What can be shown of an instrument with these channels. */
+function choicesOf(status: Status): Choice[] {
+  const installed = channelKeys
+    .map((key, index) => ({ key, label: `Channel ${index + 1}` }))
+    .filter(({ key }) => status[key]);
+  const pair = (name: string): Curve[] => [
+    { name: `${name}.Actual`, label: 'Actual', isSetpoint: false },
+    { name: `${name}.Setpoint`, label: 'Setpoint', isSetpoint: true },
+  ];
+  const single = (name: string, label: string): Curve[] => [{ name, label, isSetpoint: false }];
+  return [
+    ...quantities.flatMap(({ key: quantity, label, decimals }) => [
+      {
+        label: `${label}, all channels`,
+        decimals,
+        curves: installed.flatMap(({ key, label: name }) =>
+          single(`${key}.${quantity}.Actual`, name),
+        ),
+      },
+      ...installed.map(({ key, label: name }) => ({
+        label: `${label}, ${name.toLowerCase()}`,
+        decimals,
+        curves: pair(`${key}.${quantity}`),
+      })),
+    ]),
+    {
+      label: 'Auto zero, all channels',
+      decimals: 3,
+      curves: installed.flatMap(({ key, label }) => single(`${key}.Auto_zero`, label)),
+    },
+    ...(status.Sample_line_temp.Setpoint === '-'
+      ? []
+      : [{ label: 'Sample line temperature', decimals: 2, curves: pair('Sample_line_temp') }]),
+    { label: 'Ambient temperature', decimals: 0, curves: single('Ambient_temp', 'Ambient') },
+    { label: 'Ambient pressure', decimals: 2, curves: single('Ambient_press', 'Ambient') },
+  ];
+}
+
+const height = 240;
+/** The axis shows at least so much, however short the curves are. */
+const leastSeconds = 60;
+/** Seconds that may lie between two marks of the axis. */
+const timeSteps = [10, 30, 60, 120, 300, 600, 900, 1800];
+/** Line styles, so that curves are told apart without colour too. */
+const dashes = [[], [10, 4], [3, 3], [12, 3, 3, 3]];
+
+function colour(name: string): string {
+  return getComputedStyle(document.documentElement).getPropertyValue(name).trim();
+}
+
+function optionsOf(choice: Choice, width: number): uPlot.Options {
+  const axis = {
+    stroke: colour('--dim'),
+    grid: { stroke: colour('--line'), width: 1 },
+    ticks: { stroke: colour('--line'), width: 1 },
+  };
+  const values = (_: uPlot, splits: number[]): string[] =>
+    splits.map((split) => Number(split.toFixed(6)).toString());
+  return {
+    width,
+    height,
+    legend: { show: false },
+    cursor: { show: false },
+    scales: { x: { range: spanOf }, y: { range: (_, low, high) => roomFor(low, high, choice) } },
+    axes: [
+      { ...axis, space: 90, incrs: timeSteps, values: [[1, '{HH}:{mm}:{ss}']] },
+      { ...axis, size: 64, values },
+    ],
+    series: [
+      {},
+      ...choice.curves.map(({ label, isSetpoint }, index) => ({
+        label,
+        stroke: colour(isSetpoint ? '--dim' : `--curve-${index + 1}`),
+        width: isSetpoint ? 1 : 2,
+        dash: isSetpoint ? [4, 4] : (dashes[index] ?? []),
+        points: { show: false },
+      })),
+    ],
+  };
+}
+
+/** The span of the time axis; uPlot would make a day of a single sample. */
+function spanOf({ data: [times] }: uPlot): [number, number] {
+  const last = times.at(-1) ?? Date.now() / 1000;
+  return [Math.min(times[0] ?? last, last - leastSeconds), last];
+}
+
+/** The span of the values, with room around them; steady values do not fill it with their noise. */
+function roomFor(low: number | null, high: number | null, choice: Choice): [number, number] {
+  if (low === null || high === null) {
+    return [0, 1];
+  }
+  const least = Math.min(10, 100 * 10 ** -choice.decimals);
+  const room = Math.max((high - low) * 0.1, (least - (high - low)) / 2);
+  return [low - room, high + room];
+}
+
+function dataOf(curves: readonly Points[]): uPlot.AlignedData {
+  return [curves[0]?.times ?? [], ...curves.map(({ values }) => values)];
+}
+
+/** Whether the browser asks for dark colours; the curves are drawn anew when it changes. */
+function useIsDark(): boolean {
+  const query = matchMedia('(prefers-color-scheme: dark)');
+  const [isDark, setIsDark] = useState(query.matches);
+  useEffect(() => {
+    const change = (): void => setIsDark(query.matches);
+    query.addEventListener('change', change);
+    return () => query.removeEventListener('change', change);
+  }, []);
+  return isDark;
+}
+
+function Sample({ curve, index }: { curve: Curve; index: number }) {
+  return (
+    <svg class="sample" viewBox="0 0 32 8" aria-hidden="true">
+      <line
+        x1="0"
+        y1="4"
+        x2="32"
+        y2="4"
+        class={curve.isSetpoint ? 'curve-setpoint' : `curve-${index + 1}`}
+        stroke-dasharray={curve.isSetpoint ? '4 4' : (dashes[index] ?? []).join(' ')}
+      />
+    </svg>
+  );
+}
+
+function Numbers({ choice, points }: { choice: Choice; points: readonly Points[] }) {
+  return (
+    <table class="numbers">
+      <caption class="hidden">{choice.label} in numbers</caption>
+      <thead>
+        <tr>
+          <th scope="col">Curve</th>
+          <th scope="col">Now</th>
+          <th scope="col">Lowest</th>
+          <th scope="col">Highest</th>
+        </tr>
+      </thead>
+      <tbody>
+        {choice.curves.map((curve, index) => {
+          const values = points[index]!.values.filter((value) => value !== null);
+          const last = points[index]!.values.at(-1) ?? '-';
+          const text = (value: number | '-'): string => formatReal(value, choice.decimals);
+          return (
+            <tr key={curve.name}>
+              <th scope="row">
+                <Sample curve={curve} index={index} /> {curve.label}
+              </th>
+              <td class="number">{text(last)}</td>
+              <td class="number">{text(values.length > 0 ? Math.min(...values) : '-')}</td>
+              <td class="number">{text(values.length > 0 ? Math.max(...values) : '-')}</td>
+            </tr>
+          );
+        })}
+      </tbody>
+    </table>
+  );
+}
+
+export function Chart({ status }: { status: Status }) {
+  const choices = choicesOf(status);
+  const [wanted, setWanted] = useState('');
+  const choice = choices.find(({ label }) => label === wanted) ?? choices[0]!;
+  const isDark = useIsDark();
+  const place = useRef<HTMLDivElement>(null);
+  const plot = useRef<uPlot>();
+  const shape = `${choice.label} ${choice.curves.length} ${isDark}`;
+  void samples.value;
+  const points = choice.curves.map(({ name }) => history.points(name));
+
+  useLayoutEffect(() => {
+    const { current } = place;
+    if (!current) {
+      return;
+    }
+    const made = new uPlot(optionsOf(choice, current.clientWidth), dataOf(points), current);
+    plot.current = made;
+    const observer = new ResizeObserver(() => made.setSize({ width: current.clientWidth, height }));
+    observer.observe(current);
+    return () => {
+      observer.disconnect();
+      made.destroy();
+    };
+  }, [shape]);
+  useEffect(() => plot.current?.setData(dataOf(points)), [samples.value, shape]);
+
+  return (
+    <section aria-labelledby="curves">
+      <div class="section-head">
+        <h2 id="curves">Last hour</h2>
+        <span>
+          <label for="quantity">Quantity</label>{' '}
+          <select
+            id="quantity"
+            value={choice.label}
+            onChange={(event) => setWanted(event.currentTarget.value)}
+          >
+            {choices.map(({ label }) => (
+              <option key={label} value={label}>
+                {label}
+              </option>
+            ))}
+          </select>
+        </span>
+      </div>
+      <div ref={place} class="chart" role="img" aria-label={`Curve: ${choice.label}`} />
+      <Numbers choice={choice} points={points} />
+      <p class="dim">Kept in this browser while the page is open.</p>
+    </section>
+  );
+}

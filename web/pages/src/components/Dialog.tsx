@@ -1,0 +1,65 @@
+// A modal dialog: focus goes in, stays in, and comes back to where it was.
+import type { ComponentChildren } from 'preact';
+import { useId, useLayoutEffect, useRef } from 'preact/hooks';
+
+interface Props {
+  title: string;
+  onClose: () => void;
+  /** The buttons; the first is focused. */
+  actions: ComponentChildren;
+  children: ComponentChildren;
+}
+
+export function Dialog({ title, onClose, actions, children }: Props) {
+  const ref = useRef<HTMLDialogElement>(null);
+  const id = useId();
+  useLayoutEffect(() => {
+    const dialog = ref.current;
+    dialog?.showModal();
+    dialog?.querySelector<HTMLElement>('.actions button')?.focus();
+    return () => dialog?.close();
+  }, []);
+  const cancel = (event: Event): void => {
+    event.preventDefault();
+    onClose();
+  };
+  return (
+    <dialog ref={ref} aria-labelledby={id} onCancel={cancel}>
+      <h2 id={id}>{title}</h2>
+      <div class="dialog-body">{children}</div>
+      <div class="actions">{actions}</div>
+    </dialog>
+  );
+}
+
+/** A dialog with one question: yes does it, no and Escape do nothing. */
+export function Confirm(props: {
+  title: string;
+  yes: string;
+  isDanger?: boolean;
+  isDisabled?: boolean;
+  onYes: () => void;
+  onNo: () => void;
+  children: ComponentChildren;
+}) {
+  const actions = (
+    <>
+      <button type="button" onClick={props.onNo}>
+        Cancel
+      </button>
+      <button
+        type="button"
+        class={props.isDanger ? 'danger' : 'primary'}
+        disabled={props.isDisabled}
+        onClick={props.onYes}
+      >
+        {props.yes}
+      </button>
+    </>
+  );
+  return (
+    <Dialog title={props.title} onClose={props.onNo} actions={actions}>
+      {props.children}
+    </Dialog>
+  );
+}

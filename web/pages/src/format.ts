@@ -1,0 +1,51 @@
+// Values as a person reads them.
+import type { Real, SetpointAndActual } from './documents';
+
+export const notAvailable = 'not available';
+
+/** A value with a fixed number of decimals; `-` is said in words. */
+export function formatReal(value: Real | undefined, decimals: number): string {
+  return typeof value === 'number' ? value.toFixed(decimals).replace('-', '−') : notAvailable;
+}
+
+export interface Deviation {
+  level: 'good' | 'off' | 'none';
+  text: string;
+}
+
+/** How an actual value stands to its setpoint; `tolerance` is what still counts as reached. */
+export function deviationOf(
+  pair: SetpointAndActual,
+  tolerance: number,
+  decimals: number,
+): Deviation {
+  if (typeof pair.Setpoint !== 'number' || typeof pair.Actual !== 'number') {
+    return { level: 'none', text: notAvailable };
+  }
+  const difference = pair.Actual - pair.Setpoint;
+  if (Math.abs(difference) <= tolerance) {
+    return { level: 'good', text: 'at setpoint' };
+  }
+  const side = difference > 0 ? 'above' : 'below';
+  return { level: 'off', text: `${Math.abs(difference).toFixed(decimals)} ${side}` };
+}
+
+/** A span of time: `37 s`, `2 min 05 s`, `1 h 02 min`. */
+export function formatSpan(seconds: number): string {
+  const whole = Math.max(0, Math.floor(seconds));
+  const two = (part: number): string => String(part).padStart(2, '0');
+  if (whole < 60) {
+    return `${whole} s`;
+  }
+  if (whole < 3600) {
+    return `${Math.floor(whole / 60)} min ${two(whole % 60)} s`;
+  }
+  return `${Math.floor(whole / 3600)} h ${two(Math.floor((whole % 3600) / 60))} min`;
+}
+
+/** Where the automation stands; its three numbers are 0 when it is not under way. */
+export function formatPosition(line: number, replicate: number, table: number): string {
+  return line === 0 && replicate === 0 && table === 0
+    ? 'not under way'
+    : `line ${line}, run ${replicate} of it, table pass ${table}`;
+}

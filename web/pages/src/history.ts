@@ -1,0 +1,91 @@
+// The last hour of the measured values, kept in the browser's memory.
+import { channelKeys, type Real, type Status } from './documents';
+
+export const historySeconds = 3600;
+
+/** Seconds without a value after which a curve is broken. */
+const longestGap = 20;
+
+export type Points = { times: number[]; values: (number | null)[] };
+
+/** A ring of samples: the newest replaces the oldest when `capacity` is used up. */
+export class History {
+  private readonly times: Float64Array;
+  private readonly series = new Map<string, Float64Array>();
+  private begin = 0;
+  private count = 0;
+
+  constructor(private readonly capacity: number) {
+    this.times = new Float64Array(capacity);
+  }
+
+  /** Adds a sample; `time` is in seconds and never less than the last one's. */
+  add(time: number, values: ReadonlyMap<string, Real>): void {
+    const last = this.count === 0 ? time : this.times[this.place(this.count - 1)]!;
+    if (time - last > longestGap) {
+      this.append((last + time) / 2, new Map());
+    }
+    this.append(time, values);
+    while (this.count > 0 && this.times[this.begin]! < time - historySeconds) {
+      this.begin = (this.begin + 1) % this.capacity;
+      this.count--;
+    }
+  }
+
+  /** The samples of one series, oldest first; null where it has no value. */
+  points(name: string): Points {
+    const column = this.series.get(name);
+    const points: Points = { times: [], values: [] };
+    for (let index = 0; index < this.count; index++) {
+      const place = this.place(index);
+      const value = column?.[place] ?? NaN;
+      points.times.push(this.times[place]!);
+      points.values.push(Number.isNaN(value) ? null : value);
+    }
+    return points;
+  }
+
+  private place(index: number): number {
+    return (this.begin + index) % this.capacity;
+  }
+
+  private append(time: number, values: ReadonlyMap<string, Real>): void {
+    for (const name of values.keys()) {
+      if (!this.series.has(name)) {
+        this.series.set(name, new Float64Array(this.capacity).fill(NaN));
+      }
+    }
+    const place = this.place(this.count);
+    this.times[place] = time;
+    for (const [name, column] of this.series) {
+      const value = values.get(name);
+      column[place] = typeof value === 'number' ? value : NaN;
+    }
+    if (this.count < this.capacity) {
+      this.count++;
+    } else {
+      this.begin = (this.begin + 1) % this.capacity;
+    }
+  }
+}
+
+/** The measured values of a status by name: `Channel1.Column_temp.Actual`, `Ambient_temp`, ... */
+export function measurementsOf(status: Status): Map<string, Real> {
+  const values = new Map<string, Real>([
+    ['Ambient_temp', status.Ambient_temp],
+    ['Ambient_press', status.Ambient_press],
+    ['Sample_line_temp.Setpoint', status.Sample_line_temp.Setpoint],
+    ['Sample_line_temp.Actual', status.Sample_line_temp.Actual],
+  ]);
+  for (const key of channelKeys) {
+    const channel = status[key];
+    if (channel) {
+      for (const quantity of ['Column_temp', 'Column_press', 'Injector_temp'] as const) {
+        values.set(`${key}.${quantity}.Setpoint`, channel[quantity].Setpoint);
+        values.set(`${key}.${quantity}.Actual`, channel[quantity].Actual);
+      }
+      values.set(`${key}.Auto_zero`, channel.TCD.Auto_zero);
+    }
+  }
+  return values;
+}

@@ -1,0 +1,10 @@
+// Starts the pages.
+import { render } from 'preact';
+import { App } from './App';
+import { warnBeforeLeaving } from './editors';
+import { start } from './store';
+import './style.css';
+
+start();
+warnBeforeLeaving();
+render(<App />, document.body);

@@ -1,0 +1,153 @@
+// The instrument's alarms, and their reset.
+import { useEffect, useState } from 'preact/hooks';
+import { getReport, type Fault } from '../api';
+import { ActionButton } from '../components/ActionButton';
+import { Confirm } from '../components/Dialog';
+import type { Alarm, Alarms } from '../documents';
+import { command, describeFault, status } from '../store';
+
+/** Milliseconds between two looks at the table while nothing else asks for one. */
+const interval = 15_000;
+
+/** The texts begin with their numbers, which say nothing to a reader. */
+function withoutNumber(text: string): string {
+  return text.replace(/^-?\d+\. /, '');
+}
+
+function nameOf(alarm: Alarm): string {
+  const group = withoutNumber(alarm.GroupStr);
+  const parameter = alarm.ParamStr === '--' ? group : withoutNumber(alarm.ParamStr);
+  return group === parameter ? group : `${group}: ${parameter}`;
+}
+
+function AlarmTable({ id, title, alarms }: { id: string; title: string; alarms: Alarm[] }) {
+  return (
+    <section aria-labelledby={id}>
+      <h2 id={id}>
+        {title} ({alarms.length})
+      </h2>
+      {alarms.length > 0 && (
+        <table>
+          <thead>
+            <tr>
+              <th scope="col">State</th>
+              <th scope="col">Group</th>
+              <th scope="col">Alarm</th>
+              <th scope="col">Runs watched</th>
+            </tr>
+          </thead>
+          <tbody>
+            {alarms.map((alarm, index) => (
+              <tr key={index}>
+                <td class={alarm.Triggered ? 'deviation off' : undefined}>
+                  {alarm.Triggered ? 'active' : 'not active'}
+                </td>
+                <td>{alarm.GroupStr}</td>
+                <td class="text">
+                  {alarm.ParamStr === '--' ? 'no such parameter' : alarm.ParamStr}
+                </td>
+                <td>{alarm.SampleType}</td>
+              </tr>
+            ))}
+          </tbody>
+        </table>
+      )}
+    </section>
+  );
+}
+
+export function AlarmsPage() {
+  const [alarms, setAlarms] = useState<Alarms>();
+  const [fault, setFault] = useState<Fault>();
+  const [isAsking, setIsAsking] = useState(false);
+  const [outcome, setOutcome] = useState('');
+
+  const load = async (): Promise<Alarm[] | undefined> => {
+    const answer = await getReport<Alarms>('/api/alarms', 'total');
+    if (answer.ok) {
+      setAlarms(answer.value);
+      setFault(undefined);
+      return (answer.value.rows ?? []).filter(({ Triggered }) => Triggered);
+    }
+    setFault(answer.fault);
+    return undefined;
+  };
+  const reset = async (): Promise<void> => {
+    setIsAsking(false);
+    setOutcome('');
+    const send = { method: 'POST', path: 'alarm-reset', body: {} } as const;
+    const answer = await command('Reset of all alarms', send);
+    const active = await load();
+    if (answer.ok && active) {
+      setOutcome(
+        active.length === 0
+          ? 'All alarms are reset, and none came back.'
+          : `Still active after the reset, because the cause persists: ${active.map(nameOf).join('; ')}.`,
+      );
+    }
+  };
+
+  // Whenever the overall alarm comes or goes, and now and then.
+  useEffect(() => {
+    void load();
+    const timer = setInterval(() => {
+      if (!document.hidden) {
+        void load();
+      }
+    }, interval);
+    return () => clearInterval(timer);
+  }, [status.value?.Alarm_overall]);
+
+  const rows = alarms?.rows ?? [];
+  const active = rows.filter(({ Triggered }) => Triggered);
+  return (
+    <>
+      <div role="alert">{fault && <p class="message bad">{describeFault(fault)}</p>}</div>
+      <div role="status" data-testid="reset-outcome">
+        {outcome && <p class="message">{outcome}</p>}
+      </div>
+      <div class="toolbar">
+        <ActionButton
+          action="alarm-reset"
+          label="Reset all alarms…"
+          reason={active.length === 0 ? 'No alarm is active.' : ''}
+          onClick={() => setIsAsking(true)}
+        />
+      </div>
+      {alarms && rows.length === 0 && <p>No alarm is defined, or alarms are switched off.</p>}
+      {alarms && rows.length > 0 && (
+        <>
+          <AlarmTable id="active" title="Active" alarms={active} />
+          <AlarmTable
+            id="others"
+            title="Not active"
+            alarms={rows.filter(({ Triggered }) => !Triggered)}
+          />
+        </>
+      )}
+      {alarms && alarms.total > rows.length && rows.length > 0 && (
+        <p>
+          The instrument has {alarms.total} alarms; the first {rows.length} are shown.
+        </p>
+      )}
+      {isAsking && (
+        <Confirm
+          title="Reset all alarms?"
+          yes="Reset"
+          onYes={() => void reset()}
+          onNo={() => setIsAsking(false)}
+        >
+          <p>These are active and will be reset:</p>
+          <ul>
+            {active.map((alarm, index) => (
+              <li key={index} class="text">
+                {nameOf(alarm)}
+              </li>
+            ))}
+          </ul>
+          <p>An alarm whose cause persists comes back at once.</p>
+        </Confirm>
+      )}
+    </>
+  );
+}

@@ -1,0 +1,264 @@
+// Starting runs, switching the stream, loading a solution.
+import { useId, useState } from 'preact/hooks';
+import { getReport } from '../api';
+import { ActionButton } from '../components/ActionButton';
+import { Confirm } from '../components/Dialog';
+import { Progress } from '../components/Progress';
+import { SequenceLines } from '../components/SequenceLines';
+import type { Sequence, Status } from '../documents';
+import { followAutomation, followRun, followSolution, followStream } from '../follow';
+import { formatSpan } from '../format';
+import { command, configuration, describeFault, status } from '../store';
+import { lastSlot } from '../tables';
+
+/** The gateway takes no stream above this. */
+const lastStream = 46;
+
+/** What is asked before it is done. */
+type Question =
+  | { kind: 'single' | 'calibration'; stream: number }
+  | { kind: 'automation'; sequence: Sequence }
+  | { kind: 'solution'; slot: number };
+
+function streamsOf(current: Status): number[] {
+  const { Stream_configured: isConfigured, Stream_max: max } = configuration.value ?? {};
+  const streams = isConfigured
+    ? Array.from({ length: Math.min(Math.max(max ?? 0, 0), lastStream) }, (_, index) => index + 1)
+    : [];
+  return streams.includes(current.Curr_stream) ? streams : [current.Curr_stream, ...streams];
+}
+
+function NumberSelect(props: {
+  label: string;
+  value: number;
+  values: readonly number[];
+  onChange: (value: number) => void;
+}) {
+  const id = useId();
+  return (
+    <>
+      <label for={id}>{props.label}</label>{' '}
+      <select
+        id={id}
+        value={props.value}
+        onChange={(event) => props.onChange(Number(event.currentTarget.value))}
+      >
+        {props.values.map((value) => (
+          <option key={value} value={value}>
+            {value}
+          </option>
+        ))}
+      </select>
+    </>
+  );
+}
+
+function startRun(type: 'single' | 'calibration', stream: number): void {
+  const name = type === 'single' ? 'Single run' : 'Calibration';
+  const send = { method: 'POST', path: 'run', body: { type, stream } } as const;
+  void command(`${name} on stream ${stream}`, send, (before) => followRun(type, stream, before));
+}
+
+function startAutomation(): void {
+  const send = { method: 'POST', path: 'run', body: { type: 'automation' } } as const;
+  void command('Automation', send, followAutomation);
+}
+
+function switchStream(stream: number): void {
+  const send = { method: 'PUT', path: 'stream', body: { stream } } as const;
+  void command(`Stream ${stream}`, send, () => followStream(stream));
+}
+
+function loadSolution(solution: number): void {
+  const send = { method: 'PUT', path: 'solution', body: { solution } } as const;
+  void command(`Solution ${solution}`, send, () => followSolution(solution));
+}
+
+function Ask({ question, onDone }: { question: Question; onDone: () => void }) {
+  const total = formatSpan(status.value?.Total_run_time ?? 0);
+  const yes = (act: () => void) => (): void => {
+    onDone();
+    act();
+  };
+  switch (question.kind) {
+    case 'single': {
+      const { stream } = question;
+      return (
+        <Confirm
+          title="Start a single run?"
+          yes="Start"
+          onYes={yes(() => startRun('single', stream))}
+          onNo={onDone}
+        >
+          <p>
+            One analysis on stream {stream}, {total}.
+          </p>
+        </Confirm>
+      );
+    }
+    case 'calibration': {
+      const { stream } = question;
+      return (
+        <Confirm
+          title="Start a calibration?"
+          yes="Start"
+          onYes={yes(() => startRun('calibration', stream))}
+          onNo={onDone}
+        >
+          <p>
+            Two calibration runs at level 1 on stream {stream}, {total} each. The calibration gas
+            must be connected there. The coefficients of all peaks are set anew.
+          </p>
+        </Confirm>
+      );
+    }
+    case 'automation':
+      return (
+        <Confirm
+          title="Start the automation?"
+          yes="Start"
+          onYes={yes(startAutomation)}
+          onNo={onDone}
+        >
+          <SequenceLines sequence={question.sequence} />
+        </Confirm>
+      );
+    case 'solution': {
+      const { slot } = question;
+      return (
+        <Confirm
+          title={`Load solution ${slot}?`}
+          yes="Load"
+          onYes={yes(() => loadSolution(slot))}
+          onNo={onDone}
+        >
+          <p>The solution of slot {slot} replaces the one in use.</p>
+        </Confirm>
+      );
+    }
+  }
+}
+
+export function RunPage() {
+  const [question, setQuestion] = useState<Question>();
+  const [runStream, setRunStream] = useState<number>();
+  const [valveStream, setValveStream] = useState<number>();
+  const [slot, setSlot] = useState(0);
+  const [sequenceFault, setSequenceFault] = useState('');
+  const current = status.value;
+  if (!current) {
+    return <p>Waiting for the first answer of the instrument.</p>;
+  }
+  const forRun = runStream ?? current.Curr_stream;
+  const forValve = valveStream ?? current.Curr_stream;
+  const streams = streamsOf(current);
+  const hasSelector = configuration.value?.Stream_configured ?? false;
+
+  const askAutomation = async (): Promise<void> => {
+    const answer = await getReport<Sequence>('/api/sequence', 'Table_repeat');
+    setSequenceFault(answer.ok ? '' : describeFault(answer.fault));
+    if (answer.ok) {
+      setQuestion({ kind: 'automation', sequence: answer.value });
+    }
+  };
+
+  return (
+    <>
+      <section class="card wide live" aria-labelledby="now">
+        <h2 id="now">Now</h2>
+        <dl class="facts inline">
+          <dt>State</dt>
+          <dd>{current.GC_state}</dd>
+          <dt>Run</dt>
+          <dd>
+            <Progress status={current} />
+          </dd>
+          <dt>Stream</dt>
+          <dd data-testid="stream">{current.Curr_stream}</dd>
+        </dl>
+      </section>
+      <div class="cards">
+        <section class="card" aria-labelledby="start">
+          <h2 id="start">Start a run</h2>
+          <p>
+            <NumberSelect
+              label="On stream"
+              value={forRun}
+              values={streams}
+              onChange={setRunStream}
+            />
+          </p>
+          <div class="act">
+            <ActionButton
+              action="start-run"
+              label="Start single run…"
+              kind="primary"
+              onClick={() => setQuestion({ kind: 'single', stream: forRun })}
+            />
+          </div>
+          <div class="act">
+            <ActionButton
+              action="start-run"
+              label="Start calibration…"
+              onClick={() => setQuestion({ kind: 'calibration', stream: forRun })}
+            />
+          </div>
+        </section>
+        <section class="card" aria-labelledby="automation">
+          <h2 id="automation">Start the automation</h2>
+          <p>
+            Runs the <a href="#/sequence">sequence</a> that the instrument has.
+          </p>
+          <div class="act">
+            <ActionButton
+              action="start-automation"
+              label="Start automation…"
+              kind="primary"
+              onClick={() => void askAutomation()}
+            />
+          </div>
+          <div role="alert">{sequenceFault && <p class="message bad">{sequenceFault}</p>}</div>
+        </section>
+        <section class="card" aria-labelledby="valve">
+          <h2 id="valve">Stream valve</h2>
+          <p>
+            <NumberSelect
+              label="Stream"
+              value={forValve}
+              values={streams}
+              onChange={setValveStream}
+            />
+          </p>
+          <div class="act">
+            <ActionButton
+              action="stream"
+              label="Switch"
+              reason={hasSelector ? '' : 'The instrument has no stream selector.'}
+              onClick={() => switchStream(forValve)}
+            />
+          </div>
+        </section>
+        <section class="card" aria-labelledby="solution">
+          <h2 id="solution">Solution</h2>
+          <p>
+            <NumberSelect
+              label="Slot"
+              value={slot}
+              values={Array.from({ length: lastSlot + 1 }, (_, index) => index)}
+              onChange={setSlot}
+            />
+          </p>
+          <div class="act">
+            <ActionButton
+              action="solution"
+              label="Load…"
+              onClick={() => setQuestion({ kind: 'solution', slot })}
+            />
+          </div>
+          <p class="dim">No report tells which solution is in use.</p>
+        </section>
+      </div>
+      {question && <Ask question={question} onDone={() => setQuestion(undefined)} />}
+    </>
+  );
+}

@@ -1,0 +1,217 @@
+// Editing the sequence or the calibration.
+import { useEffect, useRef } from 'preact/hooks';
+import { ActionButton } from '../components/ActionButton';
+import { Confirm, Dialog } from '../components/Dialog';
+import { DiffTable } from '../components/DiffTable';
+import { CellInput, Grid } from '../components/Grid';
+import { isEmptyDiff } from '../diff';
+import type { Editor, Review } from '../editor';
+import { addRow, setCell } from '../table';
+
+function save(name: string, text: string): void {
+  const url = URL.createObjectURL(new Blob([text], { type: 'application/json' }));
+  const link = document.createElement('a');
+  link.href = url;
+  link.download = name;
+  link.click();
+  URL.revokeObjectURL(url);
+}
+
+function HeaderFields({ editor }: { editor: Editor }) {
+  const draft = editor.draft.value!;
+  return (
+    <div class="fields">
+      {editor.layout.value.header.map((column) => {
+        const { key, label } = column;
+        const problem = editor.problems.value.find((one) => one.rowId === null && one.key === key);
+        const problemId = problem && `problem-${key}`;
+        return (
+          <div key={key}>
+            <label for={`field-${key}`}>{label}</label>{' '}
+            <CellInput
+              id={`field-${key}`}
+              column={column}
+              text={draft.header[key] ?? ''}
+              problemId={problemId}
+              onInput={(text) => (editor.draft.value = setCell(draft, null, key, text))}
+            />
+            {problem && (
+              <span id={problemId} class="problem">
+                {problem.text}
+              </span>
+            )}
+          </div>
+        );
+      })}
+    </div>
+  );
+}
+
+function ReviewDialog({ editor, review }: { editor: Editor; review: Review }) {
+  const close = (): void => {
+    editor.review.value = undefined;
+  };
+  const layout = editor.layout.value;
+  if (review.kind === 'conflict') {
+    const actions = (
+      <>
+        <button type="button" onClick={close}>
+          Cancel
+        </button>
+        <button type="button" onClick={() => void editor.load()}>
+          Load the instrument’s table
+        </button>
+        <button type="button" onClick={() => void editor.keepEdits(review.theirs)}>
+          Keep my table and compare again
+        </button>
+      </>
+    );
+    return (
+      <Dialog title="The instrument’s table has changed" onClose={close} actions={actions}>
+        <p>
+          Nothing was sent. Since the table was loaded here, somebody has changed on the instrument:
+        </p>
+        <DiffTable diff={review.diff} layout={layout} />
+      </Dialog>
+    );
+  }
+  const isSame = isEmptyDiff(review.diff);
+  return (
+    <Confirm
+      title={`Send the ${editor.kind.name}?`}
+      yes="Send"
+      onYes={() => void editor.send()}
+      onNo={close}
+    >
+      {isSame ? (
+        <p>The instrument already has this table. It would be written again.</p>
+      ) : (
+        <p>This changes on the instrument:</p>
+      )}
+      <DiffTable diff={review.diff} layout={layout} />
+      {editor.kind.name === 'calibration' && (
+        <p>The instrument clears all amounts first. The amounts of all peaks are sent.</p>
+      )}
+    </Confirm>
+  );
+}
+
+function MessageLine({ editor }: { editor: Editor }) {
+  const message = editor.message.value;
+  return (
+    <div role="status" data-testid="table-message">
+      {editor.busy.value && <p class="message waiting">{editor.busy.value}.</p>}
+      {message && <p class={`message ${message.kind}`}>{message.text}</p>}
+      {message?.diff && <DiffTable diff={message.diff} layout={editor.layout.value} />}
+    </div>
+  );
+}
+
+function Toolbar({ editor }: { editor: Editor }) {
+  const picker = useRef<HTMLInputElement>(null);
+  const isBusy = editor.busy.value !== '';
+  const problems = editor.problems.value.length;
+  const draft = editor.draft.value!;
+  const layout = editor.layout.value;
+  const pick = async (): Promise<void> => {
+    const file = picker.current?.files?.[0];
+    if (file) {
+      editor.import(file.name, await file.arrayBuffer());
+      picker.current!.value = '';
+    }
+  };
+  return (
+    <div class="toolbar" role="group" aria-label="Table">
+      {layout.mostRows > 0 && (
+        <button
+          type="button"
+          disabled={draft.rows.length >= layout.mostRows}
+          onClick={() => (editor.draft.value = addRow(draft, layout))}
+        >
+          Add {layout.rowName}
+        </button>
+      )}
+      <button type="button" disabled={isBusy} onClick={() => void editor.load()}>
+        {editor.isDirty.value ? 'Discard and reload' : 'Reload'}
+      </button>
+      <button type="button" disabled={isBusy} onClick={() => picker.current?.click()}>
+        Import…
+      </button>
+      <input
+        ref={picker}
+        type="file"
+        accept=".json,application/json"
+        aria-label="File to import"
+        class="hidden"
+        tabIndex={-1}
+        onChange={() => void pick()}
+      />
+      <button
+        type="button"
+        disabled={problems > 0}
+        onClick={() => save(`${editor.kind.name}.json`, editor.exported())}
+      >
+        Export
+      </button>
+      <ActionButton
+        action="send-table"
+        label="Compare and send…"
+        kind="primary"
+        reason={
+          problems > 0
+            ? `${problems} ${problems === 1 ? 'cell is' : 'cells are'} not right.`
+            : isBusy
+              ? `${editor.busy.value}.`
+              : ''
+        }
+        onClick={() => void editor.prepare()}
+      />
+    </div>
+  );
+}
+
+export function TablePage({ editor, hint }: { editor: Editor; hint: string }) {
+  useEffect(() => {
+    if (!editor.draft.value) {
+      void editor.load();
+    }
+  }, []);
+  const draft = editor.draft.value;
+  return (
+    <>
+      <MessageLine editor={editor} />
+      {draft ? (
+        <>
+          <Toolbar editor={editor} />
+          <p role="status">
+            {editor.isDirty.value
+              ? 'Changed here, not sent.'
+              : 'As on the instrument when it was read.'}
+          </p>
+          <fieldset disabled={editor.busy.value !== ''}>
+            <HeaderFields editor={editor} />
+            {draft.rows.length > 0 ? (
+              <Grid
+                caption={editor.kind.title}
+                layout={editor.layout.value}
+                draft={draft}
+                problems={editor.problems.value}
+                onChange={(changed) => (editor.draft.value = changed)}
+              />
+            ) : (
+              <p>The instrument has no {editor.layout.value.rowName}s.</p>
+            )}
+          </fieldset>
+          <p class="dim">{hint}</p>
+        </>
+      ) : (
+        !editor.busy.value && (
+          <button type="button" onClick={() => void editor.load()}>
+            Try again
+          </button>
+        )
+      )}
+      {editor.review.value && <ReviewDialog editor={editor} review={editor.review.value} />}
+    </>
+  );
+}

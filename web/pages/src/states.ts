@@ -1,0 +1,120 @@
+// What the texts of the status say about the instrument, and which action that allows.
+import type { Status } from './documents';
+
+/** The states of `GC_state` without their numbers; `Unknown` for any other text. */
+export const gcStates = [
+  'Initializing',
+  'Flushing',
+  'Running',
+  'Stabilizing',
+  'Ready',
+  'Error',
+  'Recoverable Error',
+  'Unrecoverable Error',
+  'Not Ready',
+  'Wait Ext Rdy',
+  'Cleaning',
+  'Unknown',
+] as const;
+export type GcState = (typeof gcStates)[number];
+
+export function gcStateOf(status: Status): GcState {
+  const text = status.GC_state.replace(/ -?\d+(s| min)$/, '');
+  return gcStates.find((state) => state === text) ?? 'Unknown';
+}
+
+/** The automation's state without its number. */
+export function autoStateOf(status: Status): string {
+  return status.Auto_state.replace(/ \d+s$/, '');
+}
+
+export function isError(status: Status): boolean {
+  return gcStateOf(status).endsWith('Error');
+}
+
+export function isIdle(status: Status): boolean {
+  return status.Auto_state === 'Idle';
+}
+
+/** Whether something goes on that ends by itself, and that a person waits for. */
+export function isRunning(status: Status): boolean {
+  return ['Running', 'Flushing'].includes(gcStateOf(status)) || !isIdle(status);
+}
+
+export function isSimulated(status: Status): boolean {
+  return status.Application.includes('(simulated)');
+}
+
+export const actions = [
+  'start-run',
+  'start-automation',
+  'abort-now',
+  'abort-after-run',
+  'stream',
+  'solution',
+  'alarm-reset',
+  'send-table',
+] as const;
+export type Action = (typeof actions)[number];
+
+interface Rule {
+  /** States in which the instrument takes it. */
+  states: readonly GcState[];
+  /** What the automation must be doing. */
+  automation: 'idle' | 'under way' | 'any';
+  /** Why not, when the state is another one. */
+  reason: string;
+}
+
+const quiet = ['Stabilizing', 'Ready', 'Not Ready', 'Wait Ext Rdy'] as const;
+const settings = [...quiet, 'Error', 'Recoverable Error'] as const;
+
+/** A state that nobody knows forbids what starts something, and never what stops it. */
+const rules: Readonly<Record<Action, Rule>> = {
+  'start-run': { states: ['Ready'], automation: 'idle', reason: 'A run starts only from Ready.' },
+  'start-automation': {
+    states: ['Ready'],
+    automation: 'idle',
+    reason: 'The automation starts only from Ready.',
+  },
+  'abort-now': { states: gcStates, automation: 'any', reason: '' },
+  'abort-after-run': { states: gcStates, automation: 'under way', reason: '' },
+  stream: {
+    states: settings,
+    automation: 'idle',
+    reason: 'The stream can be switched only while nothing runs.',
+  },
+  solution: {
+    states: quiet,
+    automation: 'idle',
+    reason: 'A solution can be loaded only while nothing runs and there is no error.',
+  },
+  'alarm-reset': { states: gcStates, automation: 'any', reason: '' },
+  'send-table': {
+    states: settings,
+    automation: 'idle',
+    reason: 'The instrument takes tables only while nothing runs.',
+  },
+};
+
+/** Why the instrument would not take the action now; empty when it would. */
+export function reasonAgainst(action: Action, status: Status): string {
+  const rule = rules[action];
+  if (
+    action === 'abort-now' &&
+    isIdle(status) &&
+    (quiet as readonly string[]).includes(gcStateOf(status))
+  ) {
+    return 'Nothing is running.';
+  }
+  if (rule.automation === 'under way' && isIdle(status)) {
+    return 'The automation is not under way.';
+  }
+  if (rule.automation === 'idle' && !isIdle(status)) {
+    return `${rule.reason} The automation is: ${status.Auto_state}.`;
+  }
+  if (!rule.states.includes(gcStateOf(status))) {
+    return `${rule.reason} The state is: ${status.GC_state}.`;
+  }
+  return '';
+}

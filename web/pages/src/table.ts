@@ -1,0 +1,188 @@
+// A table that is being edited: texts in cells, what is wrong with them, and the operations on rows.
+import { problemsOf, schemaAt, type Schema } from './schema';
+
+export type Value = string | number | boolean;
+export type Values = Readonly<Record<string, Value>>;
+
+/** A table with its values, as the instrument has it or shall get it. */
+export interface Table {
+  header: Values;
+  rows: readonly Values[];
+}
+
+export interface Column {
+  key: string;
+  label: string;
+  kind: 'integer' | 'real' | 'choice' | 'flag' | 'text';
+  isEditable: boolean;
+  /** Whether a difference in it counts; what the instrument computes itself does not. */
+  isCompared: boolean;
+  /** Where the file's schema has it; only of what is editable. */
+  schema?: string;
+  choices?: readonly string[];
+  /** What the instrument is known to take: a row that it refuses leaves half a table behind. */
+  minimum?: number;
+  maximum?: number;
+}
+
+/** What makes one kind of table. */
+export interface Layout {
+  schema: Schema;
+  header: readonly Column[];
+  columns: readonly Column[];
+  /** How many rows there can be; rows cannot be added, removed or moved when both are the same. */
+  leastRows: number;
+  mostRows: number;
+  /** What one row is called. */
+  rowName: string;
+  /** What a new row holds. */
+  emptyRow: Values;
+}
+
+export interface Row {
+  /** Stays with the row wherever it moves. */
+  id: number;
+  cells: Readonly<Record<string, string>>;
+}
+
+export interface Draft {
+  header: Readonly<Record<string, string>>;
+  rows: readonly Row[];
+  nextId: number;
+}
+
+export interface CellProblem {
+  /** The row, or null for the header. */
+  rowId: number | null;
+  key: string;
+  text: string;
+}
+
+function textsOf(values: Values): Record<string, string> {
+  return Object.fromEntries(Object.entries(values).map(([key, value]) => [key, String(value)]));
+}
+
+export function draftOf(table: Table): Draft {
+  return {
+    header: textsOf(table.header),
+    rows: table.rows.map((row, index) => ({ id: index, cells: textsOf(row) })),
+    nextId: table.rows.length,
+  };
+}
+
+/** The value that a cell's text stands for; a text that stands for none is given back as it is. */
+export function valueOf(text: string, kind: Column['kind']): Value {
+  const trimmed = text.trim();
+  switch (kind) {
+    case 'integer':
+      return /^[+-]?\d+$/.test(trimmed) ? Number(trimmed) : text;
+    case 'real':
+      return /^[+-]?(\d+\.?\d*|\.\d+)(e[+-]?\d+)?$/i.test(trimmed) ? Number(trimmed) : text;
+    case 'flag':
+      return text === 'true';
+    default:
+      return text;
+  }
+}
+
+/** What is wrong with a cell's text; empty when nothing is. */
+export function cellProblem(text: string, column: Column, schema: Schema): string {
+  if (!column.isEditable || column.schema === undefined) {
+    return '';
+  }
+  const value = valueOf(text, column.kind);
+  if (column.kind === 'real' && typeof value !== 'number') {
+    // The schema lets "-" pass, with which the instrument would be left without the value.
+    return 'must be a number';
+  }
+  if (column.choices && !column.choices.includes(text)) {
+    return `must be one of ${column.choices.join(', ')}`;
+  }
+  const [problem] = problemsOf(value, schemaAt(schema, column.schema), schema);
+  if (problem) {
+    return problem.text;
+  }
+  if (column.minimum !== undefined && (value as number) < column.minimum) {
+    return `must be at least ${column.minimum}`;
+  }
+  if (column.maximum !== undefined && (value as number) > column.maximum) {
+    return `must be at most ${column.maximum}`;
+  }
+  return '';
+}
+
+export function problemsOfDraft(draft: Draft, layout: Layout): CellProblem[] {
+  const check = (
+    cells: Readonly<Record<string, string>>,
+    columns: readonly Column[],
+    rowId: number | null,
+  ): CellProblem[] =>
+    columns
+      .map(({ key }, n) => ({
+        rowId,
+        key,
+        text: cellProblem(cells[key] ?? '', columns[n]!, layout.schema),
+      }))
+      .filter(({ text }) => text !== '');
+  return [
+    ...check(draft.header, layout.header, null),
+    ...draft.rows.flatMap((row) => check(row.cells, layout.columns, row.id)),
+  ];
+}
+
+/** The values of a draft without problems. */
+export function tableOf(draft: Draft, layout: Layout): Table {
+  const values = (cells: Readonly<Record<string, string>>, columns: readonly Column[]): Values =>
+    Object.fromEntries(columns.map(({ key, kind }) => [key, valueOf(cells[key] ?? '', kind)]));
+  return {
+    header: values(draft.header, layout.header),
+    rows: draft.rows.map((row) => values(row.cells, layout.columns)),
+  };
+}
+
+export function setCell(draft: Draft, rowId: number | null, key: string, text: string): Draft {
+  if (rowId === null) {
+    return { ...draft, header: { ...draft.header, [key]: text } };
+  }
+  const rows = draft.rows.map((row) =>
+    row.id === rowId ? { ...row, cells: { ...row.cells, [key]: text } } : row,
+  );
+  return { ...draft, rows };
+}
+
+function insertAt(draft: Draft, index: number, cells: Row['cells']): Draft {
+  const rows = [...draft.rows];
+  rows.splice(index, 0, { id: draft.nextId, cells });
+  return { ...draft, rows, nextId: draft.nextId + 1 };
+}
+
+export function addRow(draft: Draft, layout: Layout): Draft {
+  return draft.rows.length >= layout.mostRows
+    ? draft
+    : insertAt(draft, draft.rows.length, textsOf(layout.emptyRow));
+}
+
+/** Puts a copy of a row below it. */
+export function duplicateRow(draft: Draft, layout: Layout, rowId: number): Draft {
+  const index = draft.rows.findIndex(({ id }) => id === rowId);
+  const row = draft.rows[index];
+  return row && draft.rows.length < layout.mostRows ? insertAt(draft, index + 1, row.cells) : draft;
+}
+
+export function removeRow(draft: Draft, layout: Layout, rowId: number): Draft {
+  return draft.rows.length <= layout.leastRows
+    ? draft
+    : { ...draft, rows: draft.rows.filter(({ id }) => id !== rowId) };
+}
+
+/** Moves a row up (-1) or down (1); at the end it stays. */
+export function moveRow(draft: Draft, rowId: number, by: -1 | 1): Draft {
+  const from = draft.rows.findIndex(({ id }) => id === rowId);
+  const to = from + by;
+  if (from < 0 || to < 0 || to >= draft.rows.length) {
+    return draft;
+  }
+  const rows = [...draft.rows];
+  rows.splice(to, 0, ...rows.splice(from, 1));
+  return { ...draft, rows };
+}

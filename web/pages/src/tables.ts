@@ -1,0 +1,228 @@
+// The two tables of the instrument: their layouts, and their documents to and from a table.
+import calibrationSchema from '../../../docs/schemas/calibration-file.schema.json';
+import sequenceSchema from '../../../docs/schemas/sequence-file.schema.json';
+import { fileLimit, type Calibration, type Configuration, type Sequence } from './documents';
+import { problemsOf, type Schema } from './schema';
+import type { Column, Layout, Table, Values } from './table';
+
+/** How many lines a download takes. */
+const sequenceLines = 20;
+
+/** Slots of solutions are 0 to this. */
+export const lastSlot = 10;
+
+/** One kind of table, with its way to and from the gateway. */
+export interface TableKind {
+  name: 'sequence' | 'calibration';
+  title: string;
+  layout: (configuration: Configuration | undefined) => Layout;
+  fromReport: (document: object) => Table;
+  /** The file that the gateway takes, and that is exported. */
+  toFile: (table: Table) => string;
+  /** A table from the contents of a file; `current` is what the instrument has. */
+  fromFile: (document: unknown, current: Table) => Table;
+}
+
+const line = '#/definitions/lineToWrite/properties/';
+const editable = { isEditable: true, isCompared: true };
+const computed = { isEditable: false, isCompared: false };
+
+const emptyLine: Values = { Type: 'Analysis', Repeat: 1, Stream: 1, Slot: 0, Flush_time: 0 };
+
+function sequenceLayout(configuration: Configuration | undefined): Layout {
+  const hasSelector = configuration?.Stream_configured ?? true;
+  const stream: Column = {
+    key: 'Stream',
+    label: 'Stream',
+    kind: 'integer',
+    ...editable,
+    schema: `${line}Stream`,
+    minimum: 0,
+    ...(configuration && hasSelector && { maximum: configuration.Stream_max }),
+  };
+  return {
+    schema: sequenceSchema as Schema,
+    rowName: 'line',
+    leastRows: 1,
+    // Without a stream selector the instrument shows one line, whatever it was sent.
+    mostRows: hasSelector ? sequenceLines : 1,
+    emptyRow: hasSelector ? emptyLine : { ...emptyLine, Stream: 0 },
+    header: [
+      {
+        key: 'Table_repeat',
+        label: 'Runs of the whole table',
+        kind: 'integer',
+        ...editable,
+        schema: '#/properties/Table_repeat',
+        minimum: 0,
+      },
+      {
+        key: 'Continuous',
+        label: 'Starts again after the last line',
+        kind: 'flag',
+        ...editable,
+        schema: '#/properties/Continuous',
+      },
+    ],
+    columns: [
+      {
+        key: 'Type',
+        label: 'Type',
+        kind: 'choice',
+        ...editable,
+        schema: `${line}Type`,
+        // "None" would be written as an analysis.
+        choices: ['Analysis', 'Calibration', 'Blank', 'Verification'],
+      },
+      {
+        key: 'Repeat',
+        label: 'Runs',
+        kind: 'integer',
+        ...editable,
+        schema: `${line}Repeat`,
+        minimum: 0,
+      },
+      stream,
+      {
+        key: 'Slot',
+        label: 'Solution',
+        kind: 'integer',
+        ...editable,
+        schema: `${line}Slot`,
+        minimum: 0,
+        maximum: lastSlot,
+      },
+      {
+        key: 'Flush_time',
+        label: 'Flush time',
+        kind: 'real',
+        ...editable,
+        schema: `${line}Flush_time`,
+        minimum: 0,
+      },
+    ],
+  };
+}
+
+/** Members that are left out count as the tool counts them. */
+function sequenceTable(document: Sequence): Table {
+  const rows = (document.rows ?? []).slice(0, Math.max(0, document.total));
+  return {
+    header: { Table_repeat: document.Table_repeat, Continuous: document.Continuous ?? false },
+    rows: rows.map((row) => ({
+      Type: row.Type ?? 'Analysis',
+      Repeat: row.Repeat ?? 0,
+      Stream: row.Stream ?? 0,
+      Slot: row.Slot ?? 0,
+      Flush_time: row.Flush_time ?? 0,
+    })),
+  };
+}
+
+/** One row a line: people read and compare these files. */
+function writeFile(members: Record<string, unknown>, rows: readonly Values[]): string {
+  const head = Object.entries({ ...members, total: rows.length })
+    .map(([key, value]) => `  ${JSON.stringify(key)}: ${JSON.stringify(value)},\n`)
+    .join('');
+  const body = rows.map((row) => `    ${JSON.stringify(row)}`).join(',\n');
+  return `{\n${head}  "rows": [\n${body}\n  ]\n}\n`;
+}
+
+export const sequenceKind: TableKind = {
+  name: 'sequence',
+  title: 'Sequence',
+  layout: sequenceLayout,
+  fromReport: (document) => sequenceTable(document as Sequence),
+  toFile: (table) => writeFile(table.header, table.rows),
+  fromFile: (document) => {
+    const table = sequenceTable(document as Sequence);
+    if (table.rows.length > sequenceLines) {
+      throw new Error(`It has ${table.rows.length} lines; the instrument takes ${sequenceLines}.`);
+    }
+    return table;
+  },
+};
+
+const peakKey = (row: { Channel?: unknown; ID?: unknown }): string => `${row.Channel}/${row.ID}`;
+
+export const calibrationKind: TableKind = {
+  name: 'calibration',
+  title: 'Calibration',
+  layout: () => ({
+    schema: calibrationSchema as Schema,
+    rowName: 'peak',
+    // Peaks come from the instrument's method: a download can only set their amounts.
+    leastRows: 0,
+    mostRows: 0,
+    emptyRow: {},
+    header: [],
+    columns: [
+      { key: 'Channel', label: 'Channel', kind: 'integer', isEditable: false, isCompared: true },
+      { key: 'ID', label: 'Peak', kind: 'integer', isEditable: false, isCompared: true },
+      { key: 'PkName', label: 'Name', kind: 'text', isEditable: false, isCompared: true },
+      {
+        key: 'Level_amt',
+        label: 'Amount, level 1',
+        kind: 'real',
+        ...editable,
+        schema: '#/definitions/level/properties/Level_amt',
+        minimum: 0,
+      },
+      { key: 'Ret_time', label: 'Retention time, s', kind: 'real', ...computed },
+      { key: 'Linear', label: 'Linear coefficient', kind: 'real', ...computed },
+    ],
+  }),
+  fromReport: (document) => ({
+    header: {},
+    rows: ((document as Calibration).rows ?? []).map((row) => ({
+      Channel: row.Channel,
+      ID: row.ID,
+      PkName: row.PkName ?? '',
+      Ret_time: row.Ret_time ?? '-',
+      Level_amt: row.Level_amt,
+      Linear: row.Linear ?? '-',
+    })),
+  }),
+  toFile: (table) => writeFile({}, table.rows),
+  // A download clears all amounts first: peaks that the file does not name keep what they have.
+  fromFile: (document, current) => {
+    const { rows = [], total } = document as Calibration;
+    const amounts = new Map(
+      rows.slice(0, Math.max(0, total)).map((row) => [peakKey(row), row.Level_amt]),
+    );
+    const known = new Set(current.rows.map(peakKey));
+    const unknown = [...amounts.keys()].filter((key) => !known.has(key));
+    if (unknown.length > 0) {
+      throw new Error(
+        `The instrument has no peak ${unknown.slice(0, 5).join(', ')} (channel/peak).`,
+      );
+    }
+    const isChanged = (row: Values): boolean => amounts.has(peakKey(row));
+    return {
+      header: {},
+      rows: current.rows.map((row) =>
+        isChanged(row) ? { ...row, Level_amt: amounts.get(peakKey(row))! } : row,
+      ),
+    };
+  },
+};
+
+/** Reads an imported file; throws an Error that says what is wrong with it. */
+export function readFile(octets: ArrayBuffer, kind: TableKind, current: Table): Table {
+  if (octets.byteLength > fileLimit) {
+    throw new Error(`It has ${octets.byteLength} octets; the gateway takes ${fileLimit}.`);
+  }
+  let document: unknown;
+  try {
+    document = JSON.parse(new TextDecoder('utf-8', { fatal: true }).decode(octets));
+  } catch {
+    throw new Error('It is not JSON in UTF-8.');
+  }
+  const { schema } = kind.layout(undefined);
+  const [problem, ...others] = problemsOf(document, schema, schema);
+  if (problem) {
+    const more = others.length > 0 ? `, and ${others.length} more` : '';
+    throw new Error(`${problem.path || 'The file'} ${problem.text}${more}.`);
+  }
+  return kind.fromFile(document, current);
+}

@@ -1,0 +1,133 @@
+import { afterEach, describe, expect, it, vi } from 'vitest';
+import { faultOf, getReport, sendCommand } from '../src/api';
+import type { Status } from '../src/documents';
+
+const answerWith = (status: number, body: string | null, headers: Record<string, string> = {}) => {
+  const fake = vi.fn(
+    async (_path: string, _init: RequestInit) => new Response(body, { status, headers }),
+  );
+  vi.stubGlobal('fetch', fake);
+  return fake;
+};
+const getStatus = () => getReport<Status>('/api/status', 'GC_state');
+
+afterEach(() => {
+  vi.unstubAllGlobals();
+});
+
+describe('reports', () => {
+  it('are documents, with their age if they were shared', async () => {
+    answerWith(200, '{"GC_state": "Ready"}', { Age: '2' });
+    expect(await getStatus()).toEqual({ ok: true, value: { GC_state: 'Ready' }, ageSeconds: 2 });
+  });
+
+  it.each(['<html>', '{"other": 1}', '[]', 'null', ''])('are not %j', async (body) => {
+    answerWith(200, body);
+    expect(await getStatus()).toEqual({
+      ok: false,
+      fault: { status: 200, text: 'The answer is not what was asked for.', detail: '/api/status' },
+    });
+  });
+
+  it('say that the instrument is not reachable', async () => {
+    answerWith(503, '{"ErrorCode": 10053, "Msg": "Unable to connect to GC!"}');
+    expect(await getStatus()).toEqual({
+      ok: false,
+      fault: {
+        status: 503,
+        text: 'The instrument is not reachable.',
+        detail: 'Unable to connect to GC! (error 10053)',
+      },
+    });
+  });
+
+  it('say that nobody answers', async () => {
+    vi.stubGlobal('fetch', async () => {
+      throw new TypeError('Failed to fetch');
+    });
+    expect(await getStatus()).toEqual({
+      ok: false,
+      fault: {
+        status: 0,
+        text: 'The web server does not answer.',
+        detail: 'The connection failed',
+      },
+    });
+  });
+
+  it('are given up after their time', async () => {
+    vi.stubGlobal('fetch', (_: string, { signal }: RequestInit) => {
+      return new Promise((_done, fail) =>
+        signal!.addEventListener('abort', () => fail(signal!.reason)),
+      );
+    });
+    expect(await getReport<Status>('/api/status', 'GC_state', 20)).toEqual({
+      ok: false,
+      fault: {
+        status: 0,
+        text: 'The web server does not answer.',
+        detail: 'No answer within 0.02 s',
+      },
+    });
+  });
+});
+
+describe('commands', () => {
+  it('carry what the gateway wants of them', async () => {
+    const fetched = answerWith(200, '{"ErrorCode": 0, "Msg": "Accepted"}');
+    await sendCommand('POST', 'run', '{"type":"single","stream":2}');
+    const [path, init] = fetched.mock.calls[0]!;
+    expect(path).toBe('/api/command/run');
+    expect(init.method).toBe('POST');
+    expect(init.body).toBe('{"type":"single","stream":2}');
+    expect(init.headers).toEqual({ 'Content-Type': 'application/json', 'X-GC-Request': '1' });
+  });
+
+  it('succeed by the HTTP status, whatever the words', async () => {
+    answerWith(200, '{"ErrorCode": 0, "Msg": "Refused"}');
+    expect((await sendCommand('PUT', 'solution', '{"solution":1}')).ok).toBe(true);
+    answerWith(204, null);
+    expect((await sendCommand('PUT', 'stream', '{"stream":1}')).ok).toBe(true);
+    answerWith(409, '{"ErrorCode": 207, "Msg": "Accepted"}');
+    expect((await sendCommand('PUT', 'solution', '{"solution":1}')).ok).toBe(false);
+  });
+
+  it('without an answer may have been carried out', async () => {
+    vi.stubGlobal('fetch', async () => {
+      throw new TypeError('Failed to fetch');
+    });
+    const answer = await sendCommand('POST', 'abort', '{"when":"now"}');
+    expect(!answer.ok && answer.fault.text).toBe(
+      'No answer came. The command may have been carried out: look at the state.',
+    );
+  });
+});
+
+describe('faults', () => {
+  it.each([
+    [409, { ErrorCode: 207, Msg: 'Refused' }, 'The instrument refused.', 'Refused (error 207)'],
+    [409, { ErrorCode: 207, Msg: 'Accepted' }, 'The instrument refused.', 'error 207'],
+    [
+      409,
+      { title: 'Refused', detail: 'the stream was not switched', 'status-of-instrument': 216 },
+      'The instrument refused.',
+      'Refused: the stream was not switched: status of the instrument: 216',
+    ],
+    [
+      403,
+      { title: 'Not allowed', detail: 'The password of the operator is not set up.' },
+      'You are not allowed to do this. Nothing was done.',
+      'Not allowed: The password of the operator is not set up.',
+    ],
+    [
+      409,
+      { title: 'Another command is running', detail: 'Try again.' },
+      'The gateway did not take the command.',
+      'Another command is running: Try again.',
+    ],
+    [401, undefined, 'You are not signed in. Nothing was done.', ''],
+    [418, 'tea', 'The web server answered with HTTP status 418.', ''],
+  ])('HTTP %d with %j', (status, body, text, detail) => {
+    expect(faultOf(status, body)).toEqual({ status, text, detail });
+  });
+});

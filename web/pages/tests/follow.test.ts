@@ -1,0 +1,97 @@
+import { describe, expect, it } from 'vitest';
+import { statusWith } from './documents';
+import {
+  followAbortAfterRun,
+  followAbortNow,
+  followAutomation,
+  followRun,
+  followSolution,
+  followStream,
+  judge,
+} from '../src/follow';
+
+const ready = statusWith();
+const running = statusWith({
+  GC_state: 'Running 1s',
+  Auto_state: 'Running - Single Run',
+  Run_time: 1,
+  Total_run_time: 180,
+});
+
+describe('following a command', () => {
+  it('waits for a run to begin, and says so when it did', () => {
+    const follow = followRun('single', 2, ready);
+    expect(judge(follow, ready, ready, 3)).toEqual({
+      phase: 'waiting',
+      text: 'Single run on stream 2: accepted. Waiting for the run to begin (state: Ready; automation: Idle).',
+    });
+    expect(judge(follow, ready, running, 4)).toEqual({
+      phase: 'met',
+      text: 'Single run on stream 2: the run has begun (state: Running; automation: Running - Single Run).',
+    });
+  });
+
+  it('takes a flushing for the begin of a run, and a counted analysis too', () => {
+    const follow = followRun('single', 1, ready);
+    expect(judge(follow, ready, statusWith({ GC_state: 'Flushing' }), 1).phase).toBe('met');
+    expect(judge(follow, ready, statusWith({ Last_counter: 1285 }), 1).phase).toBe('met');
+  });
+
+  it('says when the effect did not come within its time', () => {
+    const follow = followRun('calibration', 4, ready);
+    expect(judge(follow, ready, ready, 30).phase).toBe('waiting');
+    expect(judge(follow, ready, ready, 31)).toEqual({
+      phase: 'late',
+      text: 'Calibration on stream 4: accepted, but the calibration has not begun within 30 s (state: Ready; automation: Idle).',
+    });
+  });
+
+  it('ends with a new error of the instrument, but not with an old one', () => {
+    const broken = statusWith({
+      GC_state: 'Recoverable Error',
+      Error_code: 502,
+      Error_str: 'Detector bridge out of balance',
+    });
+    const follow = followAutomation(ready);
+    expect(judge(follow, ready, broken, 1)).toEqual({
+      phase: 'failed',
+      text: 'Automation: the automation has not begun: Detector bridge out of balance (error 502).',
+    });
+    expect(judge(followStream(3), broken, broken, 1).phase).toBe('waiting');
+  });
+
+  it('follows the automation by its own state', () => {
+    const follow = followAutomation(ready);
+    const flushing = statusWith({ Auto_state: 'Flushing Stream 60s' });
+    expect(judge(follow, ready, flushing, 1).phase).toBe('met');
+  });
+
+  it('takes an abort for done when nothing runs', () => {
+    const follow = followAbortNow();
+    expect(judge(follow, running, running, 1).phase).toBe('waiting');
+    const between = statusWith({ GC_state: 'Ready', Auto_state: 'Run Delay 3s' });
+    expect(judge(follow, running, between, 1).phase).toBe('waiting');
+    expect(judge(follow, running, statusWith({ GC_state: 'Stabilizing' }), 1).phase).toBe('met');
+  });
+
+  it('gives the present run its time before an automation must have ended', () => {
+    const follow = followAbortAfterRun(running);
+    expect(follow.limitSeconds).toBe(239);
+    expect(judge(follow, running, running, 200).phase).toBe('waiting');
+    expect(judge(follow, running, ready, 200).phase).toBe('met');
+  });
+
+  it('looks for the stream', () => {
+    const follow = followStream(3);
+    expect(judge(follow, ready, ready, 1).phase).toBe('waiting');
+    expect(judge(follow, ready, statusWith({ Curr_stream: 3 }), 1).text).toBe(
+      'Stream 3: the current stream is 3 (state: Ready; automation: Idle).',
+    );
+  });
+
+  it('sees a solution only by the instrument being busy', () => {
+    const follow = followSolution(4);
+    expect(judge(follow, ready, statusWith({ GC_state: 'Not Ready' }), 1).phase).toBe('met');
+    expect(judge(follow, ready, ready, 16).phase).toBe('late');
+  });
+});

@@ -1,0 +1,72 @@
+import { describe, expect, it } from 'vitest';
+import type { Real } from '../src/documents';
+import { History, measurementsOf } from '../src/history';
+import { statusWith } from './documents';
+
+const sample = (value: Real): Map<string, Real> => new Map([['a', value]]);
+
+describe('history', () => {
+  it('gives samples back in order, with null for what is not available', () => {
+    const history = new History(10);
+    history.add(100, sample(1));
+    history.add(101, sample('-'));
+    history.add(102, sample(3));
+    expect(history.points('a')).toEqual({ times: [100, 101, 102], values: [1, null, 3] });
+  });
+
+  it('knows nothing of a series before it appeared, and nothing of one that never did', () => {
+    const history = new History(10);
+    history.add(1, sample(1));
+    history.add(2, new Map([['b', 5]]));
+    expect(history.points('b').values).toEqual([null, 5]);
+    expect(history.points('a').values).toEqual([1, null]);
+    expect(history.points('c').values).toEqual([null, null]);
+  });
+
+  it('forgets what is older than an hour', () => {
+    const history = new History(4000);
+    for (let second = 0; second <= 4000; second++) {
+      history.add(second, sample(second));
+    }
+    const { times, values } = history.points('a');
+    expect(times.length).toBe(3601);
+    expect(times[0]).toBe(400);
+    expect(values.at(-1)).toBe(4000);
+  });
+
+  it('keeps the newest when it is full', () => {
+    const history = new History(3);
+    for (let second = 1; second <= 5; second++) {
+      history.add(second, sample(second * 10));
+    }
+    expect(history.points('a')).toEqual({ times: [3, 4, 5], values: [30, 40, 50] });
+  });
+
+  it('overwrites every series, present in the sample or not', () => {
+    const history = new History(2);
+    history.add(1, sample(1));
+    history.add(2, sample(2));
+    history.add(3, new Map());
+    expect(history.points('a').values).toEqual([2, null]);
+  });
+
+  it('breaks the curve where nobody asked for a while', () => {
+    const history = new History(10);
+    history.add(0, sample(1));
+    history.add(20, sample(2));
+    history.add(60, sample(3));
+    expect(history.points('a')).toEqual({ times: [0, 20, 40, 60], values: [1, 2, null, 3] });
+  });
+});
+
+describe('measurements', () => {
+  it('names the values of installed channels only', () => {
+    const values = measurementsOf(statusWith());
+    expect(values.get('Channel1.Column_temp.Actual')).toBe(59.98);
+    expect(values.get('Channel2.Injector_temp.Setpoint')).toBe(80);
+    expect(values.get('Channel2.Auto_zero')).toBe(-0.843);
+    expect(values.get('Sample_line_temp.Actual')).toBe(64.97);
+    expect(values.has('Channel3.Auto_zero')).toBe(false);
+    expect(values.size).toBe(18);
+  });
+});

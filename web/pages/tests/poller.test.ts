@@ -1,0 +1,88 @@
+import { afterEach, beforeEach, describe, expect, it, vi } from 'vitest';
+import { createPoller } from '../src/poller';
+
+/** A poller whose requests are answered by hand. */
+function build(interval = 5000) {
+  const pending: ((answer: string) => void)[] = [];
+  const taken: string[] = [];
+  const world = { isHidden: false, interval };
+  const ask = vi.fn(() => new Promise<string>((done) => pending.push(done)));
+  const poller = createPoller<string>({
+    ask,
+    take: (answer) => taken.push(answer),
+    interval: () => world.interval,
+    isHidden: () => world.isHidden,
+  });
+  const answer = async (text: string): Promise<void> => {
+    pending.shift()!(text);
+    await vi.advanceTimersByTimeAsync(0);
+  };
+  return { poller, ask, answer, taken, world };
+}
+
+beforeEach(() => {
+  vi.useFakeTimers();
+});
+afterEach(() => {
+  vi.useRealTimers();
+});
+
+describe('poller', () => {
+  it('asks at once, and again an interval after the request began', async () => {
+    const { poller, ask, answer, taken } = build();
+    poller.wake();
+    expect(ask).toHaveBeenCalledTimes(1);
+    await vi.advanceTimersByTimeAsync(2000);
+    await answer('first');
+    expect(taken).toEqual(['first']);
+    await vi.advanceTimersByTimeAsync(2999);
+    expect(ask).toHaveBeenCalledTimes(1);
+    await vi.advanceTimersByTimeAsync(1);
+    expect(ask).toHaveBeenCalledTimes(2);
+  });
+
+  it('never has two requests under way, however slow the answer', async () => {
+    const { poller, ask, answer } = build(1000);
+    poller.wake();
+    await vi.advanceTimersByTimeAsync(10_000);
+    poller.wake();
+    expect(ask).toHaveBeenCalledTimes(1);
+    await answer('late');
+    expect(ask).toHaveBeenCalledTimes(2);
+    await vi.advanceTimersByTimeAsync(10_000);
+    expect(ask).toHaveBeenCalledTimes(2);
+  });
+
+  it('goes by the interval that holds after the answer', async () => {
+    const { poller, ask, answer, world } = build(5000);
+    poller.wake();
+    world.interval = 1000;
+    await answer('a run has begun');
+    await vi.advanceTimersByTimeAsync(1000);
+    expect(ask).toHaveBeenCalledTimes(2);
+  });
+
+  it('does not ask while hidden, and asks at once when shown', async () => {
+    const { poller, ask, answer, world } = build();
+    poller.wake();
+    await answer('first');
+    world.isHidden = true;
+    poller.visibilityChanged();
+    await vi.advanceTimersByTimeAsync(60_000);
+    expect(ask).toHaveBeenCalledTimes(1);
+    world.isHidden = false;
+    poller.visibilityChanged();
+    expect(ask).toHaveBeenCalledTimes(2);
+  });
+
+  it('stops after the answer that came while hidden', async () => {
+    const { poller, ask, answer, taken, world } = build();
+    poller.wake();
+    world.isHidden = true;
+    poller.visibilityChanged();
+    await answer('while hidden');
+    await vi.advanceTimersByTimeAsync(60_000);
+    expect(taken).toEqual(['while hidden']);
+    expect(ask).toHaveBeenCalledTimes(1);
+  });
+});

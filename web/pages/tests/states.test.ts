@@ -1,0 +1,95 @@
+import { describe, expect, it } from 'vitest';
+import { load, statusWith } from './documents';
+import {
+  actions,
+  autoStateOf,
+  gcStateOf,
+  gcStates,
+  isRunning,
+  isSimulated,
+  reasonAgainst,
+} from '../src/states';
+
+describe('state texts', () => {
+  it.each([
+    ['Running 37s', 'Running'],
+    ['Running', 'Running'],
+    ['Running -3s', 'Running'],
+    ['Cleaning 0 min', 'Cleaning'],
+    ['Wait Ext Rdy', 'Wait Ext Rdy'],
+    ['Recoverable Error', 'Recoverable Error'],
+    ['Something new', 'Unknown'],
+  ])('reads %s as %s', (text, state) => {
+    expect(gcStateOf(statusWith({ GC_state: text }))).toBe(state);
+  });
+
+  it('knows every text of the schema', () => {
+    const schema = load<{ properties: { GC_state: { anyOf: [{ enum: string[] }] } } }>(
+      'docs/schemas/status.schema.json',
+    );
+    const texts = schema.properties.GC_state.anyOf[0].enum;
+    expect([...texts, 'Cleaning'].sort()).toEqual([...gcStates].sort());
+  });
+
+  it.each([
+    ['Run Delay 90s', 'Run Delay'],
+    ['Flushing Stream', 'Flushing Stream'],
+    ['Running - Single Run', 'Running - Single Run'],
+  ])('reads automation %s as %s', (text, state) => {
+    expect(autoStateOf(statusWith({ Auto_state: text }))).toBe(state);
+  });
+
+  it.each([
+    ['Ready', 'Idle', false],
+    ['Running 2s', 'Running - Single Run', true],
+    ['Ready', 'Run Delay 12s', true],
+    ['Flushing', 'Idle', true],
+    ['Stabilizing', 'Idle', false],
+  ])('%s with automation %s: running %s', (gc, automation, expected) => {
+    expect(isRunning(statusWith({ GC_state: gc, Auto_state: automation }))).toBe(expected);
+  });
+
+  it('tells a simulated instrument by its application', () => {
+    expect(isSimulated(statusWith())).toBe(true);
+    expect(isSimulated(statusWith({ Application: 'Natural gas' }))).toBe(false);
+  });
+});
+
+describe('which action is allowed', () => {
+  const allowed = (gc: string, automation: string): string[] =>
+    actions.filter(
+      (one) => reasonAgainst(one, statusWith({ GC_state: gc, Auto_state: automation })) === '',
+    );
+
+  const settings = ['stream', 'solution', 'alarm-reset', 'send-table'];
+
+  it.each([
+    ['Ready', 'Idle', ['start-run', 'start-automation', ...settings]],
+    ['Stabilizing', 'Idle', settings],
+    ['Not Ready', 'Idle', settings],
+    ['Wait Ext Rdy', 'Idle', settings],
+    ['Recoverable Error', 'Idle', ['abort-now', 'stream', 'alarm-reset', 'send-table']],
+    ['Unrecoverable Error', 'Idle', ['abort-now', 'alarm-reset']],
+    ['Initializing', 'Idle', ['abort-now', 'alarm-reset']],
+    ['Cleaning 3 min', 'Idle', ['abort-now', 'alarm-reset']],
+    ['Running 5s', 'Running - Single Run', ['abort-now', 'abort-after-run', 'alarm-reset']],
+    ['Flushing', 'Flushing Stream 60s', ['abort-now', 'abort-after-run', 'alarm-reset']],
+    ['Ready', 'Run Delay 3s', ['abort-now', 'abort-after-run', 'alarm-reset']],
+    ['Unknown', 'Unknown', ['abort-now', 'abort-after-run', 'alarm-reset']],
+  ])('%s, automation %s', (gc, automation, expected) => {
+    expect(allowed(gc, automation)).toEqual(expected);
+  });
+
+  it('says why not', () => {
+    expect(reasonAgainst('start-run', statusWith({ GC_state: 'Stabilizing' }))).toBe(
+      'A run starts only from Ready. The state is: Stabilizing.',
+    );
+    expect(reasonAgainst('send-table', statusWith({ Auto_state: 'Run Delay 3s' }))).toBe(
+      'The instrument takes tables only while nothing runs. The automation is: Run Delay 3s.',
+    );
+    expect(reasonAgainst('abort-now', statusWith())).toBe('Nothing is running.');
+    expect(reasonAgainst('abort-after-run', statusWith({ GC_state: 'Running 1s' }))).toBe(
+      'The automation is not under way.',
+    );
+  });
+});

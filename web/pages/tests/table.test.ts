@@ -1,0 +1,140 @@
+import { describe, expect, it } from 'vitest';
+import type { Configuration } from '../src/documents';
+import {
+  addRow,
+  draftOf,
+  duplicateRow,
+  moveRow,
+  problemsOfDraft,
+  removeRow,
+  setCell,
+  tableOf,
+  valueOf,
+  type Draft,
+} from '../src/table';
+import { calibrationKind, sequenceKind } from '../src/tables';
+import { load } from './documents';
+
+const configuration = load<Configuration>('docs/schemas/examples/configuration.json');
+const layout = sequenceKind.layout(configuration);
+const table = sequenceKind.fromReport(load('tests/system/documents/sequence/everyday.json'));
+const draft = draftOf(table);
+const streams = (one: Draft): (string | undefined)[] => one.rows.map(({ cells }) => cells.Stream);
+
+describe('rows', () => {
+  it('become texts in cells, and the same values again', () => {
+    expect(draft.rows[0]!.cells).toEqual({
+      Type: 'Calibration',
+      Repeat: '2',
+      Stream: '4',
+      Slot: '1',
+      Flush_time: '1.5',
+    });
+    expect(draft.header).toEqual({ Table_repeat: '2', Continuous: 'false' });
+    expect(tableOf(draft, layout)).toEqual(table);
+  });
+
+  it('are added at the end, up to 20', () => {
+    const added = addRow(draft, layout);
+    expect(added.rows.at(-1)).toEqual({
+      id: 3,
+      cells: { Type: 'Analysis', Repeat: '1', Stream: '1', Slot: '0', Flush_time: '0' },
+    });
+    let full = draft;
+    for (let count = 0; count < 30; count++) {
+      full = addRow(full, layout);
+    }
+    expect(full.rows.length).toBe(20);
+    expect(duplicateRow(full, layout, 0)).toBe(full);
+  });
+
+  it('are duplicated below themselves, with an id of their own', () => {
+    const duplicated = duplicateRow(draft, layout, 0);
+    expect(streams(duplicated)).toEqual(['4', '4', '1', '2']);
+    expect(duplicated.rows.map(({ id }) => id)).toEqual([0, 3, 1, 2]);
+  });
+
+  it('move up and down, but not over the ends', () => {
+    expect(streams(moveRow(draft, 2, -1))).toEqual(['4', '2', '1']);
+    expect(streams(moveRow(draft, 0, 1))).toEqual(['1', '4', '2']);
+    expect(moveRow(draft, 0, -1)).toBe(draft);
+    expect(moveRow(draft, 2, 1)).toBe(draft);
+    expect(moveRow(draft, 99, 1)).toBe(draft);
+  });
+
+  it('are deleted, but for the last one', () => {
+    const one = removeRow(removeRow(draft, layout, 0), layout, 2);
+    expect(streams(one)).toEqual(['1']);
+    expect(removeRow(one, layout, 1)).toBe(one);
+  });
+
+  it('change in one cell, and leave the others alone', () => {
+    const changed = setCell(draft, 1, 'Stream', '3');
+    expect(streams(changed)).toEqual(['4', '3', '2']);
+    expect(streams(draft)).toEqual(['4', '1', '2']);
+    expect(setCell(draft, null, 'Continuous', 'true').header.Continuous).toBe('true');
+  });
+
+  it('of a calibration stay as they are', () => {
+    const peaks = calibrationKind.layout(undefined);
+    const calibration = draftOf(
+      calibrationKind.fromReport(load('docs/schemas/examples/calibration.json')),
+    );
+    expect(addRow(calibration, peaks)).toBe(calibration);
+    expect(duplicateRow(calibration, peaks, 0)).toBe(calibration);
+  });
+});
+
+describe('texts of cells', () => {
+  it.each([
+    ['5', 'integer', 5],
+    [' -3 ', 'integer', -3],
+    ['1.0', 'integer', '1.0'],
+    ['', 'integer', ''],
+    ['0x10', 'integer', '0x10'],
+    ['1.5', 'real', 1.5],
+    ['.5', 'real', 0.5],
+    ['2e-5', 'real', 0.00002],
+    ['1,5', 'real', '1,5'],
+    ['-', 'real', '-'],
+    ['NaN', 'real', 'NaN'],
+    ['true', 'flag', true],
+    ['false', 'flag', false],
+  ] as const)('%j as %s is %j', (text, kind, value) => {
+    expect(valueOf(text, kind)).toBe(value);
+  });
+
+  it.each([
+    ['Repeat', '1.5', 'must be a whole number'],
+    ['Repeat', '99999999999', 'must be at most 2147483647'],
+    ['Repeat', '-1', 'must be at least 0'],
+    ['Stream', '5', 'must be at most 4'],
+    ['Stream', '4', undefined],
+    ['Slot', '11', 'must be at most 10'],
+    ['Flush_time', '-', 'must be a number'],
+    ['Flush_time', '1,5', 'must be a number'],
+    ['Flush_time', '1e999', 'must be a number'],
+    ['Flush_time', '2', undefined],
+    ['Type', 'None', 'must be one of Analysis, Calibration, Blank, Verification'],
+  ])('%s %j: %s', (key, text, expected) => {
+    const [problem] = problemsOfDraft(setCell(draft, 1, key, text), layout);
+    expect(problem).toEqual(expected && { rowId: 1, key, text: expected });
+  });
+
+  it('are checked in the header too', () => {
+    expect(problemsOfDraft(setCell(draft, null, 'Table_repeat', 'twice'), layout)).toEqual([
+      { rowId: null, key: 'Table_repeat', text: 'must be a whole number' },
+    ]);
+  });
+
+  it('have no limit of streams before the configuration is known', () => {
+    const unknown = sequenceKind.layout(undefined);
+    expect(problemsOfDraft(setCell(draft, 1, 'Stream', '40'), unknown)).toEqual([]);
+  });
+
+  it('of one line only are there without a stream selector', () => {
+    const bare = sequenceKind.layout({ ...configuration, Stream_configured: false, Stream_max: 0 });
+    expect(bare.mostRows).toBe(1);
+    expect(problemsOfDraft(setCell(draft, 0, 'Stream', '3'), bare)).toEqual([]);
+  });
+});
