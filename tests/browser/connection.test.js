@@ -1,0 +1,148 @@
+// What the pages do without the instrument, without the web server, unseen, and with a wrong password.
+import assert from 'node:assert/strict';
+import { browserTests, button, describedBy, says } from './support/browser.js';
+
+const browserTest = browserTests();
+const unreachable = [/503/];
+const offline = [/ERR_INTERNET_DISCONNECTED/];
+const actions = [
+  'Stop after this run',
+  'Abort now…',
+  'Start single run…',
+  'Start calibration…',
+  'Start automation…',
+  'Switch',
+  'Load…',
+];
+
+/** Whether the parts that show values are grey. */
+async function isGrey(page) {
+  const filters = await page
+    .locator('.live')
+    .evaluateAll((parts) => parts.map((part) => getComputedStyle(part).filter));
+  assert.ok(filters.length > 0);
+  return filters.every((filter) => filter === 'grayscale(1)');
+}
+
+async function allOff(page) {
+  for (const name of actions) {
+    const off = button(page, name, { disabled: true });
+    assert.match(await describedBy(off), /^The state of the instrument is not known/, name);
+  }
+}
+
+const lost = { path: '#/run', isClockOurs: true };
+
+browserTest(
+  'a controller that is lost, and found',
+  { ...lost, expected: unreachable },
+  async (page, gc) => {
+    await button(page, 'Switch', { disabled: false }).waitFor();
+    await gc.tell('stop');
+    try {
+      await page.clock.fastForward(5_000);
+      const alert = page.getByRole('alert').filter({ hasText: 'The instrument is not reachable.' });
+      await alert.getByText('The last values are shown.').waitFor();
+      // One answer that fails is not yet a reason.
+      assert.equal(await isGrey(page), false);
+      await page.clock.fastForward(11_000);
+      await page
+        .locator('.stale-mark')
+        .getByText(/^data 1\d s old$/)
+        .waitFor();
+      assert.equal(await isGrey(page), true);
+      await allOff(page);
+      await button(page, 'Switch').click({ force: true });
+      await page.getByRole('link', { name: 'Status' }).click();
+      await page.getByRole('region', { name: 'Channel 1' }).waitFor();
+      assert.equal(await isGrey(page), true);
+      await page.getByRole('link', { name: 'Wall' }).click();
+      await page.locator('.stale-mark').waitFor();
+      assert.equal(await isGrey(page), true);
+      await page.goBack();
+      await page.goBack();
+    } finally {
+      await gc.tell('start');
+    }
+    await page.clock.fastForward(5_000);
+    await button(page, 'Switch', { disabled: false }).waitFor();
+    await page.getByText('The instrument is not reachable.').waitFor({ state: 'detached' });
+    assert.equal(await isGrey(page), false);
+    assert.equal(await page.locator('.stale-mark').count(), 0);
+    assert.deepEqual(await gc.changes(), []);
+  },
+);
+
+browserTest('no web server', { ...lost, expected: offline }, async (page) => {
+  await button(page, 'Switch', { disabled: false }).waitFor();
+  await page.context().setOffline(true);
+  await button(page, 'Switch').click();
+  await says(page, 'notice', 'No answer came. The command may have been carried out');
+  await page.clock.fastForward(16_000);
+  await page.getByRole('alert').getByText('The web server does not answer.').waitFor();
+  await allOff(page);
+  await page.context().setOffline(false);
+  await page.clock.fastForward(5_000);
+  await button(page, 'Switch', { disabled: false }).waitFor();
+});
+
+browserTest(
+  'no instrument from the beginning',
+  { path: '#/run', expected: unreachable },
+  async (page, gc) => {
+    await gc.tell('stop');
+    try {
+      const alert = page.getByRole('alert').getByText('The instrument is not reachable.');
+      await alert.waitFor();
+      await page.reload();
+      await alert.waitFor();
+      await says(page, 'age', 'no data yet');
+      await page.getByText('Waiting for the first answer of the instrument.').waitFor();
+      await button(page, 'Abort now…', { disabled: true }).waitFor();
+      await page.getByRole('link', { name: 'Sequence' }).click();
+      await says(page, 'table-message', 'The instrument is not reachable.');
+    } finally {
+      await gc.tell('start');
+    }
+    await says(page, 'state', 'Ready');
+    await button(page, 'Try again').click();
+    await page.getByLabel('Runs, line 3').waitFor();
+    // Needs the configuration too, which was not to be had either.
+    await page.getByRole('link', { name: 'Run', exact: true }).click();
+    await button(page, 'Switch', { disabled: false }).waitFor();
+  },
+);
+
+browserTest('a hidden page asks nothing', { isClockOurs: true }, async (page) => {
+  let asked = 0;
+  page.on('request', (request) => (asked += Number(request.url().endsWith('/api/status'))));
+  const hide = (isHidden) =>
+    page.evaluate((value) => {
+      Object.defineProperty(document, 'hidden', { value, configurable: true });
+      document.dispatchEvent(new Event('visibilitychange'));
+    }, isHidden);
+  await page.getByRole('region', { name: 'Channel 1' }).waitFor();
+  asked = 0;
+  await page.clock.fastForward(5_000);
+  await page.waitForResponse('**/api/status');
+  assert.equal(asked, 1);
+  await hide(true);
+  await page.clock.fastForward(60_000);
+  await page.clock.runFor(10_000);
+  assert.equal(asked, 1);
+  const answer = page.waitForResponse('**/api/status');
+  await hide(false);
+  await answer;
+  assert.equal(asked, 2);
+});
+
+for (const password of ['wrong', '']) {
+  const context = { httpCredentials: { username: 'operator', password } };
+  const options = { path: '#/run', context, expected: [/401/] };
+  browserTest(`the password ${JSON.stringify(password)}`, options, async (page, gc) => {
+    await button(page, 'Switch').click();
+    await says(page, 'notice', 'Stream 1: You are not signed in. Nothing was done.');
+    await says(page, 'state', 'Ready');
+    assert.deepEqual(await gc.changes(), []);
+  });
+}

@@ -1,0 +1,25 @@
+// A server without passwords: everybody sees everything, and nobody can act.
+import assert from 'node:assert/strict';
+import { browserTests, button, says } from './support/browser.js';
+import { send } from './support/tables.js';
+
+const browserTest = browserTests('--no-passwords');
+const expected = [/403/];
+const refusal =
+  'You are not allowed to do this. Nothing was done. Forbidden: A command needs a user who has logged in.';
+
+browserTest('an action', { path: '#/run', expected }, async (page, gc) => {
+  await button(page, 'Start single run…').click();
+  await button(page.getByRole('dialog'), 'Start').click();
+  await says(page, 'notice', `Single run on stream 1: ${refusal}`);
+  assert.deepEqual(await gc.changes(), []);
+});
+
+browserTest('a table', { path: '#/sequence', expected }, async (page, gc) => {
+  await page.getByLabel('Runs, line 1').fill('4');
+  await send(page, 'sequence');
+  await says(page, 'table-message', refusal);
+  assert.deepEqual(await gc.changes(), []);
+  // What was edited is not lost.
+  assert.equal(await page.getByLabel('Runs, line 1').inputValue(), '4');
+});

@@ -1,0 +1,182 @@
+// Runs, automation, stream and solution: started, followed to their effect, stopped, and refused.
+import assert from 'node:assert/strict';
+import { browserTests, button, describedBy, says, screenshots } from './support/browser.js';
+
+const browserTest = browserTests();
+const path = '#/run';
+
+const progress = (page, text) =>
+  page
+    .getByRole('progressbar', { name: 'Run' })
+    .and(page.locator(`[aria-valuetext="${text}"]`))
+    .waitFor();
+
+async function confirm(page, action, question, answer) {
+  await button(page, action).click();
+  const dialog = page.getByRole('dialog', { name: question, exact: true });
+  await dialog.waitFor();
+  await button(dialog, answer).click();
+  await dialog.waitFor({ state: 'detached' });
+}
+
+browserTest('a single run, and its end', { path }, async (page, gc) => {
+  await page.getByLabel('On stream', { exact: true }).selectOption('2');
+  await button(page, 'Start single run…').click();
+  const dialog = page.getByRole('dialog', { name: 'Start a single run?' });
+  await dialog.getByText('One analysis on stream 2, 3 min 00 s.').waitFor();
+  await button(dialog, 'Cancel').click();
+  assert.deepEqual(await gc.changes(), []);
+  await confirm(page, 'Start single run…', 'Start a single run?', 'Start');
+  await says(page, 'notice', 'Single run on stream 2: the run has begun (state: Running;');
+  await says(page, 'state', 'Running');
+  await says(page, 'stream', /^2$/);
+  await progress(page, '0 s of 3 min 00 s');
+  await gc.control('step', 37);
+  await progress(page, '37 s of 3 min 00 s');
+  await gc.control('step', 143);
+  await says(page, 'state', 'Ready');
+  await page.getByText('no run', { exact: true }).waitFor();
+});
+
+browserTest('a run that is aborted', { path }, async (page, gc) => {
+  await confirm(page, 'Start calibration…', 'Start a calibration?', 'Start');
+  await says(page, 'notice', 'Calibration on stream 1: the calibration has begun');
+  await gc.control('step', 10);
+  await confirm(page, 'Abort now…', 'Abort now?', 'Cancel');
+  await progress(page, '10 s of 3 min 00 s');
+  await confirm(page, 'Abort now…', 'Abort now?', 'Abort now');
+  await says(page, 'notice', 'Abort now: the instrument has stopped');
+  await says(page, 'state', /Ready|Stabilizing/);
+  const commands = (await gc.changes()).map(({ command }) => command);
+  assert.deepEqual(commands.slice(-2), [1, 17]);
+});
+
+browserTest('the automation, until its run has ended', { path }, async (page, gc) => {
+  await button(page, 'Start automation…').click();
+  const dialog = page.getByRole('dialog', { name: 'Start the automation?' });
+  await dialog.getByText('The table is run 2 times.').waitFor();
+  await dialog.getByRole('row', { name: '1 Calibration 2 4 1 1.50' }).waitFor();
+  assert.equal(await dialog.getByRole('row').count(), 4);
+  await button(dialog, 'Start').click();
+  await says(page, 'notice', 'Automation: the automation has begun (state: Flushing;');
+  await gc.control('step', 95);
+  await progress(page, '5 s of 3 min 00 s');
+  await page.screenshot({ path: `${screenshots}/run-automation.png` });
+  await button(page, 'Stop after this run').click();
+  await says(page, 'notice', 'Stop after this run: accepted. Waiting for the present run to end');
+  await gc.control('step', 175);
+  await says(page, 'notice', 'Stop after this run: the automation has ended');
+  await says(page, 'automation', 'Idle');
+});
+
+browserTest('another stream', { path }, async (page, gc) => {
+  await page.getByLabel('Stream', { exact: true }).selectOption('3');
+  await button(page, 'Switch').click();
+  await says(page, 'notice', 'Stream 3: the current stream is 3');
+  await says(page, 'stream', /^3$/);
+  assert.equal((await gc.parameters()).mCurrentStream, 3);
+});
+
+browserTest('a solution', { path }, async (page, gc) => {
+  await page.getByLabel('Slot', { exact: true }).selectOption('4');
+  await confirm(page, 'Load…', 'Load solution 4?', 'Load');
+  await says(page, 'notice', 'Solution 4: the instrument is taking it up');
+  await says(page, 'state', 'Not Ready');
+  await gc.control('step', 61);
+  await says(page, 'state', /^Ready/);
+});
+
+// What is not done in time is said, with the limit in seconds.
+const late = [
+  [
+    'run',
+    (page) => confirm(page, 'Start single run…', 'Start a single run?', 'Start'),
+    30,
+    'Single run on stream 1: accepted, but the run has not begun within 30 s',
+  ],
+  [
+    'automation',
+    (page) => confirm(page, 'Start automation…', 'Start the automation?', 'Start'),
+    30,
+    'Automation: accepted, but the automation has not begun within 30 s',
+  ],
+  [
+    'stream',
+    async (page) => {
+      await page.getByLabel('Stream', { exact: true }).selectOption('4');
+      await button(page, 'Switch').click();
+    },
+    60,
+    'Stream 4: accepted, but the current stream is not 4 within 60 s',
+  ],
+  [
+    'solution',
+    (page) => confirm(page, 'Load…', 'Load solution 0?', 'Load'),
+    15,
+    'Solution 0: accepted, but nothing of it was seen within 15 s',
+  ],
+];
+for (const [name, act, seconds, said] of late) {
+  browserTest(
+    `${name}: an effect that does not come`,
+    { path, isClockOurs: true },
+    async (page, gc) => {
+      await gc.fault({ kind: 'ignore', times: 0 });
+      await act(page);
+      await says(page, 'notice', /accepted\. Waiting for/);
+      await page.clock.fastForward((seconds + 1) * 1000);
+      await says(page, 'notice', said);
+    },
+  );
+}
+
+const expected = [/409/];
+browserTest('a refusal', { path, expected }, async (page, gc) => {
+  await gc.fault({ kind: 'status', call: 'Command', status: 207 });
+  await confirm(page, 'Start single run…', 'Start a single run?', 'Start');
+  await says(page, 'notice', /Single run on stream 1: The instrument refused\..*\(error 207\)/);
+  await button(page, 'Dismiss').click();
+  await page.getByText('error 207').waitFor({ state: 'detached' });
+});
+
+browserTest('a stream switch that is refused', { path, expected }, async (page, gc) => {
+  await gc.fault({ kind: 'status', call: 'Write', status: 207 });
+  await button(page, 'Switch').click();
+  await says(page, 'notice', /Stream 1: The instrument refused\. .*status of the instrument: 207/);
+});
+
+browserTest('what a run forbids', { path }, async (page, gc) => {
+  await gc.command(0);
+  await says(page, 'state', 'Running');
+  const forbidden = [
+    'Start single run…',
+    'Start calibration…',
+    'Start automation…',
+    'Switch',
+    'Load…',
+  ];
+  for (const name of forbidden) {
+    const off = button(page, name, { disabled: true });
+    assert.match(
+      await describedBy(off),
+      /only .*\. The automation is: Running - Single Run\.$/,
+      name,
+    );
+    await off.click({ force: true });
+  }
+  assert.equal(await page.getByRole('dialog').count(), 0);
+  await button(page, 'Stop after this run', { disabled: false }).waitFor();
+  await button(page, 'Abort now…', { disabled: false }).waitFor();
+  assert.deepEqual(await gc.changes(), []);
+});
+
+browserTest('an instrument in error', { path, scenario: 'error' }, async (page) => {
+  await page.locator('[data-testid=state].error').waitFor();
+  await button(page, 'Start single run…', { disabled: true }).waitFor();
+  await button(page, 'Abort now…', { disabled: false }).waitFor();
+  await page.getByRole('link', { name: 'Status' }).click();
+  await page
+    .getByRole('region', { name: 'Instrument' })
+    .getByText(/^\d+: ./)
+    .waitFor();
+});

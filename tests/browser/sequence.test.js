@@ -1,0 +1,209 @@
+// The sequence: edited by the keyboard, checked, compared, sent, read back; conflicts and files.
+import assert from 'node:assert/strict';
+import { browserTests, button, describedBy, says, screenshots } from './support/browser.js';
+import { choose, exported, refuses, send } from './support/tables.js';
+
+const browserTest = browserTests();
+const path = '#/sequence';
+const isSame = 'Sent, read back, and the same.';
+
+const cell = (page, column, line) => page.getByLabel(`${column}, line ${line}`, { exact: true });
+const isFocused = (locator) => locator.and(locator.page().locator(':focus')).waitFor();
+
+browserTest('edited by the keyboard alone, sent and read back', { path }, async (page, gc) => {
+  await cell(page, 'Type', 1).focus();
+  const press = async (...keys) => {
+    for (const key of keys) {
+      await page.keyboard.press(key);
+    }
+  };
+  await press('ArrowRight', '7', 'Enter', '8', 'ArrowDown', '9', 'Shift+Enter');
+  await isFocused(cell(page, 'Runs', 2));
+  // Line 2 becomes line 3; then its flush time.
+  await press('Alt+ArrowDown');
+  await isFocused(cell(page, 'Runs', 3));
+  await press('ArrowRight', 'ArrowRight', 'ArrowRight');
+  await isFocused(cell(page, 'Flush time', 3));
+  await press('2', '.', '5', 'ArrowUp');
+  await isFocused(cell(page, 'Flush time', 2));
+  await button(page, 'Compare and send…').focus();
+  await press('Enter');
+  const dialog = page.getByRole('dialog', { name: 'Send the sequence?' });
+  await dialog.getByRole('row', { name: '~ changed 1 Calibration 2 → 7 4 1 1.5' }).waitFor();
+  await isFocused(button(dialog, 'Cancel'));
+  await page.screenshot({ path: `${screenshots}/sequence-differences.png` });
+  await press('Tab', 'Enter');
+  await says(page, 'table-message', isSame);
+  const parameters = await gc.parameters();
+  const stored = ['mRepeat', 'mStream', 'mFlushTime'].map((name) =>
+    [1, 2, 3, 4].map((line) => parameters[`${name}[${line}]`]),
+  );
+  assert.deepEqual(stored, [
+    [7, 9, 8, undefined],
+    [4, 2, 1, undefined],
+    [1.5, 0.5, 2.5, undefined],
+  ]);
+});
+
+browserTest('a wrong value is not sent', { path }, async (page, gc) => {
+  const runs = cell(page, 'Runs', 2);
+  for (const [text, problem] of [
+    ['many', 'must be a whole number'],
+    ['1.5', 'must be a whole number'],
+    ['-1', 'must be at least 0'],
+    ['', 'must be a whole number'],
+  ]) {
+    await runs.fill(text);
+    assert.equal(await describedBy(runs), problem, text);
+    assert.equal(await runs.getAttribute('aria-invalid'), 'true');
+    const off = button(page, 'Compare and send…', { disabled: true });
+    assert.equal(await describedBy(off), '1 cell is not right.');
+    await off.click({ force: true });
+  }
+  await cell(page, 'Stream', 1).fill('5');
+  await page.getByText('must be at most 4').waitFor();
+  await cell(page, 'Solution', 1).fill('11');
+  await page.getByText('must be at most 10').waitFor();
+  await page.getByText('3 cells are not right.').waitFor();
+  assert.equal(await page.getByRole('dialog').count(), 0);
+  assert.deepEqual(await gc.changes(), []);
+});
+
+browserTest('lines are added, copied, moved and deleted', { path }, async (page, gc) => {
+  await button(page, 'Delete line 1').click();
+  await button(page, 'Duplicate line 1').click();
+  await button(page, 'Add line').click();
+  await button(page, 'Move line 4 up').click();
+  await page.getByLabel('Runs of the whole table').fill('6');
+  await page.getByLabel('Starts again after the last line').check();
+  await send(page, 'sequence', async (dialog) => {
+    await dialog.getByText('Runs of the whole table: 2 → 6').waitFor();
+    await dialog.getByText('Starts again after the last line: no → yes').waitFor();
+  });
+  await says(page, 'table-message', isSame);
+  const { rows, ...header } = JSON.parse(await gc.report('sequence'));
+  assert.deepEqual(header, { Table_repeat: 6, Continuous: true, total: 4 });
+  assert.deepEqual(
+    rows.map(({ Repeat, Stream, Flush_time }) => [Repeat, Stream, Flush_time]),
+    [
+      [5, 1, 1],
+      [5, 1, 1],
+      [1, 1, 0],
+      [3, 2, 0.5],
+    ],
+  );
+});
+
+browserTest('no more than twenty lines, and no less than one', { path }, async (page) => {
+  for (let line = 4; line <= 20; line++) {
+    await button(page, 'Add line').click();
+  }
+  await cell(page, 'Runs', 20).waitFor();
+  await button(page, 'Add line', { disabled: true }).waitFor();
+  await button(page, 'Duplicate line 1', { disabled: true }).waitFor();
+  for (let line = 20; line > 1; line--) {
+    await button(page, 'Delete line 1').click();
+  }
+  await button(page, 'Delete line 1', { disabled: true }).waitFor();
+});
+
+browserTest('a table that has changed meanwhile', { path }, async (page, gc) => {
+  await cell(page, 'Runs', 1).fill('4');
+  await gc.set('mRepeat[2]', 9);
+  await button(page, 'Compare and send…').click();
+  const conflict = page.getByRole('dialog', { name: 'The instrument’s table has changed' });
+  await conflict.getByRole('row', { name: '~ changed 2 Analysis 5 → 9' }).waitFor();
+  assert.deepEqual(await gc.changes(), []);
+  // On top of that, but then it changes again while somebody looks at the differences.
+  await button(conflict, 'Keep my table and compare again').click();
+  const dialog = page.getByRole('dialog', { name: 'Send the sequence?' });
+  await dialog.getByRole('row', { name: '~ changed 2 Analysis 9 → 5' }).waitFor();
+  await gc.set('mRepeat[3]', 8);
+  await button(dialog, 'Send').click();
+  await conflict.getByRole('row', { name: '~ changed 3 Analysis 3 → 8' }).waitFor();
+  assert.deepEqual(await gc.changes(), []);
+  await button(conflict, 'Load the instrument’s table').click();
+  await page.getByText('As on the instrument when it was read.').waitFor();
+  assert.equal(await cell(page, 'Runs', 1).inputValue(), '2');
+  assert.equal(await cell(page, 'Runs', 2).inputValue(), '9');
+});
+
+browserTest(
+  'a table of which the instrument takes half',
+  { path, expected: [/409/] },
+  async (page, gc) => {
+    await cell(page, 'Runs', 3).fill('4');
+    await gc.fault({ kind: 'status', call: 'Write', nth: 2, status: 207 });
+    await send(page, 'sequence');
+    await says(
+      page,
+      'table-message',
+      /The instrument refused\..*207.*does not have the table as it was sent/,
+    );
+    await page
+      .getByTestId('table-message')
+      .getByRole('row', { name: /removed 3/ })
+      .waitFor();
+    assert.equal(await cell(page, 'Runs', 3).inputValue(), '4');
+  },
+);
+
+browserTest('a table that the instrument takes and does not keep', { path }, async (page, gc) => {
+  await cell(page, 'Runs', 1).fill('4');
+  await gc.fault({ kind: 'ignore', times: 0 });
+  await send(page, 'sequence');
+  await says(
+    page,
+    'table-message',
+    'The instrument accepted the table, but what it has now differs:',
+  );
+  await page
+    .getByTestId('table-message')
+    .getByRole('row', { name: '~ changed 1 Calibration 4 → 2' })
+    .waitFor();
+});
+
+browserTest('no table while something runs', { path }, async (page, gc) => {
+  await cell(page, 'Runs', 1).waitFor();
+  await gc.command(0);
+  const off = button(page, 'Compare and send…', { disabled: true });
+  await off.waitFor();
+  assert.match(await describedBy(off), /^The instrument takes tables only while nothing runs\./);
+});
+
+browserTest('what was edited stays while other pages are looked at', { path }, async (page) => {
+  await cell(page, 'Runs', 1).fill('4');
+  await page.getByRole('link', { name: 'Alarms' }).click();
+  await page.getByRole('heading', { name: 'Alarms', level: 1 }).waitFor();
+  await page.getByRole('link', { name: 'Sequence' }).click();
+  await page.getByText('Changed here, not sent.').waitFor();
+  assert.equal(await cell(page, 'Runs', 1).inputValue(), '4');
+  await button(page, 'Discard and reload').click();
+  await page.getByText('As on the instrument when it was read.').waitFor();
+  assert.equal(await cell(page, 'Runs', 1).inputValue(), '2');
+});
+
+browserTest('export is the report, and comes back by import', { path }, async (page, gc) => {
+  const report = JSON.parse(await gc.report('sequence'));
+  const { name, text } = await exported(page);
+  assert.equal(name, 'sequence.json');
+  assert.deepEqual(JSON.parse(text), report);
+  await button(page, 'Delete line 2').click();
+  await choose(page, 'mine.json', text);
+  await says(page, 'table-message', 'mine.json was read. Nothing has been sent yet.');
+  await page.getByText('As on the instrument when it was read.').waitFor();
+  const shorter = { ...report, Table_repeat: 9, rows: report.rows.slice(1), total: 2 };
+  await choose(page, 'other.json', JSON.stringify(shorter));
+  await send(page, 'sequence');
+  await says(page, 'table-message', isSame);
+  assert.deepEqual(JSON.parse(await gc.report('sequence')), shorter);
+});
+
+browserTest('files that are no sequence', { path }, async (page) => {
+  await refuses(page, 'a.json', '{', 'a.json was not read. It is not JSON in UTF-8.');
+  await refuses(page, 'b.json', '{"total": 0}', '/Table_repeat is missing');
+  const line = { Type: 'Analysis', Repeat: 1, Stream: 1, Slot: 0, Flush_time: 0 };
+  const long = { Table_repeat: 1, total: 21, rows: Array(21).fill(line) };
+  await refuses(page, 'c.json', JSON.stringify(long), '21 lines');
+  await refuses(page, 'd.json', ' '.repeat(65537), '65537 octets; the gateway takes 65536');
+});

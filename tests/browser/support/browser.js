@@ -1,0 +1,138 @@
+// Pages in Chromium, and what must never happen in one.
+import assert from 'node:assert/strict';
+import { mkdirSync } from 'node:fs';
+import { after, before, test } from 'node:test';
+import { fileURLToPath } from 'node:url';
+import { chromium } from 'playwright-core';
+import { Instrument } from './instrument.js';
+
+export const screenshots = fileURLToPath(
+  new URL('../../../build/web/screenshots', import.meta.url),
+);
+
+/** Milliseconds that anything awaited may take; on a busy machine most of it is needed. */
+const limit = 20_000;
+
+const flags = [
+  '--no-sandbox',
+  '--disable-gpu',
+  '--disable-quic',
+  '--no-first-run',
+  '--disable-background-networking',
+  '--disable-component-update',
+  '--disable-sync',
+  '--host-resolver-rules=MAP * ~NOTFOUND, EXCLUDE 127.*',
+];
+
+/** Collects what no page may do; `expected` are console errors that the test brings about. */
+function watch(page, origin, expected) {
+  const complaints = [];
+  page.on('console', (message) => {
+    const text = message.text();
+    if (message.type() === 'error' && !expected.some((pattern) => pattern.test(text))) {
+      complaints.push(text);
+    }
+  });
+  page.on('pageerror', (error) => complaints.push(String(error)));
+  page.on('dialog', async (dialog) => {
+    complaints.push(`dialog: ${dialog.message()}`);
+    await dialog.dismiss();
+  });
+  page.on('request', (request) => {
+    const url = new URL(request.url());
+    if (url.origin !== origin) {
+      complaints.push(`request to ${url}`);
+    }
+  });
+  page.on('popup', () => complaints.push('another window'));
+  return complaints;
+}
+
+/** Runs in the page, before anything of its own. */
+function inPage(isImpatient) {
+  document.addEventListener('securitypolicyviolation', (event) => {
+    console.error(`violates ${event.violatedDirective}: ${event.blockedURI}`);
+  });
+  if (isImpatient) {
+    // Pages ask at once when they are shown again: nobody waits for the next of the quiet requests.
+    setInterval(() => document.dispatchEvent(new Event('visibilitychange')), 200);
+  }
+}
+
+/**
+ * The tests of one file share a browser and an instrument, whose scenario is loaded anew for each.
+ *
+ * Returns a function to define one: a name, options, and a body that gets the page and the
+ * instrument. Options, all of which may be left out:
+ * - `path`: where the page is when the body begins; `#/status`;
+ * - `scenario`: a shipped one, or a file; `everyday`;
+ * - `isPatient`: the page asks for the status when it thinks it is time, not as often as it can;
+ * - `isClockOurs`: the body can advance the page's clock; implies the one before;
+ * - `expected`: patterns of console errors that the test brings about;
+ * - `context`: options of the browser's context.
+ */
+export function browserTests(...serverOptions) {
+  let browser;
+  let instrument;
+  before(async () => {
+    [instrument, browser] = await Promise.all([
+      Instrument.start(...serverOptions),
+      chromium.launch({ executablePath: '/usr/bin/chromium', args: flags }),
+    ]);
+  });
+  after(() => Promise.all([browser?.close(), instrument?.stop()]));
+
+  return (name, options, body) =>
+    test(name, async () => {
+      const { path = '#/status', scenario = 'everyday', expected = [] } = options;
+      await instrument.load(scenario);
+      const context = await browser.newContext({
+        baseURL: instrument.origin,
+        httpCredentials: instrument.credentials,
+        viewport: { width: 1280, height: 800 },
+        reducedMotion: 'reduce',
+        ...options.context,
+      });
+      try {
+        context.setDefaultTimeout(limit);
+        await context.addInitScript(inPage, !options.isPatient && !options.isClockOurs);
+        const page = await context.newPage();
+        if (options.isClockOurs) {
+          await page.clock.install();
+        }
+        const complaints = watch(page, instrument.origin, expected);
+        try {
+          await page.goto(`/${path}`);
+          await body(page, instrument);
+        } catch (error) {
+          mkdirSync(screenshots, { recursive: true });
+          const file = `${screenshots}/failed-${name.replace(/\W+/g, '-')}.png`;
+          await page.screenshot({ path: file }).catch(() => {});
+          error.message += `\n${file}${complaints.map((text) => `\n${text}`).join('')}`;
+          throw error;
+        }
+        assert.deepEqual(complaints, []);
+      } finally {
+        await context.close();
+      }
+    });
+}
+
+export function button(where, name, options = {}) {
+  return where.getByRole('button', { name, exact: true, ...options });
+}
+
+/** Waits until an element with this test id says so. */
+export async function says(page, testId, text) {
+  await page.getByTestId(testId).filter({ hasText: text }).waitFor();
+}
+
+/** The texts by which an element is described, which for an action that is off is the reason. */
+export function describedBy(locator) {
+  return locator.evaluate((element) =>
+    (element.getAttribute('aria-describedby') ?? '')
+      .split(' ')
+      .map((id) => document.getElementById(id)?.textContent ?? '')
+      .join(' '),
+  );
+}
