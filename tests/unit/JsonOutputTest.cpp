@@ -81,6 +81,7 @@ constexpr TextRow cTexts[] = {
     {"\xE2\x82", FFFD FFFD},
     {"\xF0\x9F\x98", FFFD FFFD FFFD},
     {"\xF0", FFFD},
+    {"20 \xF0", "20 " FFFD},
     {"\xE2(\xA1", FFFD "(" FFFD},
     {"\xE2\x82\xE2\x82\xAC", FFFD FFFD "\xE2\x82\xAC"},
     {"Erdgas 20\xB0"
