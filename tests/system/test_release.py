@@ -3,6 +3,7 @@
 The stand-ins of the build under test are named as if they were the maker's.
 """
 
+import fcntl
 import re
 import subprocess
 from pathlib import Path
@@ -38,9 +39,12 @@ def installed(bin_dir: Path, tmp_path_factory: pytest.TempPathFactory) -> Path:
     """The folder into which the tool was installed."""
     build = bin_dir.parent / "as-installed"  # kept with the build, so that it is made only once
     prefix = tmp_path_factory.mktemp("prefix")
-    assert configure(bin_dir, build, list(LIBRARIES)).returncode == 0
-    run("cmake", "--build", build)
-    run("cmake", "--install", build, "--prefix", prefix)
+    with (bin_dir.parent / "as-installed.lock").open("w") as lock:
+        # Every worker of a run makes this fixture; CMake and Ninja stand only one at a time.
+        fcntl.flock(lock, fcntl.LOCK_EX)
+        assert configure(bin_dir, build, list(LIBRARIES)).returncode == 0
+        run("cmake", "--build", build)
+        run("cmake", "--install", build, "--prefix", prefix)
     return prefix
 
 
