@@ -5,8 +5,11 @@ target_compile_options(gc_options INTERFACE
   -fvisibility=hidden -fvisibility-inlines-hidden)
 # A request lives for milliseconds, most of them in the loader: short symbol tables, no lazy
 # binding machinery, and read-only relocations as hardening that costs nothing more.
+define_property(TARGET PROPERTY GC_HARDENED INHERITED BRIEF_DOCS "Whether relocations end read-only")
+set_property(DIRECTORY PROPERTY GC_HARDENED ON)
 target_link_options(gc_options INTERFACE
-  -Wl,--hash-style=gnu -Wl,-O1 -Wl,--as-needed -Wl,-z,relro -Wl,-z,now)
+  -Wl,--hash-style=gnu -Wl,-O1 -Wl,--as-needed
+  $<$<BOOL:$<TARGET_PROPERTY:GC_HARDENED>>:-Wl,-z,relro,-z,now>)
 
 set(GC_SANITIZE "" CACHE STRING "Sanitizers, as in -fsanitize=")
 if(GC_SANITIZE)
