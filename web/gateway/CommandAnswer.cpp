@@ -7,7 +7,6 @@
 #include <csignal>
 #include <cstdio>
 #include <optional>
-#include <thread>
 
 #include "CommandBody.h"
 #include "CommandLog.h"
@@ -54,17 +53,6 @@ Descriptor makeFile(const std::string& aContent) {
   return file;
 }
 
-bool lockWithin(const FileLock& aLock, std::chrono::milliseconds aTime) {
-  const Clock::time_point end = Clock::now() + aTime;
-  while (!aLock.tryLock()) {
-    if (Clock::now() >= end) {
-      return false;
-    }
-    std::this_thread::sleep_for(cBetweenTries);
-  }
-  return true;
-}
-
 /// From here on the command is carried to its end: the web server tells with a signal that the
 /// browser has gone.
 void ignoreFarewells() {
@@ -107,7 +95,7 @@ void answerCommand(cgicc::CgiInput& input, const Limits& aLimits, const Reply& a
     aReply(render(problem(500, "GC_WEB_STATE is no folder to write to.")));
     return;
   }
-  if (!lockWithin(lock, aLimits.otherCommand)) {
+  if (!lock.lockUntil(Clock::now() + aLimits.otherCommand)) {
     aReply(render(problem(409, "Another command is still going on.")));
     return;
   }

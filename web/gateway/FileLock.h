@@ -1,26 +1,23 @@
 // A lock between the gateway's processes; the kernel releases it when its holder ends in any way.
 #pragma once
 
-#include <fcntl.h>
-#include <sys/file.h>
-
-#include <chrono>
 #include <string>
 
 #include "Descriptor.h"
+#include "Settings.h"
 
 class FileLock {
  public:
   /// Opens the file, which stays when the lock is gone.
-  explicit FileLock(const std::string& aPath)
-      : mFile(::open(aPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600)) {}
+  explicit FileLock(const std::string& aPath);
 
   bool isOpen() const { return mFile.isOpen(); }
-  bool tryLock() const { return ::flock(mFile.get(), LOCK_EX | LOCK_NB) == 0; }
+  /// The file, for who keeps something in it.
+  int file() const { return mFile.get(); }
+  bool tryLock() const;
+  /// Waits for whoever holds it; false when the time is over. Takes the alarm clock for that.
+  bool lockUntil(Clock::time_point aTime) const;
 
  private:
   Descriptor mFile;
 };
-
-/// How often a lock that another process holds is tried. There is no wait with a time limit.
-constexpr std::chrono::milliseconds cBetweenTries{10};

@@ -27,8 +27,7 @@ struct Limits {
   std::chrono::milliseconds otherCommand{5000};  ///< waiting for one to end
   std::chrono::milliseconds otherStatus{25000};  ///< waiting for somebody else's answer
   std::chrono::milliseconds freshStatus{1000};   ///< how long an answer is shared
-  std::size_t output = 8UL * 1024UL * 1024UL;    ///< octets on the tool's standard output
-  std::size_t errors = 64UL * 1024UL;            ///< octets on its standard error
+  std::size_t output = 8UL * 1024UL * 1024UL;    ///< octets on either output that are too many
 };
 
 /// Fills the settings that reports need, and those that only commands need. Returns the answer that

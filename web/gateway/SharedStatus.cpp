@@ -4,14 +4,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <charconv>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <ctime>
-#include <fstream>
-#include <iterator>
 #include <optional>
-#include <thread>
+#include <system_error>
 
 #include "FileLock.h"
 
@@ -34,37 +33,40 @@ bool isFresh(std::int64_t aAge, const Limits& aLimits) {
 
 /// The file is a line with the time since the system's start and the length of the answer, then the
 /// answer. Its date must be recent too: the line alone may be of an earlier start.
-std::optional<std::string> readAnswer(const std::string& aPath, const Limits& aLimits) {
+std::optional<std::string> readAnswer(int aFile, const Limits& aLimits) {
   struct stat file = {};
-  if (::stat(aPath.c_str(), &file) != 0 ||
+  if (::fstat(aFile, &file) != 0 || file.st_size == 0 ||
       !isFresh(now(CLOCK_REALTIME) - millisecondsOf(file.st_mtim), aLimits)) {
     return std::nullopt;
   }
-  std::ifstream input(aPath, std::ios::binary);
+  std::string text(static_cast<std::size_t>(file.st_size), '\0');
+  if (::pread(aFile, text.data(), text.size(), 0) != file.st_size) {
+    return std::nullopt;
+  }
+  const std::size_t line = std::min(text.find('\n'), text.size() - 1);
   std::int64_t written = 0;
   std::size_t length = 0;
-  input >> written >> length;
-  if (!input || input.get() != '\n') {
+  const auto [space, fault] = std::from_chars(text.data(), &text[line], written);
+  const bool isTime = fault == std::errc() && *space == ' ';
+  if (!isTime || std::from_chars(space + 1, &text[line], length).ptr != &text[line] ||
+      length != text.size() - line - 1) {
     return std::nullopt;
   }
-  const std::string answer{std::istreambuf_iterator<char>(input), std::istreambuf_iterator<char>()};
   const std::int64_t age = now(CLOCK_BOOTTIME) - written;
-  if (answer.size() != length || !isFresh(age, aLimits)) {
+  if (!isFresh(age, aLimits)) {
     return std::nullopt;
   }
-  return "Age: " + std::to_string(age / 1000) + "\r\n" + answer;
+  return "Age: " + std::to_string(age / 1000) + "\r\n" + text.substr(line + 1);
 }
 
-/// Only the holder of the lock writes. What cannot be kept is asked for again.
-void keepAnswer(const std::string& aPath, const std::string& aAnswer) {
-  const std::string unfinished = aPath + ".new";
-  std::ofstream output(unfinished, std::ios::binary | std::ios::trunc);
-  output << now(CLOCK_BOOTTIME) << ' ' << aAnswer.size() << '\n' << aAnswer;
-  output.close();
-  if (output) {
-    std::rename(unfinished.c_str(), aPath.c_str());
-  } else {
-    ::unlink(unfinished.c_str());
+/// Only the holder of the lock writes. Who reads meanwhile finds less than the line says, as does
+/// who reads what could not be kept as a whole, and asks again.
+void keepAnswer(int aFile, const std::string& aAnswer) {
+  const std::string line =
+      std::to_string(now(CLOCK_BOOTTIME)) + ' ' + std::to_string(aAnswer.size()) + '\n';
+  if (::ftruncate(aFile, 0) == 0) {
+    const std::string text = line + aAnswer;
+    static_cast<void>(::pwrite(aFile, text.data(), text.size(), 0));
   }
 }
 
@@ -72,25 +74,23 @@ void keepAnswer(const std::string& aPath, const std::string& aAnswer) {
 
 std::string shareStatus(const std::string& aStateFolder, const Limits& aLimits,
                         const std::function<std::string()>& aAsk) {
-  const FileLock lock(aStateFolder + "/status.lock");
+  const FileLock lock(aStateFolder + "/status.answer");
   if (!lock.isOpen()) {
     return render(problem(500, "GC_WEB_STATE is no folder to write to."));
   }
-  const std::string path = aStateFolder + "/status.answer";
-  const Clock::time_point end = Clock::now() + aLimits.otherStatus;
-  while (true) {
-    const bool isLocked = lock.tryLock();
-    if (std::optional<std::string> answer = readAnswer(path, aLimits)) {
-      return *answer;
-    }
-    if (isLocked) {
-      std::string answer = aAsk();
-      keepAnswer(path, answer);
-      return answer;
-    }
-    if (Clock::now() >= end) {
-      return render(problem(504, "Somebody else's request for the status has not ended."));
-    }
-    std::this_thread::sleep_for(cBetweenTries);
+  bool isLocked = lock.tryLock();
+  std::optional<std::string> answer = readAnswer(lock.file(), aLimits);
+  if (!answer && !isLocked) {
+    isLocked = lock.lockUntil(Clock::now() + aLimits.otherStatus);
+    answer = readAnswer(lock.file(), aLimits);
   }
+  if (answer) {
+    return *answer;
+  }
+  if (!isLocked) {
+    return render(problem(504, "Somebody else's request for the status has not ended."));
+  }
+  answer = aAsk();
+  keepAnswer(lock.file(), *answer);
+  return *answer;
 }

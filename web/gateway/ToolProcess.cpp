@@ -2,13 +2,14 @@
 #include "ToolProcess.h"
 
 #include <fcntl.h>
-#include <poll.h>
+#include <sys/mman.h>
 #include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <csignal>
 #include <cstddef>
 #include <ctime>
@@ -19,21 +20,6 @@ namespace {
 // Longest single wait in a system call; the loops around it look at the clock.
 constexpr std::chrono::milliseconds cLongestWait{1000};
 constexpr int cCannotExecute = 127;
-
-struct Pipe {
-  Descriptor reader;
-  Descriptor writer;
-};
-
-bool open(Pipe& aPipe) {
-  int ends[2] = {-1, -1};
-  if (::pipe2(ends, O_CLOEXEC) != 0) {
-    return false;
-  }
-  aPipe.reader = Descriptor(ends[0]);
-  aPipe.writer = Descriptor(ends[1]);
-  return true;
-}
 
 /// Milliseconds that may be waited in one go; 0 when the time is over.
 int waitBefore(Clock::time_point aTime) {
@@ -69,8 +55,20 @@ struct Start {
   int output;
   int errors;
   int file;
+  rlim_t limit;    ///< of either output
   pid_t endsWith;  ///< the process whose end is the tool's too; 0 for none
 };
+
+/// A report that prints too much is ended by it; a command's further output is lost.
+bool limitOutput(const Start& aStart) {
+  rlimit size = {};
+  if (::getrlimit(RLIMIT_FSIZE, &size) != 0) {
+    return false;
+  }
+  size.rlim_cur = std::min(aStart.limit, size.rlim_max);
+  std::signal(SIGXFSZ, aStart.endsWith != 0 ? SIG_DFL : SIG_IGN);
+  return ::setrlimit(RLIMIT_FSIZE, &size) == 0;
+}
 
 /// The child's way to the tool. Between fork and exec nothing may allocate.
 [[noreturn]] void becomeTool(const Start& aStart) {
@@ -89,8 +87,8 @@ struct Start {
     ::_exit(cCannotExecute);
   }
   const int null = ::open("/dev/null", O_RDONLY);
-  if (::dup2(null, STDIN_FILENO) < 0 || ::dup2(aStart.output, STDOUT_FILENO) < 0 ||
-      ::dup2(aStart.errors, STDERR_FILENO) < 0) {
+  if (!limitOutput(aStart) || ::dup2(null, STDIN_FILENO) < 0 ||
+      ::dup2(aStart.output, STDOUT_FILENO) < 0 || ::dup2(aStart.errors, STDERR_FILENO) < 0) {
     ::_exit(cCannotExecute);
   }
   int firstToClose = STDERR_FILENO + 1;
@@ -109,7 +107,10 @@ struct Start {
 }  // namespace
 
 ToolProcess::ToolProcess(const Settings& aSettings, const Limits& aLimits, const ToolCall& aCall)
-    : mLimits(aLimits), mIsReport(isReport(aCall.operation)) {
+    : mLimits(aLimits),
+      mIsReport(isReport(aCall.operation)),
+      mOutput(::memfd_create("output", MFD_CLOEXEC)),
+      mErrors(::memfd_create("errors", MFD_CLOEXEC)) {
   mOutcome.started = start(aSettings, aCall);
 }
 
@@ -134,26 +135,24 @@ bool ToolProcess::start(const Settings& aSettings, const ToolCall& aCall) {
   }
   const std::vector<char*> arguments = pointersTo(texts);
   const std::vector<char*> environment = pointersTo(variables);
-  Pipe output;
-  Pipe errors;
-  if (!open(output) || !open(errors)) {
+  if (!mOutput.isOpen() || !mErrors.isOpen()) {
     return false;
   }
-  const Start childStart = {arguments.data(),    environment.data(), output.writer.get(),
-                            errors.writer.get(), aCall.file,         mIsReport ? ::getpid() : 0};
+  const Start childStart = {
+      arguments.data(), environment.data(),        mOutput.get(), mErrors.get(), aCall.file,
+      mLimits.output,   mIsReport ? ::getpid() : 0};
   mProcess = ::fork();
   if (mProcess == 0) {
     becomeTool(childStart);
   }
-  mOutput = std::move(output.reader);
-  mErrors = std::move(errors.reader);
   return mProcess > 0;
 }
 
 bool ToolProcess::waitUntil(Clock::time_point aTime) {
-  const bool hasEnded = readUntil(aTime) && reapUntil(aTime);
-  mOutcome.late = !hasEnded && !isGivenUp();
-  return hasEnded;
+  mOutcome.late = !reapUntil(aTime);
+  mOutcome.output = collect(mOutput);
+  mOutcome.errors = collect(mErrors);
+  return !mOutcome.late;
 }
 
 void ToolProcess::waitForEnd() {
@@ -162,37 +161,18 @@ void ToolProcess::waitForEnd() {
   }
 }
 
-void ToolProcess::collect(Descriptor& from, std::string& text, std::size_t aLimit) {
-  char buffer[16384];
-  const ssize_t count = ::read(from.get(), buffer, sizeof buffer);
-  if (count > 0) {
-    const auto size = static_cast<std::size_t>(count);
-    mOutcome.tooMuch = mOutcome.tooMuch || size > aLimit - text.size();
-    text.append(buffer, std::min(size, aLimit - text.size()));
-  } else if (count == 0 || errno != EINTR) {
-    from.close();
+/// What the tool has printed so far.
+std::string ToolProcess::collect(const Descriptor& aFrom) {
+  struct stat file = {};
+  if (!aFrom.isOpen() || ::fstat(aFrom.get(), &file) != 0) {
+    return {};
   }
-}
-
-/// True when the tool has closed both outputs.
-bool ToolProcess::readUntil(Clock::time_point aTime) {
-  while (mOutput.isOpen() || mErrors.isOpen()) {
-    const int wait = waitBefore(aTime);
-    if (wait == 0 || isGivenUp()) {
-      return false;
-    }
-    pollfd ends[] = {{mOutput.get(), POLLIN, 0}, {mErrors.get(), POLLIN, 0}};
-    if (::poll(ends, 2, wait) <= 0) {
-      continue;
-    }
-    if (ends[0].revents != 0) {
-      collect(mOutput, mOutcome.output, mLimits.output);
-    }
-    if (ends[1].revents != 0) {
-      collect(mErrors, mOutcome.errors, mLimits.errors);
-    }
-  }
-  return true;
+  const auto size = static_cast<std::size_t>(file.st_size);
+  mOutcome.tooMuch = mOutcome.tooMuch || size >= mLimits.output;
+  std::string text(size, '\0');
+  const ssize_t count = ::pread(aFrom.get(), text.data(), text.size(), 0);
+  text.resize(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+  return text;
 }
 
 bool ToolProcess::reapUntil(Clock::time_point aTime) {

@@ -13,7 +13,7 @@
 struct Outcome {
   bool started = false;
   bool late = false;     ///< had not ended in its time
-  bool tooMuch = false;  ///< printed more than is kept; the rest is dropped
+  bool tooMuch = false;  ///< printed more than is kept, which ends a report; the rest is dropped
   int status = 0;        ///< as of waitpid
   std::string output;
   std::string errors;
@@ -28,8 +28,8 @@ class ToolProcess {
   ToolProcess(const ToolProcess&) = delete;
   ToolProcess& operator=(const ToolProcess&) = delete;
 
-  /// Reads what the tool prints until it has ended (true) or the time is over (false, and late). A
-  /// report that prints too much is not waited for.
+  /// Waits until the tool has ended (true) or the time is over (false, and late), and reads what it
+  /// has printed.
   bool waitUntil(Clock::time_point aTime);
   /// Waits as long as it takes.
   void waitForEnd();
@@ -38,13 +38,13 @@ class ToolProcess {
 
  private:
   bool start(const Settings& aSettings, const ToolCall& aCall);
-  bool isGivenUp() const { return mIsReport && mOutcome.tooMuch; }
-  void collect(Descriptor& from, std::string& text, std::size_t aLimit);
-  bool readUntil(Clock::time_point aTime);
+  std::string collect(const Descriptor& aFrom);
   bool reapUntil(Clock::time_point aTime);
 
   const Limits mLimits;
   const bool mIsReport;
+  // Files without names. A pipe's reader is woken again and again, which takes longer than all else
+  // that the gateway does.
   Descriptor mOutput;
   Descriptor mErrors;
   pid_t mProcess = -1;  ///< -1 when there is none, or no longer

@@ -1,4 +1,5 @@
 // Commands exclude each other, outlive the browser and are logged.
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/stat.h>
 #include <sys/wait.h>

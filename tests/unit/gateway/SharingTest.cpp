@@ -1,6 +1,9 @@
 // The status that several ask for at a time.
+#include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <ctime>
@@ -159,7 +162,7 @@ TEST_F(SharedStatus, OfAnEarlierStartOfTheSystemIsIgnored) {
 TEST_F(SharedStatus, IsNotWaitedForForEver) {
   toolCounts();
   limits.otherStatus = std::chrono::milliseconds(30);
-  const FileLock other(path("status.lock"));
+  const FileLock other(path("status.answer"));
   ASSERT_TRUE(other.tryLock());
   EXPECT_EQ(report("/api/status").status, 504);
   EXPECT_EQ(runs(), 0U);
@@ -168,7 +171,7 @@ TEST_F(SharedStatus, IsNotWaitedForForEver) {
 TEST_F(SharedStatus, IsReadWhileSomebodyAsks) {
   toolCounts();
   report("/api/status");
-  const FileLock other(path("status.lock"));
+  const FileLock other(path("status.answer"));
   ASSERT_TRUE(other.tryLock());
   EXPECT_EQ(report("/api/status").headers.count("Age"), 1U);
 }
@@ -193,10 +196,23 @@ TEST_F(SharedStatus, NeedsItsFolder) {
 
 TEST_F(SharedStatus, IsAnsweredAlsoWhenItCannotBeKept) {
   toolCounts();
-  ASSERT_EQ(::mkdir(path("status.answer.new").c_str(), 0700), 0);
-  EXPECT_EQ(report("/api/status").status, 200);
-  EXPECT_EQ(report("/api/status").status, 200);
+  rlimit before = {};
+  ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+  const rlimit small = {40, before.rlim_max};
+  const auto action = std::signal(SIGXFSZ, SIG_IGN);
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+  EXPECT_EQ(report("/api/status").body, "{\"a\": 1}");
+  EXPECT_EQ(report("/api/status").body, "{\"a\": 1}");
+  ::setrlimit(RLIMIT_FSIZE, &before);
+  std::signal(SIGXFSZ, action);
   EXPECT_EQ(runs(), 2U);
+}
+
+TEST_F(SharedStatus, IsNotFollowedElsewhere) {
+  write("elsewhere", "mine");
+  ASSERT_EQ(::symlink(path("elsewhere").c_str(), path("status.answer").c_str()), 0);
+  EXPECT_EQ(report("/api/status").status, 500);
+  EXPECT_EQ(contentOf("elsewhere"), "mine");
 }
 
 }  // namespace
