@@ -68,7 +68,10 @@ void carryOut(const Settings& aSettings, const Limits& aLimits, const CommandLog
   const Answer answer = judge(entry.call.operation, tool.outcome());
   if (!hasEnded) {
     aReply(render(answer));
-    tool.waitForEnd();
+    // Else nobody could ever command again.
+    if (!tool.waitUntil(Clock::now() + aLimits.hung)) {
+      tool.end();
+    }
   }
   entry.status = answer.status;
   entry.document = judge(entry.call.operation, tool.outcome()).body;

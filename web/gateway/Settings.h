@@ -24,6 +24,7 @@ struct Settings {
 struct Limits {
   std::chrono::milliseconds report{20000};       ///< then it is ended
   std::chrono::milliseconds command{120000};     ///< then it goes on without the browser
+  std::chrono::milliseconds hung{3600000};       ///< then the command is ended too: it never will
   std::chrono::milliseconds otherCommand{5000};  ///< waiting for one to end
   std::chrono::milliseconds otherStatus{25000};  ///< waiting for somebody else's answer
   std::chrono::milliseconds freshStatus{1000};   ///< how long an answer is shared

@@ -115,10 +115,8 @@ ToolProcess::ToolProcess(const Settings& aSettings, const Limits& aLimits, const
 }
 
 ToolProcess::~ToolProcess() {
-  if (mProcess > 0 && mIsReport) {
-    ::kill(mProcess, SIGKILL);
-    ::waitpid(mProcess, nullptr, 0);
-    mProcess = -1;
+  if (mIsReport) {
+    end();
   }
   waitForEnd();
 }
@@ -158,6 +156,13 @@ bool ToolProcess::waitUntil(Clock::time_point aTime) {
 void ToolProcess::waitForEnd() {
   while (mProcess > 0) {
     waitUntil(Clock::now() + cLongestWait);
+  }
+}
+
+void ToolProcess::end() {
+  if (mProcess > 0) {
+    ::kill(mProcess, SIGKILL);
+    waitForEnd();
   }
 }
 

@@ -33,6 +33,8 @@ class ToolProcess {
   bool waitUntil(Clock::time_point aTime);
   /// Waits as long as it takes.
   void waitForEnd();
+  /// Ends the tool if it still runs.
+  void end();
 
   const Outcome& outcome() const { return mOutcome; }
 

@@ -154,6 +154,18 @@ TEST_F(CarriedOut, WaitsForAnotherToEnd) {
   EXPECT_STREQ(logged(1)["command"][0].GetString(), "-P");
 }
 
+TEST_F(CarriedOut, IsEndedWhenItNeverWouldBe) {
+  toolDoes("await " + fifo("open"));
+  limits.command = std::chrono::milliseconds(10);
+  limits.hung = std::chrono::milliseconds(10);
+  EXPECT_EQ(replyToCommand().status, 504);
+  ASSERT_EQ(log().size(), 1U);
+  EXPECT_EQ(logged(0)["status"], 504);
+  EXPECT_STREQ(logged(0)["document"]["detail"].GetString(), "The tool was ended by signal 9.");
+  toolDoes(std::string("out ") + cAccepted);
+  EXPECT_EQ(replyToCommand().status, 200);
+}
+
 TEST_F(CarriedOut, GoesOnAfterTheAnswerWhenItTakesLong) {
   const std::string open = fifo("open");
   toolDoes("await " + open + "\nout " + cAccepted);
