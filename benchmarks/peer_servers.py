@@ -2,7 +2,6 @@
 
 import json
 import os
-import shutil
 import socket
 import subprocess
 import sys
@@ -48,18 +47,11 @@ class Peer(NamedTuple):
 def install() -> list[str]:
     """Gets clients and servers; returns their names and versions."""
     subprocess.run([ROOT / "packaging/ensure-packages", *INSTALLED], check=True)
-    if not FOLDER.exists():
-        part = FOLDER.with_suffix(".part")
-        shutil.rmtree(part, ignore_errors=True)
-        part.mkdir(parents=True)
-        subprocess.run(["apt-get", "-qq", "download", *UNPACKED], cwd=part, check=True)
-        for package in part.glob("*.deb"):
-            subprocess.run(["dpkg-deb", "-x", package, part], check=True)
-        part.rename(FOLDER)
+    subprocess.run([ROOT / "packaging/unpack", FOLDER, *UNPACKED], check=True)
     query = ["dpkg-query", "-W", "-f", "${Package} ${Version}\n", *INSTALLED[:6]]
     installed = subprocess.run(query, capture_output=True, text=True, check=True).stdout
-    unpacked = [" ".join(file.name.split("_")[:2]) for file in sorted(FOLDER.glob("*.deb"))]
-    return installed.splitlines() + [name.replace("%3a", ":") for name in unpacked]
+    archives = (FOLDER / "archives").read_text().replace("%3a", ":").splitlines()
+    return installed.splitlines() + [" ".join(name.split("_")[:2]) for name in archives]
 
 
 def free_port(kind: socket.SocketKind) -> str:
