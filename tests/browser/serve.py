@@ -8,35 +8,16 @@ Takes the modules of the system tests and of the web server's tests, which are i
 import argparse
 import json
 import os
-import random
 import shutil
-import socket
 import sys
 import tempfile
-from collections.abc import Iterator
-from contextlib import ExitStack, contextmanager
+from contextlib import ExitStack
 from pathlib import Path
 
-from programs import PORT, ROOT, Simulator
+from programs import ROOT, Simulator, free_address
 from server import CONFIGURATION, PASSWORD, USER, WEB_PORT, WebServer, write_passwords
 
 BIN_DIR = Path(os.environ.get("GC_BIN_DIR", ROOT / "build" / "dev" / "bin")).resolve()
-
-
-@contextmanager
-def free_address() -> Iterator[str]:
-    """A loopback address that nobody else has meanwhile; claimed as the system tests claim theirs."""
-    while True:
-        candidate = "127." + ".".join(str(random.randint(1, 254)) for _ in range(3))
-        with socket.socket() as claim, socket.socket() as probe:
-            try:
-                claim.bind((candidate, PORT - 1))
-                probe.bind((candidate, PORT))
-            except OSError:
-                continue
-            probe.close()
-            yield candidate
-            return
 
 
 def main() -> None:

@@ -2,7 +2,6 @@
 
 import json
 import os
-import random
 import shutil
 import socket
 import subprocess
@@ -14,7 +13,18 @@ from typing import Any
 
 import pytest
 from failures import write_table
-from programs import EMULATOR, INPUT_FILES, PORT, ROOT, Run, Simulator, Tool, is_valid, load_scenario
+from programs import (
+    EMULATOR,
+    INPUT_FILES,
+    PORT,
+    ROOT,
+    Run,
+    Simulator,
+    Tool,
+    free_address,
+    is_valid,
+    load_scenario,
+)
 
 StartSimulator = Callable[..., Simulator]
 Traced = Callable[..., list[str]]
@@ -61,22 +71,9 @@ def folder() -> Iterator[Path]:
 
 @pytest.fixture
 def address() -> Iterator[str]:
-    """A loopback address that nobody else has, as long as the test runs.
-
-    The port below the controllers' is bound as the sign that it is taken, so that tests that run
-    at the same time, in this run or another, never get the same one.
-    """
-    while True:
-        candidate = "127." + ".".join(str(random.randint(1, 254)) for _ in range(3))
-        with socket.socket() as claim, socket.socket() as probe:
-            try:
-                claim.bind((candidate, PORT - 1))
-                probe.bind((candidate, PORT))
-            except OSError:
-                continue
-            probe.close()
-            yield candidate
-            return
+    """A loopback address that nobody else has, as long as the test runs."""
+    with free_address() as free:
+        yield free
 
 
 @pytest.fixture

@@ -3,13 +3,15 @@
 import getopt
 import json
 import os
+import random
 import re
 import select
 import shlex
 import socket
 import subprocess
 import time
-from collections.abc import Mapping, Sequence
+from collections.abc import Iterator, Mapping, Sequence
+from contextlib import contextmanager
 from dataclasses import dataclass
 from decimal import Decimal
 from pathlib import Path
@@ -97,6 +99,26 @@ def printed(document: dict[str, Any]) -> str:
 
     text = json.dumps(document, indent=4, ensure_ascii=False)
     return re.sub(r'(?<=": )-?[0-9.]+e[-+][0-9]+(?=,?$)', number, text, flags=re.MULTILINE) + "\n"
+
+
+@contextmanager
+def free_address() -> Iterator[str]:
+    """A loopback address that nobody else has meanwhile.
+
+    The port below the controllers' is bound as the sign that it is taken, so that tests that run
+    at the same time, in this run or another, never get the same one.
+    """
+    while True:
+        candidate = "127." + ".".join(str(random.randint(1, 254)) for _ in range(3))
+        with socket.socket() as claim, socket.socket() as probe:
+            try:
+                claim.bind((candidate, PORT - 1))
+                probe.bind((candidate, PORT))
+            except OSError:
+                continue
+            probe.close()
+            yield candidate
+            return
 
 
 @dataclass(frozen=True)
