@@ -36,6 +36,14 @@ TEST_F(BatchTest, EmptyMapIsOneCallOfNoRecords) {
   EXPECT_THAT(mInstrument.calls(), ElementsAre("ReadParamList(7, 0)", "WriteParamList(8, 0)"));
 }
 
+/// Where a long has 64 bits, only the lower half of a status is the batch's.
+TEST_F(BatchTest, StatusHas32Bits) {
+  mInstrument.setStatus(eFunction::eReadParamList, ~0xFFFFFFFFUL | 5);
+  mInstrument.setStatus(eFunction::eWriteParamList, ~0xFFFFFFFFUL);
+  EXPECT_EQ(readParams(mMap, 7), 5U);
+  EXPECT_EQ(writeParams(mMap, 8), 0U);
+}
+
 TEST_F(BatchTest, ClosedMapIsOneCallOfNoRecords) {
   mMap.add("m", 0, 1);
   clearParamMap(mMap, true);

@@ -256,6 +256,16 @@ TEST(ResultObjectTest, VerdictOfACommandIsItsStatus) {
   }
 }
 
+/// Where a long has 64 bits, the words are those of the whole status, the code is its lower half.
+TEST(ResultObjectTest, VerdictIsOfTheWholeStatus) {
+  constexpr unsigned long cHigh = ~0xFFFFFFFFUL;
+  int result = 99;
+  const Output output = capture([&] { result = printVerdict(cHigh); });
+  EXPECT_EQ(result, 0);
+  EXPECT_EQ(output.out, std::string("{\n    \"ErrorCode\": 0,\n    \"Msg\": \"") +
+                            (cHigh != 0 ? "Refused" : "Accepted") + "\"\n}\n");
+}
+
 TEST(ResultObjectTest, TextMayBeEmptyOrLong) {
   EXPECT_EQ(printedResult(1, ""), "{\n    \"ErrorCode\": 1,\n    \"Msg\": \"\"\n}\n");
   const std::string text(5000, 'm');
