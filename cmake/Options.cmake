@@ -22,3 +22,15 @@ if(GC_SANITIZE)
   target_compile_definitions(gc_options INTERFACE _GLIBCXX_ASSERTIONS)
   target_link_options(gc_options INTERFACE -fsanitize=${GC_SANITIZE})
 endif()
+
+# For programs without shared libraries. The sanitizers' are shared; not every processor's C library
+# can put a static program at an address of chance.
+include(CheckLinkerFlag)
+check_linker_flag(CXX -static-pie GC_CAN_STATIC_PIE)
+if(GC_SANITIZE)
+  set(GC_STATIC "")
+elseif(GC_CAN_STATIC_PIE)
+  set(GC_STATIC -static-pie)
+else()
+  set(GC_STATIC -static)
+endif()

@@ -28,8 +28,11 @@ class AlarmClock {
     sigaddset(&alarm, SIGALRM);
     sigprocmask(SIG_UNBLOCK, &alarm, &mMask);
     const auto left = std::chrono::duration_cast<std::chrono::microseconds>(aTime - Clock::now());
-    const auto time = std::max<std::chrono::microseconds::rep>(left.count(), 1);
-    const itimerval timer = {cAgain, {time / 1000000, time % 1000000}};
+    const auto time = std::max(left, std::chrono::microseconds(1));
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
+    const itimerval timer = {
+        cAgain,
+        {static_cast<time_t>(seconds.count()), static_cast<suseconds_t>((time - seconds).count())}};
     ::setitimer(ITIMER_REAL, &timer, nullptr);
   }
   ~AlarmClock() {
