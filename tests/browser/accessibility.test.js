@@ -15,7 +15,9 @@ async function isAccessible(page) {
   }
   for (const colorScheme of ['light', 'dark']) {
     await page.emulateMedia({ colorScheme });
-    const { violations, passes } = await page.evaluate(() => window.axe.run(document));
+    const { violations, passes } = await page.evaluate(() =>
+      /** @type {any} */ (window).axe.run(document),
+    );
     const found = violations.flatMap(({ id, help, nodes }) =>
       nodes.map(({ target, failureSummary }) => `${id}: ${help}: ${target}: ${failureSummary}`),
     );

@@ -1,6 +1,6 @@
 // Alarms: shown everywhere, reset after a question, and said when they come back.
 import assert from 'node:assert/strict';
-import { browserTests, button, describedBy, says } from './support/browser.js';
+import { browserTests, button, describedBy, picture, says } from './support/browser.js';
 
 const browserTest = browserTests();
 const path = '#/alarms';
@@ -34,6 +34,7 @@ browserTest('an alarm that is reset', { path }, async (page, gc) => {
   assert.deepEqual(await gc.changes(), []);
   await button(await reset(page), 'Reset').click();
   await says(page, 'reset-outcome', /^Still active after the reset, because the cause persists: ./);
+  await picture(page, 'alarms', 1024);
 
   await gc.set('mAmbientTemp', 23);
   await button(await reset(page), 'Reset').click();

@@ -1,6 +1,6 @@
 // The calibration: amounts are sent, and every peak is still there afterwards.
 import assert from 'node:assert/strict';
-import { browserTests, button, says } from './support/browser.js';
+import { browserTests, button, picture, says } from './support/browser.js';
 import { choose, exported, refuses, send } from './support/tables.js';
 
 const browserTest = browserTests();
@@ -28,6 +28,7 @@ browserTest('amounts, and every peak still there', { path }, async (page, gc) =>
     assert.equal(await dialog.getByRole('row').count(), 3);
   });
   await says(page, 'table-message', isSame);
+  await picture(page, 'calibration', 1024);
   const expected = before.map((row) => ({ ...row }));
   expected[1].Level_amt = 85.125;
   expected[9].Level_amt = 0;

@@ -1,6 +1,6 @@
 // What the pages do without the instrument, without the web server, unseen, and with a wrong password.
 import assert from 'node:assert/strict';
-import { browserTests, button, describedBy, says } from './support/browser.js';
+import { browserTests, button, describedBy, picture, says } from './support/browser.js';
 
 const browserTest = browserTests();
 const unreachable = [/503/];
@@ -15,8 +15,9 @@ const actions = [
   'Load…',
 ];
 
-/** Whether the parts that show values are grey. */
+/** Whether the parts that show values are grey; the alarm sign is one of them. */
 async function isGrey(page) {
+  assert.equal(await page.locator('.live').getByTestId('alarm-sign').count(), 1);
   const filters = await page
     .locator('.live')
     .evaluateAll((parts) => parts.map((part) => getComputedStyle(part).filter));
@@ -52,13 +53,17 @@ browserTest(
         .waitFor();
       assert.equal(await isGrey(page), true);
       await allOff(page);
+      await picture(page, 'lost');
       await button(page, 'Switch').click({ force: true });
       await page.getByRole('link', { name: 'Status' }).click();
       await page.getByRole('region', { name: 'Channel 1' }).waitFor();
       assert.equal(await isGrey(page), true);
+      await page.getByRole('link', { name: 'Alarms' }).click();
+      assert.equal(await isGrey(page), true);
       await page.getByRole('link', { name: 'Wall' }).click();
       await page.locator('.stale-mark').waitFor();
       assert.equal(await isGrey(page), true);
+      await page.goBack();
       await page.goBack();
       await page.goBack();
     } finally {
@@ -72,6 +77,67 @@ browserTest(
     assert.deepEqual(await gc.changes(), []);
   },
 );
+
+browserTest(
+  'a command, and then no answers',
+  { ...lost, expected: unreachable },
+  async (page, gc) => {
+    await gc.fault({ kind: 'ignore', call: 'Command' });
+    await button(page, 'Start single run…').click();
+    await button(page.getByRole('dialog'), 'Start').click();
+    await says(page, 'notice', 'accepted. Waiting for the run to begin (state: Ready;');
+    await gc.fault({ kind: 'refuse', times: 0 });
+    await page.clock.fastForward(2_000);
+    await says(page, 'notice', 'Waiting for the run to begin, but there is no answer at present.');
+    await page.clock.fastForward(30_000);
+    await says(
+      page,
+      'notice',
+      'what became of it is not known: no answer has shown it within 30 s.',
+    );
+    // The first answer after that tells.
+    await gc.command(0);
+    await gc.control('fault', '--clear');
+    await page.clock.fastForward(5_000);
+    await says(page, 'notice', 'Single run on stream 1: the run has begun');
+  },
+);
+
+browserTest('another instrument at the same place', { isPatient: true }, async (page, gc) => {
+  await page.getByRole('region', { name: 'Channel 2 Dimethylpolysiloxane' }).waitFor();
+  await gc.control('load', 'four-channel');
+  await says(page, 'application', 'Refinery gas');
+  await page.getByRole('region', { name: 'Channel 3 Alumina, 10 m' }).waitFor();
+});
+
+browserTest('answers that are slow', { isClockOurs: true }, async (page, gc) => {
+  await gc.command(0);
+  await page.clock.fastForward(5_000);
+  await says(page, 'state', 'Running');
+  const held = [];
+  await page.route('**/api/status', (route) => held.push(route));
+  const answerAfter = async (seconds) => {
+    while (held.length === 0) {
+      await page.clock.runFor(100);
+    }
+    await page.clock.fastForward(seconds * 1000);
+    const answer = page.waitForResponse('**/api/status');
+    await held.shift().continue();
+    await answer;
+  };
+  // Twice more than the three seconds that are allowed between quick answers.
+  await answerAfter(6);
+  await page.locator('.stale-mark').waitFor({ state: 'detached' });
+  await page.clock.fastForward(6_000);
+  await page
+    .getByTestId('age')
+    .getByText(/^data [67] s old$/)
+    .waitFor();
+  await button(page, 'Abort now…', { disabled: false }).waitFor();
+  await page.clock.fastForward(4_000);
+  await button(page, 'Abort now…', { disabled: true }).waitFor();
+  await page.unrouteAll({ behavior: 'ignoreErrors' });
+});
 
 browserTest('no web server', { ...lost, expected: offline }, async (page) => {
   await button(page, 'Switch', { disabled: false }).waitFor();

@@ -13,7 +13,7 @@ const frame = "<iframe src='//evil.example'>";
 const peak = '<b onclick=alert(4)>'; // as long as a name can be
 
 const everyday = JSON.parse(
-  readFileSync(new URL('../../simulator/scenarios/everyday.json', import.meta.url)),
+  readFileSync(new URL('../../simulator/scenarios/everyday.json', import.meta.url), 'utf8'),
 );
 const folder = mkdtempSync(`${tmpdir()}/gc-hostile-`);
 after(() => rmSync(folder, { recursive: true }));

@@ -10,7 +10,7 @@ const operable = 'a[href], button:not([disabled]), input:not([disabled]), select
 
 /** In the page: what Tab has come to, with what is wrong there. */
 function focused() {
-  const element = document.activeElement;
+  const element = /** @type {HTMLElement} */ (document.activeElement);
   if (element === document.body) {
     return null;
   }

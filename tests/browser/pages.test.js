@@ -1,9 +1,10 @@
 // Every page: that it comes, how much comes with it, that it fits a telephone, and pictures of them.
 import assert from 'node:assert/strict';
-import { browserTests, screenshots } from './support/browser.js';
+import { browserTests, button, picture, says, screenshots } from './support/browser.js';
 import { pages } from './support/pages.js';
 
 const browserTest = browserTests();
+const phone = { width: 360, height: 740 };
 
 for (const { name, path, heading, content } of pages) {
   browserTest(`${name}: comes, from this server alone, and fits`, { path }, async (page) => {
@@ -12,14 +13,9 @@ for (const { name, path, heading, content } of pages) {
     await content(page);
     await page.getByText('Simulated: this is not a real instrument').waitFor();
     assert.match(await page.title(), / – Natural gas C6\+ \(simulated\)$/);
-    await page.screenshot({ path: `${screenshots}/${name}.png` });
-
     // On a telephone nothing reaches over the edge.
-    await page.setViewportSize({ width: 360, height: 740 });
+    await page.setViewportSize(phone);
     assert.equal(await page.evaluate(() => document.documentElement.scrollWidth), 360);
-    if (name === 'status') {
-      await page.screenshot({ path: `${screenshots}/status-360.png` });
-    }
   });
 }
 
@@ -59,54 +55,107 @@ browserTest('an address that no page has', { path: '#/nowhere' }, async (page) =
   await page.getByText('There is no such page.').waitFor();
 });
 
-const display = { viewport: { width: 1920, height: 1080 }, colorScheme: 'dark' };
-browserTest('wall: a run on a display', { path: '#/wall', context: display }, async (page, gc) => {
-  await gc.command(0);
-  await gc.control('step', 74);
-  const progress = page.getByRole('progressbar', { name: 'Run' });
-  await progress.and(page.locator('[aria-valuetext="1 min 14 s of 3 min 00 s"]')).waitFor();
-  await page.screenshot({ path: `${screenshots}/wall.png` });
-  // All of it can be seen, and nothing acted upon.
-  const { scrollHeight, scrollWidth } = await page.evaluate(() => {
-    const { scrollHeight, scrollWidth } = document.documentElement;
-    return { scrollHeight, scrollWidth };
+const displays = [
+  {
+    scenario: 'everyday',
+    context: { viewport: { width: 1280, height: 720 }, colorScheme: 'dark' },
+  },
+  { scenario: 'four-channel', context: { viewport: { width: 1920, height: 1080 } } },
+];
+for (const { scenario, context } of displays) {
+  const wall = { path: '#/wall', scenario, context };
+  browserTest(`wall: the automation of ${scenario} on a display`, wall, async (page, gc) => {
+    await gc.command(16);
+    await page.getByText('Flushing', { exact: true }).waitFor();
+    await gc.control('step', 200);
+    await page.getByRole('progressbar', { name: 'Run' }).waitFor();
+    await page.getByRole('row', { name: /^Channel 1( \d+\.\d+ at setpoint){3}$/ }).waitFor();
+    await page.getByRole('row', { name: /^Sample line \d+\.\d+ at setpoint$/ }).waitFor();
+    if (scenario === 'everyday') {
+      await picture(page, 'wall');
+    }
+    // All of it can be seen, and nothing acted upon.
+    const size = await page.evaluate(() => {
+      const { scrollWidth, scrollHeight } = document.documentElement;
+      return { width: scrollWidth, height: scrollHeight };
+    });
+    assert.deepEqual(size, context.viewport);
+    for (const role of ['button', 'textbox', 'checkbox', 'combobox', 'spinbutton', 'navigation']) {
+      assert.equal(await page.getByRole(role).count(), 0, role);
+    }
   });
-  assert.deepEqual([scrollWidth, scrollHeight], [1920, 1080]);
-  for (const role of ['button', 'textbox', 'checkbox', 'combobox', 'spinbutton', 'navigation']) {
-    assert.equal(await page.getByRole(role).count(), 0, role);
-  }
-});
+}
 
-browserTest('status: a run, with all channels', { scenario: 'four-channel' }, async (page, gc) => {
-  for (const number of [1, 2, 3, 4]) {
-    await page.getByRole('region', { name: `Channel ${number}` }).waitFor();
-  }
-  await gc.command(0);
-  await gc.control('step', 97);
-  await page.getByText('1 min 37 s of 4 min 00 s').waitFor();
-  await page.screenshot({ path: `${screenshots}/status-running.png` });
-});
+browserTest(
+  'configuration: all channels, one of them disabled',
+  { path: '#/configuration', scenario: 'four-channel' },
+  async (page) => {
+    const row = page.getByRole('row', { name: '4 yes, disabled Dimethylpolysiloxane, 8 m' });
+    await row.waitFor();
+    await picture(page, 'configuration', 1024);
+  },
+);
 
-const warming = { scenario: 'warming-up', isClockOurs: true };
-browserTest('curves while the columns warm up', warming, async (page, gc) => {
-  await page.getByRole('region', { name: 'Last hour' }).waitFor();
-  for (let minute = 0; minute < 5; minute += 0.25) {
+/** Lets the instrument and the page's clock go on, with an answer every 15 seconds. */
+async function goOn(page, gc, minutes) {
+  for (let minute = 0; minute < minutes; minute += 0.25) {
     await gc.control('step', 15);
     await gc.forgetStatus();
     const answer = page.waitForResponse('**/api/status');
     await page.clock.fastForward(15_000);
     await answer;
   }
+}
+
+const four = { scenario: 'four-channel', isClockOurs: true };
+browserTest('status: a run, with all channels', four, async (page, gc) => {
+  for (const number of [1, 2, 3, 4]) {
+    await page.getByRole('region', { name: `Channel ${number}` }).waitFor();
+  }
+  await gc.command(0);
+  await goOn(page, gc, 2.25);
+  await page.getByText('2 min 15 s of 4 min 00 s').waitFor();
+  await picture(page, 'status-four-channels');
+});
+
+const warming = { scenario: 'warming-up', isClockOurs: true };
+browserTest('curves while the columns warm up', warming, async (page, gc) => {
+  await page.getByRole('region', { name: 'Last hour' }).waitFor();
+  await goOn(page, gc, 5);
   const numbers = page.getByRole('table', { name: 'Column temperature, all channels in numbers' });
   const row = numbers.getByRole('row', { name: 'Channel 1' });
   const [now, lowest, highest] = (await row.getByRole('cell').allTextContents()).map(Number);
   assert.ok(lowest < now - 10 && Math.abs(highest - now) < 0.1, `${lowest} ${now} ${highest}`);
   const curves = page.getByRole('img', { name: 'Curve: Column temperature, all channels' });
   await curves.locator('canvas').waitFor();
-  await page.setViewportSize({ width: 1280, height: 1150 });
-  await page.screenshot({ path: `${screenshots}/status-curves.png` });
 
   await page.getByLabel('Quantity').selectOption('Column pressure, channel 1');
   await page.getByRole('row', { name: /^Setpoint \d/ }).waitFor();
   await page.getByRole('img', { name: 'Curve: Column pressure, channel 1' }).waitFor();
+
+  // They go on while the instrument is at work.
+  await page.getByLabel('Quantity').selectOption('Column temperature, all channels');
+  await goOn(page, gc, 4);
+  await says(page, 'state', 'Ready');
+  await gc.command(0);
+  await goOn(page, gc, 2);
+  await page.getByText('2 min 00 s of 3 min 00 s').waitFor();
+  await picture(page, 'status');
+
+  // A page that is loaded again still has them.
+  await page.reload();
+  await numbers.getByRole('row', { name: /^Channel 1 \d+\.\d+ 2\d\./ }).waitFor();
+});
+
+browserTest('on a telephone', { context: { viewport: phone } }, async (page, gc) => {
+  await gc.command(0);
+  await gc.control('step', 74);
+  await page.getByText('1 min 14 s of 3 min 00 s').waitFor();
+  // What matters most is seen without scrolling.
+  await button(page, 'Abort now…', { disabled: false }).waitFor();
+  const { bottom } = await page
+    .getByRole('region', { name: 'Instrument' })
+    .evaluate((region) => region.getBoundingClientRect());
+  assert.ok(bottom <= phone.height, `${bottom}`);
+  await page.screenshot({ path: `${screenshots}/phone.png` });
 });

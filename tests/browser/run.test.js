@@ -1,6 +1,6 @@
 // Runs, automation, stream and solution: started, followed to their effect, stopped, and refused.
 import assert from 'node:assert/strict';
-import { browserTests, button, describedBy, says, screenshots } from './support/browser.js';
+import { browserTests, button, describedBy, picture, says } from './support/browser.js';
 
 const browserTest = browserTests();
 const path = '#/run';
@@ -57,14 +57,17 @@ browserTest('the automation, until its run has ended', { path }, async (page, gc
   await dialog.getByText('The table is run 2 times.').waitFor();
   await dialog.getByRole('row', { name: '1 Calibration 2 4 1 1.50' }).waitFor();
   assert.equal(await dialog.getByRole('row').count(), 4);
+  await picture(page, 'run-question', 1024);
   await button(dialog, 'Start').click();
   await says(page, 'notice', 'Automation: the automation has begun (state: Flushing;');
   await gc.control('step', 95);
   await progress(page, '5 s of 3 min 00 s');
-  await page.screenshot({ path: `${screenshots}/run-automation.png` });
   await button(page, 'Stop after this run').click();
   await says(page, 'notice', 'Stop after this run: accepted. Waiting for the present run to end');
-  await gc.control('step', 175);
+  await gc.control('step', 70);
+  await progress(page, '1 min 15 s of 3 min 00 s');
+  await picture(page, 'run');
+  await gc.control('step', 105);
   await says(page, 'notice', 'Stop after this run: the automation has ended');
   await says(page, 'automation', 'Idle');
 });
@@ -87,6 +90,7 @@ browserTest('a solution', { path }, async (page, gc) => {
 });
 
 // What is not done in time is said, with the limit in seconds.
+/** @type {[string, (page: import('playwright-core').Page) => Promise<void>, number, string][]} */
 const late = [
   [
     'run',
@@ -129,6 +133,50 @@ for (const [name, act, seconds, said] of late) {
     },
   );
 }
+
+browserTest('a state that changes while the question is asked', { path }, async (page, gc) => {
+  await button(page, 'Start single run…').click();
+  const dialog = page.getByRole('dialog');
+  await button(dialog, 'Start', { disabled: false }).waitFor();
+  await gc.command(0);
+  const off = button(dialog, 'Start', { disabled: true });
+  await off.waitFor();
+  assert.match(
+    await describedBy(off),
+    /^A run starts only from Ready\. The automation is: Running/,
+  );
+  await off.click({ force: true });
+  assert.deepEqual(await gc.changes(), []);
+  await dialog.waitFor();
+});
+
+browserTest('an abort does not wait for another command', { path }, async (page, gc) => {
+  const held = new Promise((resolve) => page.route('**/api/command/run', resolve));
+  await confirm(page, 'Start single run…', 'Start a single run?', 'Start');
+  const route = await held;
+  await says(page, 'notice', 'Single run on stream 1: being sent.');
+  await gc.command(0);
+  await says(page, 'state', 'Running');
+  assert.match(
+    await describedBy(button(page, 'Stop after this run', { disabled: true })),
+    /^Another command is being sent/,
+  );
+  await confirm(page, 'Abort now…', 'Abort now?', 'Abort now');
+  await says(page, 'notice', 'Abort now: the instrument has stopped');
+  await button(page, 'Switch', { disabled: true }).waitFor();
+  await route.fulfill({ status: 204 });
+  await button(page, 'Switch', { disabled: false }).waitFor();
+  await says(page, 'notice', 'Abort now: the instrument has stopped');
+});
+
+browserTest('a password that is asked for', { path, isClockOurs: true }, async (page) => {
+  await page.route('**/api/command/stream', () => {});
+  await button(page, 'Switch').click();
+  await says(page, 'notice', 'Stream 1: being sent.');
+  await page.clock.fastForward(3_000);
+  await says(page, 'notice', 'no answer yet. If the browser asks who you are, sign in there.');
+  await page.unrouteAll({ behavior: 'ignoreErrors' });
+});
 
 const expected = [/409/];
 browserTest('a refusal', { path, expected }, async (page, gc) => {

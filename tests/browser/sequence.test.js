@@ -1,6 +1,6 @@
 // The sequence: edited by the keyboard, checked, compared, sent, read back; conflicts and files.
 import assert from 'node:assert/strict';
-import { browserTests, button, describedBy, says, screenshots } from './support/browser.js';
+import { browserTests, button, describedBy, picture, says } from './support/browser.js';
 import { choose, exported, refuses, send } from './support/tables.js';
 
 const browserTest = browserTests();
@@ -31,7 +31,6 @@ browserTest('edited by the keyboard alone, sent and read back', { path }, async 
   const dialog = page.getByRole('dialog', { name: 'Send the sequence?' });
   await dialog.getByRole('row', { name: '~ changed 1 Calibration 2 → 7 4 1 1.5' }).waitFor();
   await isFocused(button(dialog, 'Cancel'));
-  await page.screenshot({ path: `${screenshots}/sequence-differences.png` });
   await press('Tab', 'Enter');
   await says(page, 'table-message', isSame);
   const parameters = await gc.parameters();
@@ -65,6 +64,7 @@ browserTest('a wrong value is not sent', { path }, async (page, gc) => {
   await cell(page, 'Solution', 1).fill('11');
   await page.getByText('must be at most 10').waitFor();
   await page.getByText('3 cells are not right.').waitFor();
+  await picture(page, 'sequence-problems', 1024);
   assert.equal(await page.getByRole('dialog').count(), 0);
   assert.deepEqual(await gc.changes(), []);
 });
@@ -73,12 +73,14 @@ browserTest('lines are added, copied, moved and deleted', { path }, async (page,
   await button(page, 'Delete line 1').click();
   await button(page, 'Duplicate line 1').click();
   await button(page, 'Add line').click();
+  await isFocused(cell(page, 'Type', 4));
   await button(page, 'Move line 4 up').click();
   await page.getByLabel('Runs of the whole table').fill('6');
   await page.getByLabel('Starts again after the last line').check();
   await send(page, 'sequence', async (dialog) => {
     await dialog.getByText('Runs of the whole table: 2 → 6').waitFor();
     await dialog.getByText('Starts again after the last line: no → yes').waitFor();
+    await picture(page, 'sequence', 1024);
   });
   await says(page, 'table-message', isSame);
   const { rows, ...header } = JSON.parse(await gc.report('sequence'));

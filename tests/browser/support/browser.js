@@ -75,10 +75,9 @@ export function browserTests(...serverOptions) {
   let browser;
   let instrument;
   before(async () => {
-    [instrument, browser] = await Promise.all([
-      Instrument.start(...serverOptions),
-      chromium.launch({ executablePath: '/usr/bin/chromium', args: flags }),
-    ]);
+    // One after the other: a browser that nobody knows of would keep this process from ending.
+    instrument = await Instrument.start(...serverOptions);
+    browser = await chromium.launch({ executablePath: '/usr/bin/chromium', args: flags });
   });
   after(() => Promise.all([browser?.close(), instrument?.stop()]));
 
@@ -116,6 +115,22 @@ export function browserTests(...serverOptions) {
         await context.close();
       }
     });
+}
+
+/** Takes a picture of the page for people to look at, without what is empty beside it and below. */
+export async function picture(page, name, width = page.viewportSize().width) {
+  const before = page.viewportSize();
+  await page.setViewportSize({ ...before, width });
+  const height = await page.evaluate(() =>
+    Math.max(
+      ...[...document.querySelectorAll('main, dialog')].map(
+        (part) => part.getBoundingClientRect().bottom + scrollY,
+      ),
+    ),
+  );
+  const clip = { x: 0, y: 0, width, height: Math.ceil(height) };
+  await page.screenshot({ path: `${screenshots}/${name}.png`, fullPage: true, clip });
+  await page.setViewportSize(before);
 }
 
 export function button(where, name, options = {}) {

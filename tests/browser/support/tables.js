@@ -3,7 +3,12 @@ import assert from 'node:assert/strict';
 import { readFile } from 'node:fs/promises';
 import { button, says } from './browser.js';
 
-/** Compares with the instrument, looks at the dialog, and sends. */
+/**
+ * Compares with the instrument, looks at the dialog, and sends.
+ * @param {import('playwright-core').Page} page
+ * @param {string} kind
+ * @param {(dialog: import('playwright-core').Locator) => Promise<unknown>} look
+ */
 export async function send(page, kind, look = async () => {}) {
   await button(page, 'Compare and send…').click();
   const dialog = page.getByRole('dialog', { name: `Send the ${kind}?`, exact: true });

@@ -13,8 +13,8 @@ export interface Fault {
 
 export type Answer<T> = { ok: true; value: T; ageSeconds: number } | { ok: false; fault: Fault };
 
-/** Milliseconds that an answer may take: those of the gateway, and a little more for its own. */
-export const timeLimits = { status: 10_000, report: 25_000, command: 130_000 } as const;
+/** Milliseconds that an answer may take: a little more than the gateway takes to say that there is none. */
+export const timeLimits = { status: 27_000, report: 25_000, command: 130_000 } as const;
 
 const textsOfStatus: Readonly<Record<number, string>> = {
   401: 'You are not signed in. Nothing was done.',

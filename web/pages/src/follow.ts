@@ -38,6 +38,19 @@ export function judge(follow: Follow, before: Status, status: Status, seconds: n
   };
 }
 
+/** The same while the instrument does not answer; a later answer may still show the effect. */
+export function judgeUnanswered(follow: Follow, seconds: number): Progress {
+  return seconds > follow.limitSeconds
+    ? {
+        phase: 'late',
+        text: `${follow.name}: accepted, but what became of it is not known: no answer has shown it within ${follow.limitSeconds} s.`,
+      }
+    : {
+        phase: 'waiting',
+        text: `${follow.name}: accepted. Waiting for ${follow.awaited}, but there is no answer at present.`,
+      };
+}
+
 function begins(
   name: string,
   what: string,

@@ -45,6 +45,31 @@ export class History {
     return points;
   }
 
+  /** All of it as a text, for the page that comes after this one. */
+  save(): string {
+    const names = [...this.series.keys()];
+    const times = this.points('').times;
+    return JSON.stringify({ times, series: names.map((name) => [name, this.points(name).values]) });
+  }
+
+  /** Takes up what `save` gave, up to the present; what is no such text is left. */
+  restore(text: string, now: number): void {
+    try {
+      const { times, series } = JSON.parse(text) as {
+        times: number[];
+        series: [string, (number | null)[]][];
+      };
+      times.forEach((time, index) => {
+        // A clock that was put back would put these after those to come.
+        if (time < now) {
+          this.add(time, new Map(series.map(([name, values]) => [name, values[index] ?? '-'])));
+        }
+      });
+    } catch {
+      // Without them the curves begin now.
+    }
+  }
+
   private place(index: number): number {
     return (this.begin + index) % this.capacity;
   }

@@ -3,7 +3,7 @@ import { render } from 'preact';
 import { App } from './App';
 import { warnBeforeLeaving } from './editors';
 import { start } from './store';
-import './style.css';
+import './styles/index.css';
 
 start();
 warnBeforeLeaving();

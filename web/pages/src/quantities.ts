@@ -1,6 +1,6 @@
 // The quantities with a setpoint: their names, decimals, and what counts as reached.
 import { channelKeys, type SetpointAndActual, type Status } from './documents';
-import { deviationOf, type Deviation } from './format';
+import { deviationOf, formatReal, type Deviation } from './format';
 
 export interface Quantity {
   key: 'Column_temp' | 'Injector_temp' | 'Column_press';
@@ -38,28 +38,35 @@ export const sampleLine = {
 } as const;
 
 export interface Controlled {
-  label: string;
+  actual: string;
   deviation: Deviation;
 }
 
-/** Everything that has a setpoint in this status. */
-export function controlledOf(status: Status): Controlled[] {
+export interface ControlledRow {
+  label: string;
+  /** In the order of `quantities`; of the sample line the first only. */
+  cells: Controlled[];
+}
+
+/** Everything that has a setpoint in this status, a row for each channel. */
+export function controlledOf(status: Status): ControlledRow[] {
   const build = (
-    label: string,
     pair: SetpointAndActual,
     { decimals, tolerance }: { decimals: number; tolerance: number },
-  ): Controlled => ({ label, deviation: deviationOf(pair, tolerance, decimals) });
-  const list = channelKeys.flatMap((key, index) => {
-    const channel = status[key];
-    return channel
-      ? quantities.map((quantity) =>
-          build(
-            `Channel ${index + 1} ${quantity.short.toLowerCase()}`,
-            channel[quantity.key],
-            quantity,
-          ),
-        )
-      : [];
+  ): Controlled => ({
+    actual: formatReal(pair.Actual, decimals),
+    deviation: deviationOf(pair, tolerance, decimals),
   });
-  return [...list, build(sampleLine.short, status.Sample_line_temp, sampleLine)];
+  const rows = channelKeys.flatMap((key, index) => {
+    const channel = status[key];
+    if (!channel) {
+      return [];
+    }
+    const cells = quantities.map((quantity) => build(channel[quantity.key], quantity));
+    return [{ label: `Channel ${index + 1}`, cells }];
+  });
+  const { Sample_line_temp: line } = status;
+  return line.Setpoint === '-' && line.Actual === '-'
+    ? rows
+    : [...rows, { label: 'Sample line', cells: [build(line, sampleLine)] }];
 }

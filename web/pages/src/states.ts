@@ -1,5 +1,5 @@
 // What the texts of the status say about the instrument, and which action that allows.
-import type { Status } from './documents';
+import { channelKeys, type Status } from './documents';
 
 /** The states of `GC_state` without their numbers; `Unknown` for any other text. */
 export const gcStates = [
@@ -43,6 +43,14 @@ export function isRunning(status: Status): boolean {
 
 export function isSimulated(status: Status): boolean {
   return status.Application.includes('(simulated)');
+}
+
+/** Whether what answers now may be configured otherwise than what answered before. */
+export function isOtherInstrument(before: Status, after: Status): boolean {
+  return (
+    before.Application !== after.Application ||
+    channelKeys.some((key) => key in before !== key in after)
+  );
 }
 
 export const actions = [

@@ -2,16 +2,19 @@
 import { computed, signal } from '@preact/signals';
 import { getReport, sendCommand, timeLimits, type Answer, type Fault } from './api';
 import type { Configuration, Status, Verdict } from './documents';
-import { judge, type Follow } from './follow';
+import { judge, judgeUnanswered, type Follow, type Progress } from './follow';
 import { History, historySeconds, measurementsOf } from './history';
 import { createPoller } from './poller';
-import { isRunning, reasonAgainst, type Action } from './states';
+import { isOtherInstrument, isRunning, reasonAgainst, type Action } from './states';
 
 /** Seconds between two requests for the status. */
 const intervals = { running: 1, quiet: 5 } as const;
 
 /** How many intervals without a good answer make the values stale. */
 const staleIntervals = 3;
+
+/** Milliseconds after which a command without an answer may be waiting for a password. */
+const patience = 3000;
 
 export const status = signal<Status | undefined>(undefined);
 /** When the shown status was true, in milliseconds; 0 before there is one. */
@@ -31,8 +34,8 @@ export interface Notice {
   text: string;
 }
 export const notice = signal<Notice | undefined>(undefined);
-/** The command that is being sent; others wait until it is answered. */
-export const isSending = signal(false);
+/** The commands that are being sent. */
+const sending = signal<readonly string[]>([]);
 
 let following: { follow: Follow; before: Status; since: number } | undefined;
 
@@ -49,51 +52,78 @@ export const ageSeconds = computed(() =>
 /** The interval that the latest answer was given for. */
 const planned = signal<number>(intervals.quiet);
 
-export const isStale = computed(() => ageSeconds.value > staleIntervals * planned.value);
+/**
+ * How long the latest good answers took: where they are slow, values are not stale while the next
+ * ones come. More than one, as the gateway gives the same answer again for a second.
+ */
+const answerSeconds = signal<readonly number[]>([]);
+
+export const isStale = computed(
+  () => ageSeconds.value > staleIntervals * planned.value + Math.max(0, ...answerSeconds.value),
+);
 
 /** Why the action cannot be taken now; empty when it can. */
 export function reasonNotTo(action: Action): string {
   if (!status.value || isStale.value) {
     return 'The state of the instrument is not known: there is no recent answer.';
   }
-  if (isSending.value) {
+  // What stops the instrument does not wait for anything but itself.
+  const isInTheWay = action === 'abort-now' ? sending.value.includes('abort') : sending.value[0];
+  if (isInTheWay) {
     return 'Another command is being sent.';
   }
   return reasonAgainst(action, status.value);
 }
 
-function takeStatus(answer: Answer<Status>): void {
+function showProgress({ phase, text }: Progress): void {
+  const kinds = { waiting: 'waiting', met: 'good', failed: 'bad', late: 'bad' } as const;
+  notice.value = { kind: kinds[phase], text };
+}
+
+function takeStatus(answer: Answer<Status>, seconds: number): void {
   now.value = Date.now();
   if (!answer.ok) {
     statusFault.value = answer.fault;
+    if (following) {
+      showProgress(judgeUnanswered(following.follow, (now.value - following.since) / 1000));
+    }
     return;
+  }
+  answerSeconds.value = [seconds, ...answerSeconds.value].slice(0, 4);
+  const wasLost = statusFault.value !== undefined;
+  if (status.value && isOtherInstrument(status.value, answer.value)) {
+    configuration.value = undefined;
   }
   const time = now.value - answer.ageSeconds * 1000;
   status.value = answer.value;
   statusTime.value = time;
   statusFault.value = undefined;
-  if (!configuration.value) {
-    // The instrument may have been away when the page was opened.
+  if (!configuration.value || wasLost) {
+    // The instrument may have been away when the page was opened, and may have come back changed.
     void loadConfiguration();
+  }
+  if (samples.value === 0) {
+    restoreHistory(answer.value);
   }
   history.add(now.value / 1000, measurementsOf(answer.value));
   samples.value++;
   if (following) {
     const { follow, before, since } = following;
-    const { phase, text } = judge(follow, before, answer.value, (now.value - since) / 1000);
-    notice.value = {
-      kind: phase === 'waiting' ? 'waiting' : phase === 'met' ? 'good' : 'bad',
-      text,
-    };
-    if (phase !== 'waiting') {
+    const progress = judge(follow, before, answer.value, (now.value - since) / 1000);
+    showProgress(progress);
+    if (progress.phase !== 'waiting') {
       following = undefined;
     }
   }
 }
 
-const poller = createPoller<Answer<Status>>({
-  ask: () => getReport<Status>('/api/status', 'GC_state', timeLimits.status),
-  take: takeStatus,
+const poller = createPoller<{ answer: Answer<Status>; seconds: number }>({
+  ask: async () => {
+    const begun = Date.now();
+    const answer = await getReport<Status>('/api/status', 'GC_state', timeLimits.status);
+    return { answer, seconds: (Date.now() - begun) / 1000 };
+  },
+  take: ({ answer, seconds }) => takeStatus(answer, seconds),
   interval: () => {
     planned.value = intervalSeconds.value;
     return planned.value * 1000;
@@ -124,6 +154,9 @@ export function describeFault(fault: Fault): string {
   return fault.detail ? `${fault.text} ${fault.detail.replace(/\.$/, '')}.` : fault.text;
 }
 
+/** Counts the commands: what is said is about the latest. */
+let commands = 0;
+
 /** Sends a command; of one that was accepted, `follow` says what to wait for. */
 export async function command(
   name: string,
@@ -131,13 +164,24 @@ export async function command(
   follow?: (before: Status) => Follow,
 ): Promise<Answer<Verdict | null>> {
   const before = status.value;
-  isSending.value = true;
+  const number = ++commands;
+  sending.value = [...sending.value, send.path];
   following = undefined;
   notice.value = { kind: 'waiting', text: `${name}: being sent.` };
   poller.wake();
+  const hint = setTimeout(() => {
+    if (number === commands) {
+      const text = `${name}: no answer yet. If the browser asks who you are, sign in there.`;
+      notice.value = { kind: 'waiting', text };
+    }
+  }, patience);
   const body = typeof send.body === 'string' ? send.body : JSON.stringify(send.body);
   const answer = await sendCommand(send.method, send.path, body);
-  isSending.value = false;
+  clearTimeout(hint);
+  sending.value = sending.value.filter((_, index) => index !== sending.value.indexOf(send.path));
+  if (number !== commands) {
+    return answer;
+  }
   if (!answer.ok) {
     notice.value = { kind: 'bad', text: `${name}: ${describeFault(answer.fault)}` };
   } else if (follow && before) {
@@ -150,12 +194,34 @@ export async function command(
   return answer;
 }
 
+/** Where this tab keeps the curves of an instrument while a page is loaded again. */
+const placeOfHistory = (of: Status): string => `history of ${of.Application}`;
+
+function restoreHistory(of: Status): void {
+  try {
+    history.restore(sessionStorage.getItem(placeOfHistory(of)) ?? '', Date.now() / 1000);
+  } catch {
+    // The browser keeps nothing for pages.
+  }
+}
+
+function saveHistory(): void {
+  if (status.value) {
+    try {
+      sessionStorage.setItem(placeOfHistory(status.value), history.save());
+    } catch {
+      // There is no room: the curves begin anew.
+    }
+  }
+}
+
 /** Begins to ask for the status; called once. */
 export function start(): void {
   document.addEventListener('visibilitychange', () => {
     now.value = Date.now();
     poller.visibilityChanged();
   });
+  window.addEventListener('pagehide', saveHistory);
   setInterval(() => {
     if (!document.hidden) {
       now.value = Date.now();

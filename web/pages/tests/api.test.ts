@@ -1,5 +1,5 @@
 import { afterEach, describe, expect, it, vi } from 'vitest';
-import { faultOf, getReport, sendCommand } from '../src/api';
+import { faultOf, getReport, sendCommand, timeLimits } from '../src/api';
 import type { Status } from '../src/documents';
 
 const answerWith = (status: number, body: string | null, headers: Record<string, string> = {}) => {
@@ -13,6 +13,15 @@ const getStatus = () => getReport<Status>('/api/status', 'GC_state');
 
 afterEach(() => {
   vi.unstubAllGlobals();
+});
+
+describe('time limits', () => {
+  it('let the gateway say that the instrument does not answer', () => {
+    // It takes 20 s for a report, 25 s for a status that somebody else asks for, 120 s for a command.
+    expect(timeLimits.report).toBeGreaterThan(20_000);
+    expect(timeLimits.status).toBeGreaterThan(25_000);
+    expect(timeLimits.command).toBeGreaterThan(120_000);
+  });
 });
 
 describe('reports', () => {

@@ -8,6 +8,7 @@ import {
   followSolution,
   followStream,
   judge,
+  judgeUnanswered,
 } from '../src/follow';
 
 const ready = statusWith();
@@ -43,6 +44,18 @@ describe('following a command', () => {
     expect(judge(follow, ready, ready, 31)).toEqual({
       phase: 'late',
       text: 'Calibration on stream 4: accepted, but the calibration has not begun within 30 s (state: Ready; automation: Idle).',
+    });
+  });
+
+  it('does not wait for ever for an instrument that does not answer', () => {
+    const follow = followStream(3);
+    expect(judgeUnanswered(follow, 60)).toEqual({
+      phase: 'waiting',
+      text: 'Stream 3: accepted. Waiting for the valve to move, but there is no answer at present.',
+    });
+    expect(judgeUnanswered(follow, 61)).toEqual({
+      phase: 'late',
+      text: 'Stream 3: accepted, but what became of it is not known: no answer has shown it within 60 s.',
     });
   });
 

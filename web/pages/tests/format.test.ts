@@ -50,16 +50,19 @@ describe('deviation', () => {
 
   it('is listed for everything that has a setpoint', () => {
     const cold = controlledOf(load<Status>('tests/system/documents/warming-up.json'));
-    expect(cold.map(({ label, deviation }) => `${label}: ${deviation.text}`)).toEqual([
-      'Channel 1 column temp.: 38.02 below',
-      'Channel 1 injector temp.: 48.03 below',
-      'Channel 1 pressure: 179.9 below',
-      'Channel 2 column temp.: 52.99 below',
-      'Channel 2 injector temp.: 58.04 below',
-      'Channel 2 pressure: 149.9 below',
-      'Sample line temp.: 43.03 below',
+    const texts = cold.map(({ label, cells }) => [
+      label,
+      ...cells.map(({ actual, deviation }) => `${actual}, ${deviation.text}`),
     ]);
-    const warm = controlledOf(statusWith());
+    expect(texts).toEqual([
+      ['Channel 1', '21.98, 38.02 below', '21.97, 48.03 below', '0.1, 179.9 below'],
+      ['Channel 2', '22.01, 52.99 below', '21.96, 58.04 below', '0.1, 149.9 below'],
+      ['Sample line', '21.97, 43.03 below'],
+    ]);
+    const warm = controlledOf(statusWith()).flatMap(({ cells }) => cells);
+    expect(warm).toHaveLength(7);
     expect(warm.every(({ deviation }) => deviation.level === 'good')).toBe(true);
+    const without = { Setpoint: '-', Actual: '-' } as const;
+    expect(controlledOf(statusWith({ Sample_line_temp: without }))).toHaveLength(2);
   });
 });

@@ -69,4 +69,30 @@ describe('measurements', () => {
     expect(values.has('Channel3.Auto_zero')).toBe(false);
     expect(values.size).toBe(18);
   });
+
+  it('goes on where the page before has ended', () => {
+    const before = new History(10);
+    before.add(1000, new Map([['a', 1]]));
+    before.add(
+      1005,
+      new Map<string, number | '-'>([
+        ['a', '-'],
+        ['b', 7],
+      ]),
+    );
+    const after = new History(10);
+    after.restore(before.save(), 1006);
+    after.add(1010, new Map([['b', 8]]));
+    expect(after.points('a')).toEqual({ times: [1000, 1005, 1010], values: [1, null, null] });
+    expect(after.points('b').values).toEqual([null, 7, 8]);
+    const early = new History(10);
+    early.restore(before.save(), 1004);
+    expect(early.points('a').times).toEqual([1000]);
+  });
+
+  it.each(['', '{', '[]', '{"times": 3}'])('takes up nothing from %j', (text) => {
+    const history = new History(10);
+    history.restore(text, 1000);
+    expect(history.points('a').times).toEqual([]);
+  });
 });

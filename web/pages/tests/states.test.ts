@@ -5,6 +5,7 @@ import {
   autoStateOf,
   gcStateOf,
   gcStates,
+  isOtherInstrument,
   isRunning,
   isSimulated,
   reasonAgainst,
@@ -91,5 +92,17 @@ describe('which action is allowed', () => {
     expect(reasonAgainst('abort-after-run', statusWith({ GC_state: 'Running 1s' }))).toBe(
       'The automation is not under way.',
     );
+  });
+});
+
+describe('another instrument', () => {
+  it('is told by its application and its channels, and by nothing that a run changes', () => {
+    const before = statusWith();
+    expect(isOtherInstrument(before, statusWith({ Run_time: 3, Curr_stream: 2 }))).toBe(false);
+    expect(isOtherInstrument(before, statusWith({ Application: 'Air' }))).toBe(true);
+    const { Channel2, ...fewer } = before;
+    expect(Channel2).toBeDefined();
+    expect(isOtherInstrument(before, fewer)).toBe(true);
+    expect(isOtherInstrument(fewer, before)).toBe(true);
   });
 });

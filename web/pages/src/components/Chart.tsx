@@ -124,7 +124,7 @@ function dataOf(curves: readonly Points[]): uPlot.AlignedData {
 
 /** Whether the browser asks for dark colours; the curves are drawn anew when it changes. */
 function useIsDark(): boolean {
-  const query = matchMedia('(prefers-color-scheme: dark)');
+  const query = matchMedia('screen and (prefers-color-scheme: dark)');
   const [isDark, setIsDark] = useState(query.matches);
   useEffect(() => {
     const change = (): void => setIsDark(query.matches);
@@ -230,7 +230,7 @@ export function Chart({ status }: { status: Status }) {
       </div>
       <div ref={place} class="chart" role="img" aria-label={`Curve: ${choice.label}`} />
       <Numbers choice={choice} points={points} />
-      <p class="dim">Kept in this browser while the page is open.</p>
+      <p class="dim">Kept in this browser tab while it is open.</p>
     </section>
   );
 }

@@ -1,6 +1,8 @@
 // A modal dialog: focus goes in, stays in, and comes back to where it was.
 import type { ComponentChildren } from 'preact';
 import { useId, useLayoutEffect, useRef } from 'preact/hooks';
+import type { Action } from '../states';
+import { ActionButton } from './ActionButton';
 
 interface Props {
   title: string;
@@ -32,12 +34,15 @@ export function Dialog({ title, onClose, actions, children }: Props) {
   );
 }
 
-/** A dialog with one question: yes does it, no and Escape do nothing. */
+/**
+ * A dialog with one question: yes does it, no and Escape do nothing. The state may change while the
+ * person thinks: then yes is off, and says why.
+ */
 export function Confirm(props: {
   title: string;
   yes: string;
+  action: Action;
   isDanger?: boolean;
-  isDisabled?: boolean;
   onYes: () => void;
   onNo: () => void;
   children: ComponentChildren;
@@ -47,14 +52,12 @@ export function Confirm(props: {
       <button type="button" onClick={props.onNo}>
         Cancel
       </button>
-      <button
-        type="button"
-        class={props.isDanger ? 'danger' : 'primary'}
-        disabled={props.isDisabled}
+      <ActionButton
+        action={props.action}
+        label={props.yes}
+        kind={props.isDanger ? 'danger' : 'primary'}
         onClick={props.onYes}
-      >
-        {props.yes}
-      </button>
+      />
     </>
   );
   return (

@@ -2,6 +2,7 @@
 import { useLayoutEffect, useRef } from 'preact/hooks';
 import { formatReal } from '../format';
 import {
+  addRow,
   duplicateRow,
   moveRow,
   removeRow,
@@ -128,6 +129,7 @@ export function Grid({ caption, layout, draft, problems, onChange }: Props) {
     change(moveRow(draft, rowId, by), rowId, key);
   const duplicate = (rowId: number): void =>
     change(duplicateRow(draft, layout, rowId), draft.nextId, editable[0] ?? '');
+  const add = (): void => change(addRow(draft, layout), draft.nextId, editable[0] ?? '');
   const remove = (rowId: number): void => {
     const index = draft.rows.findIndex(({ id }) => id === rowId);
     const neighbour = draft.rows[index + 1] ?? draft.rows[index - 1];
@@ -253,6 +255,7 @@ export function Grid({ caption, layout, draft, problems, onChange }: Props) {
 
   return (
     <div class="scroll">
+      {draft.rows.length === 0 && <p>The instrument has no {layout.rowName}s.</p>}
       <table class={hasRowTools ? 'grid stack' : 'grid'} onKeyDown={onKeyDown}>
         <caption class="hidden">{caption}</caption>
         <thead>
@@ -276,6 +279,16 @@ export function Grid({ caption, layout, draft, problems, onChange }: Props) {
           ))}
         </tbody>
       </table>
+      {hasRowTools && (
+        <button
+          type="button"
+          class="add"
+          disabled={draft.rows.length >= layout.mostRows}
+          onClick={add}
+        >
+          Add {layout.rowName}
+        </button>
+      )}
     </div>
   );
 }

@@ -78,6 +78,7 @@ function Abort() {
         <Confirm
           title="Abort now?"
           yes="Abort now"
+          action="abort-now"
           isDanger
           onYes={() => abort('now')}
           onNo={() => setIsAsking(false)}
@@ -138,7 +139,9 @@ export function Header() {
             <span class="live" data-testid="automation">
               <span class="dim">Automation</span> {current.Auto_state}
             </span>
-            <AlarmSign />
+            <span class="live">
+              <AlarmSign />
+            </span>
           </>
         )}
         <Age />

@@ -1,10 +1,10 @@
 // The instrument's alarms, and their reset.
-import { useEffect, useState } from 'preact/hooks';
+import { useEffect, useRef, useState } from 'preact/hooks';
 import { getReport, type Fault } from '../api';
 import { ActionButton } from '../components/ActionButton';
 import { Confirm } from '../components/Dialog';
 import type { Alarm, Alarms } from '../documents';
-import { command, describeFault, status } from '../store';
+import { command, describeFault, status, statusFault } from '../store';
 
 /** Milliseconds between two looks at the table while nothing else asks for one. */
 const interval = 15_000;
@@ -22,12 +22,12 @@ function nameOf(alarm: Alarm): string {
 
 function AlarmTable({ id, title, alarms }: { id: string; title: string; alarms: Alarm[] }) {
   return (
-    <section aria-labelledby={id}>
+    <section class="live" aria-labelledby={id}>
       <h2 id={id}>
         {title} ({alarms.length})
       </h2>
       {alarms.length > 0 && (
-        <table>
+        <table class="alarms">
           <thead>
             <tr>
               <th scope="col">State</th>
@@ -60,29 +60,35 @@ export function AlarmsPage() {
   const [alarms, setAlarms] = useState<Alarms>();
   const [fault, setFault] = useState<Fault>();
   const [isAsking, setIsAsking] = useState(false);
-  const [outcome, setOutcome] = useState('');
+  const [outcome, setOutcome] = useState<{ kind: 'good' | 'bad'; text: string }>();
+
+  const asked = useRef(0);
 
   const load = async (): Promise<Alarm[] | undefined> => {
+    const number = ++asked.current;
     const answer = await getReport<Alarms>('/api/alarms', 'total');
-    if (answer.ok) {
-      setAlarms(answer.value);
-      setFault(undefined);
-      return (answer.value.rows ?? []).filter(({ Triggered }) => Triggered);
+    // The latest request is shown, whichever is answered last.
+    if (number === asked.current) {
+      setAlarms((shown) => (answer.ok ? answer.value : shown));
+      setFault(answer.ok ? undefined : answer.fault);
     }
-    setFault(answer.fault);
-    return undefined;
+    return answer.ok ? (answer.value.rows ?? []).filter(({ Triggered }) => Triggered) : undefined;
   };
   const reset = async (): Promise<void> => {
     setIsAsking(false);
-    setOutcome('');
+    setOutcome(undefined);
     const send = { method: 'POST', path: 'alarm-reset', body: {} } as const;
     const answer = await command('Reset of all alarms', send);
     const active = await load();
     if (answer.ok && active) {
+      const names = active.map(nameOf).join('; ');
       setOutcome(
-        active.length === 0
-          ? 'All alarms are reset, and none came back.'
-          : `Still active after the reset, because the cause persists: ${active.map(nameOf).join('; ')}.`,
+        names === ''
+          ? { kind: 'good', text: 'All alarms are reset, and none came back.' }
+          : {
+              kind: 'bad',
+              text: `Still active after the reset, because the cause persists: ${names}.`,
+            },
       );
     }
   };
@@ -102,9 +108,12 @@ export function AlarmsPage() {
   const active = rows.filter(({ Triggered }) => Triggered);
   return (
     <>
-      <div role="alert">{fault && <p class="message bad">{describeFault(fault)}</p>}</div>
+      <div role="alert">
+        {/* The top says what is wrong when the status is not to be had either. */}
+        {fault && !statusFault.value && <p class="message bad">{describeFault(fault)}</p>}
+      </div>
       <div role="status" data-testid="reset-outcome">
-        {outcome && <p class="message">{outcome}</p>}
+        {outcome && <p class={`message ${outcome.kind}`}>{outcome.text}</p>}
       </div>
       <div class="toolbar">
         <ActionButton
@@ -134,6 +143,7 @@ export function AlarmsPage() {
         <Confirm
           title="Reset all alarms?"
           yes="Reset"
+          action="alarm-reset"
           onYes={() => void reset()}
           onNo={() => setIsAsking(false)}
         >

@@ -3,7 +3,7 @@ import { useId, useState } from 'preact/hooks';
 import { getReport } from '../api';
 import { ActionButton } from '../components/ActionButton';
 import { Confirm } from '../components/Dialog';
-import { Progress } from '../components/Progress';
+import { Now } from '../components/Now';
 import { SequenceLines } from '../components/SequenceLines';
 import type { Sequence, Status } from '../documents';
 import { followAutomation, followRun, followSolution, followStream } from '../follow';
@@ -87,6 +87,7 @@ function Ask({ question, onDone }: { question: Question; onDone: () => void }) {
         <Confirm
           title="Start a single run?"
           yes="Start"
+          action="start-run"
           onYes={yes(() => startRun('single', stream))}
           onNo={onDone}
         >
@@ -102,6 +103,7 @@ function Ask({ question, onDone }: { question: Question; onDone: () => void }) {
         <Confirm
           title="Start a calibration?"
           yes="Start"
+          action="start-run"
           onYes={yes(() => startRun('calibration', stream))}
           onNo={onDone}
         >
@@ -117,6 +119,7 @@ function Ask({ question, onDone }: { question: Question; onDone: () => void }) {
         <Confirm
           title="Start the automation?"
           yes="Start"
+          action="start-automation"
           onYes={yes(startAutomation)}
           onNo={onDone}
         >
@@ -129,6 +132,7 @@ function Ask({ question, onDone }: { question: Question; onDone: () => void }) {
         <Confirm
           title={`Load solution ${slot}?`}
           yes="Load"
+          action="solution"
           onYes={yes(() => loadSolution(slot))}
           onNo={onDone}
         >
@@ -166,18 +170,9 @@ export function RunPage() {
     <>
       <section class="card wide live" aria-labelledby="now">
         <h2 id="now">Now</h2>
-        <dl class="facts inline">
-          <dt>State</dt>
-          <dd>{current.GC_state}</dd>
-          <dt>Run</dt>
-          <dd>
-            <Progress status={current} />
-          </dd>
-          <dt>Stream</dt>
-          <dd data-testid="stream">{current.Curr_stream}</dd>
-        </dl>
+        <Now status={current} />
       </section>
-      <div class="cards">
+      <div class="cards small">
         <section class="card" aria-labelledby="start">
           <h2 id="start">Start a run</h2>
           <p>

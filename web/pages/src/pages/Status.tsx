@@ -1,6 +1,6 @@
 // The instrument's present values.
 import { Chart } from '../components/Chart';
-import { Progress } from '../components/Progress';
+import { Now } from '../components/Now';
 import { channelKeys, type Channel, type SetpointAndActual, type Status } from '../documents';
 import { deviationOf, formatPosition, formatReal, notAvailable } from '../format';
 import { quantities, sampleLine } from '../quantities';
@@ -105,40 +105,34 @@ function noteOf(key: (typeof channelKeys)[number]): string {
 }
 
 function Overview({ current }: { current: Status }) {
+  const hasError = current.Error_code > 0;
+  const facts: [name: string, value: string | number, look?: string][] = [
+    ['Kind of run', current.Run_type],
+    ['Last analysis', `No. ${current.Last_counter}`],
+    ['Automation', current.Auto_state],
+    ['Sequence', formatPosition(current.Seq_line, current.Line_replicate, current.Seq_replicate)],
+    ['Continuous', current.Continuous ? 'yes' : 'no'],
+    [
+      'Error',
+      hasError ? `${current.Error_code}: ${current.Error_str}` : 'none',
+      hasError ? 'deviation off text' : 'text',
+    ],
+    ['External ready', current.Ext_ready_in === 'Ready' ? 'ready' : 'not ready'],
+    ['Service switch', current.Service_switch === 'On' ? 'on' : 'off'],
+    ['Host', current.Host],
+    ['Clock', current.GC_time],
+  ];
   return (
-    <section class="card" aria-labelledby="instrument">
+    <section class="card wide" aria-labelledby="instrument">
       <h2 id="instrument">Instrument</h2>
-      <dl class="facts">
-        <dt>State</dt>
-        <dd>{current.GC_state}</dd>
-        <dt>Run</dt>
-        <dd>
-          <Progress status={current} />
-        </dd>
-        <dt>Kind of run</dt>
-        <dd>{current.Run_type}</dd>
-        <dt>Stream</dt>
-        <dd>{current.Curr_stream}</dd>
-        <dt>Last analysis</dt>
-        <dd>No. {current.Last_counter}</dd>
-        <dt>Automation</dt>
-        <dd>{current.Auto_state}</dd>
-        <dt>Sequence</dt>
-        <dd>{formatPosition(current.Seq_line, current.Line_replicate, current.Seq_replicate)}</dd>
-        <dt>Continuous</dt>
-        <dd>{current.Continuous ? 'yes' : 'no'}</dd>
-        <dt>Error</dt>
-        <dd class={current.Error_code > 0 ? 'deviation off text' : 'text'}>
-          {current.Error_code > 0 ? `${current.Error_code}: ${current.Error_str}` : 'none'}
-        </dd>
-        <dt>External ready</dt>
-        <dd>{current.Ext_ready_in === 'Ready' ? 'ready' : 'not ready'}</dd>
-        <dt>Service switch</dt>
-        <dd>{current.Service_switch === 'On' ? 'on' : 'off'}</dd>
-        <dt>Host</dt>
-        <dd>{current.Host}</dd>
-        <dt>Clock</dt>
-        <dd>{current.GC_time}</dd>
+      <Now status={current} />
+      <dl class="columns">
+        {facts.map(([name, value, look]) => (
+          <div key={name}>
+            <dt>{name}</dt>
+            <dd class={look}>{value}</dd>
+          </div>
+        ))}
       </dl>
     </section>
   );
@@ -177,8 +171,8 @@ export function StatusPage() {
   }
   return (
     <div class="live">
+      <Overview current={current} />
       <div class="cards">
-        <Overview current={current} />
         {channelKeys.map((key, index) => {
           const channel = current[key];
           return channel ? (

@@ -6,7 +6,7 @@ import { DiffTable } from '../components/DiffTable';
 import { CellInput, Grid } from '../components/Grid';
 import { isEmptyDiff } from '../diff';
 import type { Editor, Review } from '../editor';
-import { addRow, setCell } from '../table';
+import { setCell } from '../table';
 
 function save(name: string, text: string): void {
   const url = URL.createObjectURL(new Blob([text], { type: 'application/json' }));
@@ -80,6 +80,7 @@ function ReviewDialog({ editor, review }: { editor: Editor; review: Review }) {
     <Confirm
       title={`Send the ${editor.kind.name}?`}
       yes="Send"
+      action="send-table"
       onYes={() => void editor.send()}
       onNo={close}
     >
@@ -111,8 +112,6 @@ function Toolbar({ editor }: { editor: Editor }) {
   const picker = useRef<HTMLInputElement>(null);
   const isBusy = editor.busy.value !== '';
   const problems = editor.problems.value.length;
-  const draft = editor.draft.value!;
-  const layout = editor.layout.value;
   const pick = async (): Promise<void> => {
     const file = picker.current?.files?.[0];
     if (file) {
@@ -122,15 +121,6 @@ function Toolbar({ editor }: { editor: Editor }) {
   };
   return (
     <div class="toolbar" role="group" aria-label="Table">
-      {layout.mostRows > 0 && (
-        <button
-          type="button"
-          disabled={draft.rows.length >= layout.mostRows}
-          onClick={() => (editor.draft.value = addRow(draft, layout))}
-        >
-          Add {layout.rowName}
-        </button>
-      )}
       <button type="button" disabled={isBusy} onClick={() => void editor.load()}>
         {editor.isDirty.value ? 'Discard and reload' : 'Reload'}
       </button>
@@ -190,17 +180,13 @@ export function TablePage({ editor, hint }: { editor: Editor; hint: string }) {
           </p>
           <fieldset disabled={editor.busy.value !== ''}>
             <HeaderFields editor={editor} />
-            {draft.rows.length > 0 ? (
-              <Grid
-                caption={editor.kind.title}
-                layout={editor.layout.value}
-                draft={draft}
-                problems={editor.problems.value}
-                onChange={(changed) => (editor.draft.value = changed)}
-              />
-            ) : (
-              <p>The instrument has no {editor.layout.value.rowName}s.</p>
-            )}
+            <Grid
+              caption={editor.kind.title}
+              layout={editor.layout.value}
+              draft={draft}
+              problems={editor.problems.value}
+              onChange={(changed) => (editor.draft.value = changed)}
+            />
           </fieldset>
           <p class="dim">{hint}</p>
         </>

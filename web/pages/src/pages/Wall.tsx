@@ -3,7 +3,8 @@ import { AlarmSign, SimulatedBanner } from '../components/Header';
 import { Progress } from '../components/Progress';
 import { describeFault, isStale, ageSeconds, status, statusFault } from '../store';
 import { formatPosition, formatSpan } from '../format';
-import { controlledOf } from '../quantities';
+import type { Status } from '../documents';
+import { controlledOf, quantities } from '../quantities';
 import { isError } from '../states';
 
 function Age() {
@@ -15,11 +16,45 @@ function Age() {
   );
 }
 
+/** The measured values, and how each stands to its setpoint. */
+function Values({ current }: { current: Status }) {
+  return (
+    <table class="wall-values">
+      <caption class="hidden">Temperatures and pressures</caption>
+      <thead>
+        <tr>
+          <td />
+          {quantities.map(({ key, short }) => (
+            <th key={key} scope="col">
+              {short}
+            </th>
+          ))}
+        </tr>
+      </thead>
+      <tbody>
+        {controlledOf(current).map(({ label, cells }) => (
+          <tr key={label}>
+            <th scope="row">{label}</th>
+            {cells.map(({ actual, deviation }, index) => (
+              <td
+                key={index}
+                colSpan={cells.length === 1 ? quantities.length : 1}
+                class={`deviation ${deviation.level}`}
+              >
+                {deviation.level !== 'none' && <span class="number">{actual} </span>}
+                <small>{deviation.text}</small>
+              </td>
+            ))}
+          </tr>
+        ))}
+      </tbody>
+    </table>
+  );
+}
+
 export function WallPage() {
   const current = status.value;
   const fault = statusFault.value;
-  const controlled = current ? controlledOf(current) : [];
-  const off = controlled.filter(({ deviation }) => deviation.level === 'off');
   return (
     <div class={isStale.value ? 'wall stale' : 'wall'}>
       <SimulatedBanner />
@@ -34,7 +69,9 @@ export function WallPage() {
               Error {current.Error_code}: {current.Error_str}
             </p>
           )}
-          <AlarmSign />
+          <p class="live">
+            <AlarmSign />
+          </p>
           <div class="wall-columns live">
             <dl class="wall-facts">
               <dt>Run</dt>
@@ -52,17 +89,7 @@ export function WallPage() {
               <dt>Last analysis</dt>
               <dd>No. {current.Last_counter}</dd>
             </dl>
-            {off.length === 0 ? (
-              <p class="deviation good">All temperatures and pressures at setpoint</p>
-            ) : (
-              <ul class="wall-off">
-                {off.map(({ label, deviation }) => (
-                  <li key={label} class="deviation off">
-                    {label}: {deviation.text}
-                  </li>
-                ))}
-              </ul>
-            )}
+            <Values current={current} />
           </div>
         </>
       )}
