@@ -64,7 +64,8 @@ std::optional<std::string> readAnswer(int aFile, const Limits& aLimits) {
 void keepAnswer(int aFile, const std::string& aAnswer) {
   const std::string line =
       std::to_string(now(CLOCK_BOOTTIME)) + ' ' + std::to_string(aAnswer.size()) + '\n';
-  if (::ftruncate(aFile, 0) == 0) {
+  // Not to nothing, which some file systems take for a reason to write to the disk at once.
+  if (::ftruncate(aFile, 1) == 0) {
     const std::string text = line + aAnswer;
     static_cast<void>(::pwrite(aFile, text.data(), text.size(), 0));
   }
