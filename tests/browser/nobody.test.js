@@ -6,7 +6,13 @@ import { send } from './support/tables.js';
 const browserTest = browserTests('--no-passwords');
 const expected = [/403/];
 const refusal =
-  'You are not allowed to do this. Nothing was done. Forbidden: A command needs a user who has logged in.';
+  'You are not allowed to do this. Nothing was done. Forbidden: Commands are off until a password is set (set-password) and asked for (login.conf).';
+
+browserTest('somebody who signs in', { expected }, async (page) => {
+  await button(page, 'Sign in').click();
+  await says(page, 'notice', `Sign in: ${refusal}`);
+  await button(page, 'Sign in').waitFor();
+});
 
 browserTest('an action', { path: '#/run', expected }, async (page, gc) => {
   await button(page, 'Start single run…').click();

@@ -38,6 +38,13 @@ browserTest('a single run, and its end', { path }, async (page, gc) => {
   await page.getByText('no run', { exact: true }).waitFor();
 });
 
+browserTest('somebody who signs in beforehand', {}, async (page, gc) => {
+  await button(page, 'Sign in').click();
+  await says(page, 'notice', 'Signed in until the browser is closed.');
+  assert.equal(await button(page, 'Sign in').count(), 0);
+  assert.deepEqual(await gc.changes(), []);
+});
+
 browserTest('a run that is aborted', { path }, async (page, gc) => {
   await confirm(page, 'Start calibration…', 'Start a calibration?', 'Start');
   await says(page, 'notice', 'Calibration on stream 1: the calibration has begun');

@@ -116,9 +116,15 @@ def test_file(
     assert controller.parameters() == became
 
 
-@pytest.mark.parametrize("path", ["run", "abort", "alarm-reset", "stream", "solution", "sequence"])
+COMMANDS_BY_METHOD = {
+    "POST": ["run", "abort", "alarm-reset", "login"],
+    "PUT": ["stream", "solution", "sequence", "calibration"],
+}
+
+
+@pytest.mark.parametrize("path", sum(COMMANDS_BY_METHOD.values(), []))
 def test_other_methods(untouched: str, browser: Browser, path: str) -> None:
-    allowed = "POST" if path in ("run", "abort", "alarm-reset") else "PUT"
+    allowed = "POST" if path in COMMANDS_BY_METHOD["POST"] else "PUT"
     for method in {"GET", "HEAD", "POST", "PUT", "DELETE", "PATCH"} - {allowed}:
         answer = browser.request(method, f"/api/command/{path}", None, HEADERS)
         assert (answer.status, answer.headers["Allow"]) == (405, allowed), method
@@ -201,6 +207,14 @@ def test_password_is_not_sent_itself(untouched: str, browser: Browser) -> None:
     assert answer.status == 401
 
 
+def test_login(untouched: str, server: WebServer, browser: Browser) -> None:
+    """Asks for a password when nothing is to be done."""
+    assert Browser(server.address).command("POST", "login", {}).status == 401
+    answer = browser.command("POST", "login", {})
+    assert (answer.status, answer.body) == (204, b"")
+    assert server.commands() == []
+
+
 def test_nobody_may_act(untouched: str, start_server: StartServer) -> None:
     """Without passwords, whoever the browser says it is."""
     server: WebServer = start_server(passwords=False)
@@ -208,7 +222,9 @@ def test_nobody_may_act(untouched: str, start_server: StartServer) -> None:
     for claim in ({}, {"Remote_User": "operator"}, {"Authorization": "Basic b3A6eA=="}):
         answer = stranger.command("POST", "alarm-reset", {}, **claim)
         detail = answer.expect_problem(403)["detail"]
-        assert detail == "A command needs a user who has logged in."
+        assert detail == (
+            "Commands are off until a password is set (set-password) and asked for (login.conf)."
+        )
     assert server.commands() == []
 
 

@@ -93,6 +93,10 @@ void answerCommand(cgicc::CgiInput& input, const Limits& aLimits, const Reply& a
     aReply(render(*fault));
     return;
   }
+  if (entry.call.operation == eOperation::eCount) {
+    aReply(render({204, "", "", ""}));
+    return;
+  }
   const FileLock lock(settings.state + "/command.lock");
   if (!lock.isOpen()) {
     aReply(render(problem(500, "GC_WEB_STATE is no folder to write to.")));

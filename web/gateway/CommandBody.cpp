@@ -20,6 +20,7 @@ constexpr char cStreamSchema[] = R"({"type": "object", "required": ["stream"], "
 constexpr char cSolutionSchema[] = R"({"type": "object", "required": ["solution"], "properties": {
   "solution": {"type": "integer", "minimum": 0, "maximum": 10}}, "additionalProperties": false})";
 constexpr char cNothingSchema[] = R"({"type": "object", "additionalProperties": false})";
+constexpr char cLoginSchema[] = R"({"type": "object", "additionalProperties": false})";
 
 constexpr CommandRow cCommands[] = {
     {"/api/command/run", "POST", cRunSchema, eOperation::eCount},
@@ -27,6 +28,7 @@ constexpr CommandRow cCommands[] = {
     {"/api/command/stream", "PUT", cStreamSchema, eOperation::eCount},
     {"/api/command/solution", "PUT", cSolutionSchema, eOperation::eCount},
     {"/api/command/alarm-reset", "POST", cNothingSchema, eOperation::eCount},
+    {"/api/command/login", "POST", cLoginSchema, eOperation::eCount},
     {"/api/command/sequence", "PUT", "sequence-file", eOperation::eSequenceFile},
     {"/api/command/calibration", "PUT", "calibration-file", eOperation::eCalibrationFile},
 };
@@ -50,6 +52,7 @@ constexpr FormRow cForms[] = {
     {cStreamSchema, nullptr, nullptr, "stream", eOperation::eStream},
     {cSolutionSchema, nullptr, nullptr, "solution", eOperation::eSolution},
     {cNothingSchema, nullptr, nullptr, nullptr, eOperation::eAlarmReset},
+    {cLoginSchema, nullptr, nullptr, nullptr, eOperation::eCount},
 };
 
 /// The form that a body of this schema has.

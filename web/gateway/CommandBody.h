@@ -18,7 +18,7 @@ struct CommandRow {
 /// Null for a path that has no command.
 const CommandRow* findCommand(const std::string& aPath);
 
-/// Fills the operation and number of the call; the file is left to the caller. Returns the answer
-/// to a body that does not fit.
+/// Fills the operation and number of the call; the file is left to the caller. The operation is
+/// eCount when there is nothing for the tool to do. Returns the answer to a body that does not fit.
 std::optional<Answer> readCommand(const CommandRow& aRow, const std::string& aBody,
                                   const Settings& aSettings, ToolCall& call);

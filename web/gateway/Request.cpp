@@ -96,7 +96,8 @@ struct CheckRow {
 // In this order: who asks, from where, what.
 constexpr CheckRow cChecks[] = {
     {hasNoQuery, 400, "A command takes no query."},
-    {isUserKnown, 403, "A command needs a user who has logged in."},
+    {isUserKnown, 403,
+     "Commands are off until a password is set (set-password) and asked for (login.conf)."},
     {isMarked, 403, "A command needs the header X-GC-Request: 1."},
     {isOwnOrigin, 403, "The Origin of a command must be this server."},
     {isFromOwnPage, 403, "The Sec-Fetch-Site of a command must be same-origin."},

@@ -1,5 +1,6 @@
 // Commands: paths, methods, bodies, what the tool is started with.
 #include "Bench.h"
+#include "FileLock.h"
 
 namespace {
 
@@ -48,6 +49,21 @@ TEST_F(CommandRequest, SaysNothingOfASwitchedStream) {
   const Received answer = command("PUT", "/stream", R"({"stream": 2})");
   EXPECT_EQ(answer.status, 204);
   EXPECT_EQ(answer.body, "");
+}
+
+TEST_F(CommandRequest, LogsInWhoeverMayCommandAndDoesNothing) {
+  toolDoes("note " + path("runs"));
+  const FileLock other(path("command.lock"));
+  ASSERT_TRUE(other.tryLock());
+  const Received answer = command("POST", "/login", "{}");
+  EXPECT_EQ(answer.status, 204);
+  EXPECT_EQ(answer.body, "");
+  EXPECT_EQ(command("POST", "/login", R"({"a": 1})").status, 422);
+  EXPECT_EQ(command("PUT", "/login", "{}").headers.at("Allow"), "POST");
+  input.variables.erase("REMOTE_USER");
+  EXPECT_EQ(command("POST", "/login", "{}").status, 403);
+  EXPECT_EQ(contentOf("runs"), "");
+  EXPECT_TRUE(log().empty());
 }
 
 TEST_F(CommandRequest, HasOneMethodForEachPath) {

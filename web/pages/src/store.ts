@@ -34,6 +34,8 @@ export interface Notice {
   text: string;
 }
 export const notice = signal<Notice | undefined>(undefined);
+/** Whether the web server has let this page give a command. */
+export const isSignedIn = signal(false);
 /** The commands that are being sent. */
 const sending = signal<readonly string[]>([]);
 
@@ -157,6 +159,23 @@ export function describeFault(fault: Fault): string {
 /** Counts the commands: what is said is about the latest. */
 let commands = 0;
 
+/** What an answer to a command tells of who asks. */
+function noteLogin(answer: Answer<unknown>): void {
+  if (answer.ok || answer.fault.status !== 0) {
+    isSignedIn.value = answer.ok || ![401, 403].includes(answer.fault.status);
+  }
+}
+
+/** Lets the browser ask for the password before it matters. */
+export async function signIn(): Promise<void> {
+  notice.value = { kind: 'waiting', text: 'Signing in. The browser asks who you are.' };
+  const answer = await sendCommand('POST', 'login', '{}');
+  noteLogin(answer);
+  notice.value = answer.ok
+    ? { kind: 'good', text: 'Signed in until the browser is closed.' }
+    : { kind: 'bad', text: `Sign in: ${describeFault(answer.fault)}` };
+}
+
 /** Sends a command; of one that was accepted, `follow` says what to wait for. */
 export async function command(
   name: string,
@@ -178,6 +197,7 @@ export async function command(
   const body = typeof send.body === 'string' ? send.body : JSON.stringify(send.body);
   const answer = await sendCommand(send.method, send.path, body);
   clearTimeout(hint);
+  noteLogin(answer);
   sending.value = sending.value.filter((_, index) => index !== sending.value.indexOf(send.path));
   if (number !== commands) {
     return answer;

@@ -3,7 +3,17 @@ import { useState } from 'preact/hooks';
 import { formatSpan } from '../format';
 import { followAbortAfterRun, followAbortNow } from '../follow';
 import { gcStateOf, isError, isSimulated } from '../states';
-import { ageSeconds, command, describeFault, isStale, notice, status, statusFault } from '../store';
+import {
+  ageSeconds,
+  command,
+  describeFault,
+  isSignedIn,
+  isStale,
+  notice,
+  signIn,
+  status,
+  statusFault,
+} from '../store';
 import { ActionButton } from './ActionButton';
 import { Confirm } from './Dialog';
 
@@ -145,6 +155,11 @@ export function Header() {
           </>
         )}
         <Age />
+        {!isSignedIn.value && (
+          <button type="button" class="quiet" onClick={() => void signIn()}>
+            Sign in
+          </button>
+        )}
         <Abort />
       </div>
       <StateAnnouncer />
