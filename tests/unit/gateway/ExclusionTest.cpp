@@ -162,6 +162,7 @@ TEST_F(CarriedOut, IsEndedWhenItNeverWouldBe) {
   ASSERT_EQ(log().size(), 1U);
   EXPECT_EQ(logged(0)["status"], 504);
   EXPECT_STREQ(logged(0)["document"]["detail"].GetString(), "The tool was ended by signal 9.");
+  limits = Limits();
   toolDoes(std::string("out ") + cAccepted);
   EXPECT_EQ(replyToCommand().status, 200);
 }
