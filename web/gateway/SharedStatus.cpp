@@ -4,7 +4,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
@@ -35,7 +34,7 @@ bool isFresh(std::int64_t aAge, const Limits& aLimits) {
 /// answer. Its date must be recent too: the line alone may be of an earlier start.
 std::optional<std::string> readAnswer(int aFile, const Limits& aLimits) {
   struct stat file = {};
-  if (::fstat(aFile, &file) != 0 || file.st_size == 0 ||
+  if (::fstat(aFile, &file) != 0 ||
       !isFresh(now(CLOCK_REALTIME) - millisecondsOf(file.st_mtim), aLimits)) {
     return std::nullopt;
   }
@@ -43,13 +42,18 @@ std::optional<std::string> readAnswer(int aFile, const Limits& aLimits) {
   if (::pread(aFile, text.data(), text.size(), 0) != file.st_size) {
     return std::nullopt;
   }
-  const std::size_t line = std::min(text.find('\n'), text.size() - 1);
+  const std::size_t line = text.find('\n');
+  if (line == std::string::npos) {
+    return std::nullopt;
+  }
   std::int64_t written = 0;
   std::size_t length = 0;
-  const auto [space, fault] = std::from_chars(text.data(), &text[line], written);
-  const bool isTime = fault == std::errc() && *space == ' ';
-  if (!isTime || std::from_chars(space + 1, &text[line], length).ptr != &text[line] ||
-      length != text.size() - line - 1) {
+  const auto [space, timeFault] = std::from_chars(text.data(), &text[line], written);
+  if (timeFault != std::errc() || *space != ' ') {
+    return std::nullopt;
+  }
+  const auto [end, lengthFault] = std::from_chars(space + 1, &text[line], length);
+  if (lengthFault != std::errc() || end != &text[line] || length != text.size() - line - 1) {
     return std::nullopt;
   }
   const std::int64_t age = now(CLOCK_BOOTTIME) - written;

@@ -127,9 +127,19 @@ TEST_F(SharedStatus, HasItsAgeInSeconds) {
 TEST_F(SharedStatus, ThatIsTornOrOldOrOfTheFutureIsIgnored) {
   toolCounts();
   const std::size_t length = sizeof cKept - 1;
+  std::string withoutLength = kept(0, "", 0);
+  withoutLength.erase(withoutLength.size() - 2, 1);
   const std::string cBad[] = {
+      withoutLength,
       "",
       "x",
+      "1",
+      "1 ",
+      "1 1",
+      " ",
+      "\n",
+      "1\n",
+      "1 \n",
       std::string(100, '\0'),
       kept(0, cKept, length).substr(0, 5),
       kept(0, cKept, length).substr(0, 30),

@@ -65,6 +65,15 @@ TEST_F(ToolRun, InheritsNothing) {
   EXPECT_EQ(born["SigBlk"].GetUint64() & signals, 0U);
 }
 
+TEST_F(ToolRun, LeavesTheGatewaysSignalsAsTheyWere) {
+  run("out ");
+  sigset_t held;
+  sigprocmask(SIG_SETMASK, nullptr, &held);
+  for (const int number : {SIGTERM, SIGINT, SIGHUP, SIGPIPE, SIGALRM}) {
+    EXPECT_EQ(sigismember(&held, number), 0) << number;
+  }
+}
+
 TEST_F(ToolRun, IsToldWhereItsLibrariesAre) {
   input.variables["LD_LIBRARY_PATH"] = "/nowhere:/else";
   toolDoes("describe");
