@@ -1,12 +1,12 @@
 """The list of changes that no unit test can see, each with its reason."""
 
 import re
-from pathlib import Path
 
 from mutants import Mutant
 
 # How the reason of changes begins that show under the sanitizers only.
 SANITIZED = "Sanitizers:"
+ENTRY = re.compile(r"[\w/-]+\.(h|cpp): ")
 
 
 class Explained:
@@ -17,7 +17,7 @@ class Explained:
         self.patterns: dict[str, re.Pattern[str]] = {}
         reason = ""
         for paragraph in text.strip().split("\n\n"):
-            if not paragraph.startswith("Source/"):
+            if not ENTRY.match(paragraph):
                 reason = paragraph
                 continue
             function, *lines = paragraph.split("\n")
@@ -29,10 +29,6 @@ class Explained:
             for pattern in patterns:
                 parts = [re.escape(part) for part in pattern.split("*")]
                 self.patterns[f"{function}\n~{pattern}"] = re.compile(".*".join(parts))
-
-    @classmethod
-    def read(cls) -> "Explained":
-        return cls((Path(__file__).parent / "equivalent").read_text())
 
     def entry(self, mutant: Mutant) -> str | None:
         """The entry that explains the mutant, if any."""

@@ -13,9 +13,10 @@ from dataclasses import dataclass
 TOKEN = re.compile(
     r"""
     (?P<skipped>//[^\n]*|/\*.*?\*/|^\#(?:[^\n]*\\\n)*[^\n]*)
+  | (?P<raw>\bR"\(.*?\)")
   | (?P<string>"(?:\\.|[^"\\])*")
   | (?P<char>'(?:\\.|[^'\\])')
-  | (?P<number>0[xX][\da-fA-F]+|\d+(?:\.\d+)?(?:[eE][-+]?\d+)?)
+  | (?P<number>0[xX][\da-fA-F]+|\d+(?:'\d+)*(?:\.\d+)?(?:[eE][-+]?\d+)?)
   | (?P<word>[A-Za-z_]\w*)
   | (?P<sign>->\*|\.\.\.|::|->|\+\+|--|[-+*/%&|^=!<>]=|&&|\|\||[^\s\w])
     """,
@@ -237,8 +238,18 @@ class File:
 
     def _tokens(self) -> Iterator[tuple[str, int, int, str]]:
         for i, token in enumerate(self.tokens):
+            if token.kind == "raw":
+                yield from self._of_raw(token)
             for kind, new in self._of_token(i, token):
                 yield kind, token.start, token.end, new
+
+    def _of_raw(self, token: Token) -> Iterator[tuple[str, int, int, str]]:
+        """A raw string holds JSON: its texts and its numbers are changed."""
+        start = token.start + len('R"(')
+        for inner in tokenize(token.text[len('R"(') : -len(')"')]):
+            if inner.kind in {"string", "number"}:
+                for kind, new in self._of_token(-1, inner):
+                    yield kind, start + inner.start, start + inner.end, new
 
     def _of_token(self, i: int, token: Token) -> Iterator[tuple[str, str]]:
         if token.kind == "number":
@@ -266,7 +277,11 @@ class File:
 
     @staticmethod
     def _of_number(text: str) -> Iterator[tuple[str, str]]:
-        if text.startswith(("0x", "0X")) or text.isdigit():
+        text = text.replace("'", "")
+        if re.fullmatch("0[0-7]+", text):
+            for value in (int(text, 8) + 1, int(text, 8) - 1):
+                yield "integer", f"0{value:o}"
+        elif text.startswith(("0x", "0X")) or text.isdigit():
             for value in (int(text, 0) + 1, int(text, 0) - 1):
                 yield "integer", str(value)
         else:

@@ -1,7 +1,8 @@
-"""The mutator itself: which changes it finds in small texts, and what the list explains."""
+"""The mutator itself: which changes it finds in small texts, and what the lists explain."""
 
 import pytest
 
+from areas import AREAS, ROOT
 from explained import Explained
 from mutants import File, changed_text, find_mutants
 
@@ -28,6 +29,8 @@ def changes(text: str, kind: str | None = None) -> list[str]:
     [
         ("int x = 7;", ["int x = 6;", "int x = 8;"]),
         ("int x = 0x10;", ["int x = 15;", "int x = 17;"]),
+        ("int x = 0700;", ["int x = 0677;", "int x = 0701;"]),
+        ("int x = 1'000'000;", ["int x = 1000001;", "int x = 999999;"]),
         ("int x = -1;", ["int x = -0;", "int x = -2;", "int x = 1;"]),
         ("double x = 1.5;", ["double x = 0.5;", "double x = 2.5;"]),
         ("bool x = true;", ["bool x = false;"]),
@@ -79,6 +82,18 @@ def test_what_is_left_alone(text: str) -> None:
 )
 def test_texts(literal: str, expected: str) -> None:
     assert changed_text(literal) == expected
+
+
+def test_raw_texts_are_changed_inside() -> None:
+    statement = 'g(R"({"a": [1, true],\n "b": ""})");'
+    raw = [m.applied(body(statement)) for m in File("web/F.cpp", body(statement)).mutants()]
+    assert [text for text in raw if "R" in text] == [
+        body(statement.replace('"a"', '"b"')),
+        body(statement.replace("1", "0")),
+        body(statement.replace("1", "2")),
+        body(statement.replace('"b"', '"c"')),
+        body(statement.replace('""', '"x"')),
+    ]
 
 
 def test_end_of_line_is_taken_from_a_text() -> None:
@@ -215,3 +230,13 @@ def test_list_explains_by_pattern() -> None:
     ]
     assert explained.stale(second) == [f"{function}\n~row: *"]
     assert explained.entry(File("Source/G.cpp", ROWS).mutants()[0]) is None
+
+
+@pytest.mark.parametrize("area", AREAS, ids=lambda area: area.name)
+def test_areas_are_of_this_tree(area) -> None:
+    sources = area.sources()
+    assert {name.endswith(".cpp") for name in sources} == {True, False}
+    assert all((ROOT / main).is_file() and main not in sources for main in area.mains)
+    explained = Explained(area.explanations.read_text())
+    assert {entry.partition(":")[0] for entry in explained.reasons} <= set(sources)
+    assert all(reason.rstrip().endswith(".") for reason in explained.reasons.values())

@@ -1,0 +1,101 @@
+"""The areas of the code that are mutated: what belongs to each, and which tests ask about it."""
+
+from dataclasses import dataclass
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[2]
+
+
+@dataclass(frozen=True)
+class Program:
+    """A test program, by the names of CMake's targets."""
+
+    tests: str
+    code: tuple[str, ...]
+    """Targets whose objects are linked to the tests."""
+    libraries: tuple[str, ...]
+    needs: tuple[str, ...] = ()
+    """Programs that the tests start; these stay as they are."""
+
+    @property
+    def targets(self) -> tuple[str, ...]:
+        return (*self.code, self.tests)
+
+
+@dataclass(frozen=True)
+class Area:
+    name: str
+    folders: tuple[str, ...]
+    """Whose headers and sources are changed, with what is in folders of theirs."""
+    programs: tuple[Program, ...]
+    """Those that are asked first come first."""
+    least_killed: float
+    """Of the mutants that compile and can be seen."""
+    mains: tuple[str, ...] = ()
+    """Files of programs that no unit test links, left alone."""
+
+    def sources(self) -> list[str]:
+        """Relative to the root."""
+        found = [f for folder in self.folders for f in (ROOT / folder).rglob("*.*")]
+        names = [str(f.relative_to(ROOT)) for f in found if f.suffix in {".h", ".cpp"}]
+        return sorted(name for name in names if name not in self.mains)
+
+    @property
+    def explanations(self) -> Path:
+        """The list of changes that no unit test can see."""
+        return Path(__file__).parent / f"equivalent-{self.name}"
+
+
+GTEST = ("-lgtest_main", "-lgtest")
+
+AREAS = (
+    Area(
+        "tool",
+        ("Source",),
+        (
+            Program(
+                "gc_unit_tests",
+                ("gc_web_sections", "gc_fake_instrument"),
+                ("-lgmock", *GTEST, "-lACE"),
+            ),
+        ),
+        0.97,
+    ),
+    Area(
+        "simulator",
+        ("simulator",),
+        (
+            Program(
+                "gc_library_tests",
+                ("gcclient", "gc_client_connection", "gcplatform", "gcerrortext", "gc_wire"),
+                (*GTEST, "-lACE"),
+            ),
+            Program(
+                "gc_instrument_tests",
+                ("gc_instrument", "gc_wire"),
+                ("-lgmock", *GTEST, "-lACE"),
+            ),
+            Program(
+                "gc_server_tests",
+                ("gc_server", "gc_instrument", "gc_wire"),
+                (*GTEST, "-lACE"),
+            ),
+        ),
+        0.95,
+        ("simulator/controller/gc-sim.cpp", "simulator/controller/gc-simctl.cpp"),
+    ),
+    Area(
+        "gateway",
+        ("web/gateway",),
+        (
+            Program(
+                "gc_gateway_tests",
+                ("gc_gateway",),
+                (*GTEST, "-l:libcgicc.a"),
+                ("gc_fake_tool",),
+            ),
+        ),
+        0.95,
+        ("web/gateway/command.cpp", "web/gateway/report.cpp"),
+    ),
+)
