@@ -15,12 +15,14 @@
 
 namespace {
 
-/// Milliseconds of a clock that may be set, or of one that starts with the system.
+// A controller outlives the dates that 32 bits hold.
+static_assert(sizeof(time_t) >= 8);
+
 std::int64_t millisecondsOf(const timespec& aTime) {
   return static_cast<std::int64_t>(aTime.tv_sec) * 1000 + aTime.tv_nsec / 1000000;
 }
 
-std::int64_t now(clockid_t aClock) {
+std::int64_t timeOf(clockid_t aClock) {
   timespec time = {};
   ::clock_gettime(aClock, &time);
   return millisecondsOf(time);
@@ -32,10 +34,14 @@ bool isFresh(std::int64_t aAge, const Limits& aLimits) {
 
 /// The file is a line with the time since the system's start and the length of the answer, then the
 /// answer. Its date must be recent too: the line alone may be of an earlier start.
-std::optional<std::string> readAnswer(int aFile, const Limits& aLimits) {
+std::optional<std::string> readAnswer(int aFile, const Limits& aLimits,
+                                      const std::function<Moment()>& aNow) {
   struct stat file = {};
-  if (::fstat(aFile, &file) != 0 ||
-      !isFresh(now(CLOCK_REALTIME) - millisecondsOf(file.st_mtim), aLimits)) {
+  if (::fstat(aFile, &file) != 0) {
+    return std::nullopt;
+  }
+  const Moment now = aNow();
+  if (!isFresh(now.date - millisecondsOf(file.st_mtim), aLimits)) {
     return std::nullopt;
   }
   std::string text(static_cast<std::size_t>(file.st_size), '\0');
@@ -49,14 +55,14 @@ std::optional<std::string> readAnswer(int aFile, const Limits& aLimits) {
   std::int64_t written = 0;
   std::size_t length = 0;
   const auto [space, timeFault] = std::from_chars(text.data(), &text[line], written);
-  if (timeFault != std::errc() || *space != ' ') {
+  if (timeFault != std::errc() || *space != ' ' || written < 0) {
     return std::nullopt;
   }
   const auto [end, lengthFault] = std::from_chars(space + 1, &text[line], length);
   if (lengthFault != std::errc() || end != &text[line] || length != text.size() - line - 1) {
     return std::nullopt;
   }
-  const std::int64_t age = now(CLOCK_BOOTTIME) - written;
+  const std::int64_t age = now.sinceStart - written;
   if (!isFresh(age, aLimits)) {
     return std::nullopt;
   }
@@ -65,9 +71,9 @@ std::optional<std::string> readAnswer(int aFile, const Limits& aLimits) {
 
 /// Only the holder of the lock writes. Who reads meanwhile finds less than the line says, as does
 /// who reads what could not be kept as a whole, and asks again.
-void keepAnswer(int aFile, const std::string& aAnswer) {
+void keepAnswer(int aFile, const std::string& aAnswer, const Moment& aNow) {
   const std::string line =
-      std::to_string(now(CLOCK_BOOTTIME)) + ' ' + std::to_string(aAnswer.size()) + '\n';
+      std::to_string(aNow.sinceStart) + ' ' + std::to_string(aAnswer.size()) + '\n';
   // Not to nothing, which some file systems take for a reason to write to the disk at once.
   if (::ftruncate(aFile, 1) == 0) {
     const std::string text = line + aAnswer;
@@ -77,17 +83,22 @@ void keepAnswer(int aFile, const std::string& aAnswer) {
 
 }  // namespace
 
+Moment momentNow() {
+  return {timeOf(CLOCK_BOOTTIME), timeOf(CLOCK_REALTIME)};
+}
+
 std::string shareStatus(const std::string& aStateFolder, const Limits& aLimits,
-                        const std::function<std::string()>& aAsk) {
+                        const std::function<std::string()>& aAsk,
+                        const std::function<Moment()>& aNow) {
   const FileLock lock(aStateFolder + "/status.answer");
   if (!lock.isOpen()) {
     return render(problem(500, "GC_WEB_STATE is no folder to write to."));
   }
   bool isLocked = lock.tryLock();
-  std::optional<std::string> answer = readAnswer(lock.file(), aLimits);
+  std::optional<std::string> answer = readAnswer(lock.file(), aLimits, aNow);
   if (!answer && !isLocked) {
     isLocked = lock.lockUntil(Clock::now() + aLimits.otherStatus);
-    answer = readAnswer(lock.file(), aLimits);
+    answer = readAnswer(lock.file(), aLimits, aNow);
   }
   if (answer) {
     return *answer;
@@ -96,6 +107,6 @@ std::string shareStatus(const std::string& aStateFolder, const Limits& aLimits,
     return render(problem(504, "Somebody else's request for the status has not ended."));
   }
   answer = aAsk();
-  keepAnswer(lock.file(), *answer);
+  keepAnswer(lock.file(), *answer, aNow());
   return *answer;
 }

