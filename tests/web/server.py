@@ -24,6 +24,7 @@ UNPACKED = ROOT / "build" / "lighttpd" / "usr"
 LIGHTTPD = shutil.which("lighttpd", path="/usr/sbin") or str(UNPACKED / "sbin" / "lighttpd")
 MODULES = [] if LIGHTTPD.startswith("/usr/sbin") else ["-m", str(UNPACKED / "lib" / "lighttpd")]
 WEB_PORT = 8080
+DIAGNOSIS = re.compile(r"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ (.*)")
 REALM = "Gas chromatograph"
 USER = "operator"
 PASSWORD = "pass word: ä"
@@ -151,9 +152,11 @@ class WebServer:
     ) -> None:
         self.address = instrument
         self.state = folder / "state"
+        self.data = folder / "data"
         self.pages = folder / "pages"
         self._logs = folder / "logs"
-        for part in (self.state, self._logs, self.pages / "assets"):
+        self.log_path = self._logs / "commands.log"
+        for part in (self.state, self.data, self._logs, self.pages / "assets"):
             part.mkdir(parents=True)
         (self.pages / "index.html").write_text("<!doctype html>")
         (self.pages / "assets" / "index-Ab12.js").write_text("// " + 1000 * "x")
@@ -164,6 +167,7 @@ class WebServer:
             "tool": tool,
             "instrument": instrument,
             "state": self.state,
+            "data": self.data,
             "logs": self._logs,
             "names": r"gc\.example",
         }
@@ -180,6 +184,10 @@ class WebServer:
         )
         wait_until(self._answers)
 
+    @property
+    def pid(self) -> int:
+        return self._process.pid
+
     def _answers(self) -> bool:
         if self._process.poll() is not None:
             assert self._process.stdout is not None
@@ -187,18 +195,29 @@ class WebServer:
         with socket.socket() as client:
             return client.connect_ex((self.address, WEB_PORT)) == 0
 
-    def commands(self) -> list[dict[str, Any]]:
+    def log(self) -> list[dict[str, Any]]:
         """The log of commands."""
-        path = self._logs / "commands.log"
+        path = self.log_path
         lines = path.read_text(encoding="utf-8").splitlines() if path.exists() else []
         return [json.loads(line) for line in lines]
 
+    def commands(self) -> list[dict[str, Any]]:
+        """Its lines about commands that have ended."""
+        return [line for line in self.log() if line["event"] == "ended"]
+
     def complaints(self) -> list[str]:
         """What lighttpd has written in its log of errors, without times and what is no error."""
-        lines = (self._logs / "error.log").read_text(encoding="utf-8").splitlines()
-        told = [line.split(": ", 1)[1] for line in lines]
+        told = [line.split(": ", 1)[1] for line in self._errors() if not DIAGNOSIS.match(line)]
         comings = re.compile(r"\(server\.c\.\d+\) (server|\[note\]) ")
         return [line for line in told if not comings.match(line)]
+
+    def diagnoses(self) -> list[str]:
+        """What the gateway has written there about failures, without the times."""
+        found = [DIAGNOSIS.match(line) for line in self._errors()]
+        return [match[1] for match in found if match]
+
+    def _errors(self) -> list[str]:
+        return (self._logs / "error.log").read_text(encoding="utf-8").splitlines()
 
     def accesses(self) -> list[str]:
         """The log of requests, which is complete when the server has stopped."""
@@ -213,7 +232,7 @@ class WebServer:
             said = self._process.communicate(timeout=LIMIT)[0]
         finally:
             self._process.kill()
-        assert (self._process.returncode, said) == (0, b"")
+        assert (self._process.returncode, said) == (0, b""), said
 
 
 def write_passwords(path: Path, password: str = PASSWORD) -> None:

@@ -72,16 +72,24 @@ def test_command(
         assert (answer.status, answer.document) == (200, row.document)
         assert answer.headers["Link"] == RESULT
     asked, became = calls(controller), controller.parameters()
-    (line,) = server.commands()
-    assert re.fullmatch(r"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ", line.pop("time"))
-    assert line == {
+    begun, ended = server.log()
+    for line in (begun, ended):
+        assert re.fullmatch(r"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ", line.pop("time"))
+        assert re.fullmatch("[0-9a-f]{16}", line["id"])
+        assert line["address"].startswith("127.")
+    assert begun == {
+        "id": ended["id"],
+        "event": "begun",
         "user": "operator",
-        "address": line["address"],
+        "address": ended["address"],
         "command": row.options,
+    }
+    assert ended == {
+        **begun,
+        "event": "ended",
         "status": answer.status,
         "document": row.document,
     }
-    assert line["address"].startswith("127.")
     # The same by the tool itself.
     controller.ask(verb="load", scenario="everyday")
     begin_run(controller, row)
@@ -117,7 +125,7 @@ def test_file(
 
 
 COMMANDS_BY_METHOD = {
-    "POST": ["run", "abort", "alarm-reset", "login"],
+    "POST": ["run", "abort", "alarm-reset", "login", "seen"],
     "PUT": ["stream", "solution", "sequence", "calibration"],
 }
 
@@ -307,7 +315,12 @@ def test_no_controller(server: WebServer, browser: Browser) -> None:
     ],
 )
 def test_refused_by_the_instrument(
-    tool: Tool, simulator: StartSimulator, browser: Browser, row: Row, call: str
+    tool: Tool,
+    simulator: StartSimulator,
+    server: WebServer,
+    browser: Browser,
+    row: Row,
+    call: str,
 ) -> None:
     """As the tool tells it, or as a problem where it prints nothing."""
     controller = simulator()
@@ -317,6 +330,7 @@ def test_refused_by_the_instrument(
     if printed:
         assert (answer.status, answer.body) == (409, printed)
         assert answer.document["ErrorCode"] == 207
+        assert server.diagnoses()[-1].startswith(f"{row.method} /api/command/{row.path} 409: ")
     else:
         assert row.document is None
         assert answer.expect_problem(409)["status-of-instrument"] == 207
@@ -325,10 +339,25 @@ def test_refused_by_the_instrument(
 def test_instrument_that_hangs(
     simulator: StartSimulator, server: WebServer, browser: Browser
 ) -> None:
+    """The library gives up: whether the instrument has done it, nobody knows."""
     simulator().fault(kind="hang", call="Command")
-    answer = browser.command("POST", "alarm-reset", {})
-    assert (answer.status, answer.document["ErrorCode"]) == (409, 107)
-    assert [line["status"] for line in server.commands()] == [409]
+    problem = browser.command("POST", "alarm-reset", {}).expect_problem(504)
+    assert (problem["status-of-library"], problem["outcome"]) == (107, "unknown")
+    assert "is not known" in problem["detail"]
+    assert [line["status"] for line in server.commands()] == [504]
+    assert server.diagnoses() == ["POST /api/command/alarm-reset 504: Execute failed 107."]
+
+
+def test_run_that_has_begun_without_an_answer(
+    simulator: StartSimulator, browser: Browser
+) -> None:
+    """The instrument runs: nobody may say that it refused."""
+    controller: Simulator = simulator()
+    controller.fault(kind="drop", when="after", call="Command")
+    answer = browser.command("POST", "run", {"type": "single", "stream": 2})
+    problem = answer.expect_problem(504)
+    assert (problem["status-of-library"], problem["outcome"]) == (108, "unknown")
+    assert browser.get("/api/status").document["GC_state"].startswith("Running")
 
 
 def test_browser_that_goes_away(
@@ -386,7 +415,7 @@ def test_what_a_log_line_is(simulator: StartSimulator, server: WebServer, browse
     simulator()
     assert browser.command("PUT", "stream", {"stream": 47}).status == 422
     assert browser.command("PUT", "sequence", {"a\n": "\n"}).status == 422
-    assert server.commands() == []
+    assert server.log() == []
     assert browser.command("PUT", "stream", {"stream": 46}).status in (204, 409)
-    assert len(server.commands()) == 1
+    assert [line["event"] for line in server.log()] == ["begun", "ended"]
     assert json.dumps(server.commands()[0]["command"]) == '["-V", "46"]'

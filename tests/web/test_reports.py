@@ -101,15 +101,20 @@ def test_no_controller(browser: Browser) -> None:
 
 
 @pytest.mark.parametrize("path", PATHS)
-def test_read_refused(simulator: StartSimulator, browser: Browser, path: str) -> None:
+def test_read_refused(
+    simulator: StartSimulator, server: WebServer, browser: Browser, path: str
+) -> None:
+    """And told in the log of errors, once a minute."""
     simulator().fault(kind="status", call="Read", status=207, times=0)
-    assert browser.get(path).expect_problem(502)["status-of-instrument"] == 207
+    for _ in range(2):
+        assert browser.get(path).expect_problem(502)["status-of-instrument"] == 207
+    assert server.diagnoses() == [f"GET {path} 502: Execute failed 207."]
 
 
 def test_instrument_that_hangs(simulator: StartSimulator, browser: Browser) -> None:
     """The tool gives up before the gateway does, and says so."""
     simulator().fault(kind="hang", call="Read")
-    assert browser.get("/api/alarms").expect_problem(502)["status-of-instrument"] == 107
+    assert browser.get("/api/alarms").expect_problem(504)["status-of-library"] == 107
 
 
 def test_tool_that_is_missing(start_server: StartServer, folder: Path) -> None:

@@ -48,7 +48,7 @@ constexpr char cEndOfHeaders[] = "\r\n\r\n";
 
 }  // namespace
 
-Answer problem(int aStatus, const std::string& aDetail, std::optional<int> aInstrumentStatus) {
+Answer problem(int aStatus, const std::string& aDetail, const ProblemFacts& aFacts) {
   rapidjson::StringBuffer buffer;
   rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
   writer.StartObject();
@@ -58,9 +58,21 @@ Answer problem(int aStatus, const std::string& aDetail, std::optional<int> aInst
   writer.Int(aStatus);
   writer.Key("detail");
   writer.String(repairUtf8(aDetail));
-  if (aInstrumentStatus.has_value()) {
+  if (aFacts.instrumentStatus.has_value()) {
     writer.Key("status-of-instrument");
-    writer.Int(*aInstrumentStatus);
+    writer.Int(*aFacts.instrumentStatus);
+  }
+  if (aFacts.libraryStatus.has_value()) {
+    writer.Key("status-of-library");
+    writer.Uint(*aFacts.libraryStatus);
+  }
+  if (!aFacts.message.empty()) {
+    writer.Key("message");
+    writer.String(repairUtf8(aFacts.message));
+  }
+  if (aFacts.isOutcomeUnknown) {
+    writer.Key("outcome");
+    writer.String("unknown");
   }
   writer.EndObject();
   return {aStatus, buffer.GetString(), "", ""};
@@ -77,6 +89,11 @@ std::string render(const Answer& aAnswer) {
     text += "\r\n";
   }
   return text + "\r\n" + aAnswer.body;
+}
+
+std::string withHeader(const std::string& aRendered, const std::string& aHeader) {
+  std::string text = aRendered;
+  return text.insert(text.find('\n') + 1, aHeader);
 }
 
 std::string withoutBody(const std::string& aRendered) {

@@ -8,39 +8,57 @@
 #include <cstdio>
 #include <optional>
 
+#include "AbortTurn.h"
+#include "Backups.h"
+#include "BegunCommands.h"
 #include "CommandBody.h"
 #include "CommandLog.h"
 #include "Descriptor.h"
+#include "Diagnosis.h"
 #include "FileLock.h"
+#include "KeptAnswer.h"
 #include "Request.h"
+#include "TableFile.h"
 #include "ToolProcess.h"
 #include "Verdict.h"
 
 namespace {
 
+constexpr char cNoState[] = "GC_WEB_STATE is no folder to write to; nothing was done.";
+constexpr char cNoLog[] = "GC_WEB_LOG cannot be written to; nothing was done.";
+constexpr char cNoData[] = "GC_WEB_DATA is no folder to write to; nothing was done.";
+
+/// A command that is asked for, and all that it needs on its way.
+struct Order {
+  cgicc::CgiInput& input;
+  const Limits& limits;
+  Settings settings = {};
+  std::string body = {};
+  CommandEntry entry = {};
+};
+
 /// Checks the whole request and fills what it asks for.
-std::optional<Answer> readRequest(cgicc::CgiInput& input, Settings& settings, ToolCall& call,
-                                  std::string& body) {
-  const CommandRow* row = findCommand(pathOf(input));
+std::optional<Answer> readRequest(Order& order, Command& command) {
+  const CommandRow* row = findCommand(pathOf(order.input));
   if (row == nullptr) {
     return problem(404, "There is no such command.");
   }
-  if (input.getenv("REQUEST_METHOD") != row->method) {
+  if (order.input.getenv("REQUEST_METHOD") != row->method) {
     return methodNotAllowed(row->method);
   }
-  std::optional<Answer> fault = readCommandSettings(input, settings);
+  std::optional<Answer> fault = readCommandSettings(order.input, order.settings);
   if (!fault) {
-    fault = findHeaderFault(input);
+    fault = findHeaderFault(order.input);
   }
   if (fault) {
     return fault;
   }
-  std::optional<std::string> whole = readBody(input);
+  std::optional<std::string> whole = readBody(order.input);
   if (!whole) {
     return problem(400, "The body is shorter than its Content-Length.");
   }
-  body = *whole;
-  return readCommand(*row, body, settings, call);
+  order.body = *whole;
+  return readCommand(*row, order.body, order.settings, command);
 }
 
 /// A file without a name, which goes with the last process that has it open.
@@ -54,74 +72,189 @@ Descriptor makeFile(const std::string& aContent) {
 }
 
 /// From here on the command is carried to its end: the web server tells with a signal that the
-/// browser has gone.
+/// browser has gone, and a service manager that the system stops.
 void ignoreFarewells() {
   for (const int number : {SIGPIPE, SIGTERM, SIGINT, SIGHUP}) {
     std::signal(number, SIG_IGN);
   }
 }
 
-void carryOut(const Settings& aSettings, const Limits& aLimits, const CommandLog& aLog,
-              CommandEntry& entry, const Reply& aReply) {
-  ToolProcess tool(aSettings, aLimits, entry.call);
-  const bool hasEnded = tool.waitUntil(Clock::now() + aLimits.command);
-  const Answer answer = judge(entry.call.operation, tool.outcome());
+/// Keeps the table that a download replaces. Returns the answer when that fails: nothing may be
+/// lost.
+std::optional<Answer> keepTable(const Order& aOrder) {
+  const eOperation table = tableOf(aOrder.entry.call.operation);
+  ToolProcess tool(aOrder.settings, aOrder.limits, {table});
+  tool.waitUntil(Clock::now() + aOrder.limits.report);
+  Answer present = judge(table, tool.outcome());
+  // A result object is no table, whatever its code.
+  if (present.status != 200 || present.schema != schemaOf(table)) {
+    diagnose(aOrder.input, aOrder.settings, aOrder.entry.call.operation, present.status,
+             tool.outcome().errors);
+    // That the instrument is not there is told as always.
+    return present.status == 503
+               ? present
+               : problem(present.status == 504 ? 504 : 502,
+                         "The present table could not be read, so none was sent.");
+  }
+  const CommandEntry& entry = aOrder.entry;
+  const auto download = tableFileOf(table, present.body);
+  if (!download ||
+      !keepBackup(aOrder.settings.data, table, {entry.id, entry.user, entry.address}, *download)) {
+    return problem(500, "The present table cannot be kept in GC_WEB_DATA, so none was sent.");
+  }
+  return std::nullopt;
+}
+
+/// Starts the tool and sees to it that the log tells how it ended. Replies in between when that
+/// takes longer than the browser waits.
+void carryOut(const Order& aOrder, const CommandLog& aLog, const BegunCommand& aBegun,
+              const FileLock& aLock, const Reply& aReply) {
+  const eOperation operation = aOrder.entry.call.operation;
+  const Limits& limits = aOrder.limits;
+  ToolProcess tool(aOrder.settings, limits, aOrder.entry.call, {aLock.file(), aBegun.file()});
+  const bool hasEnded =
+      tool.waitUntil(Clock::now() + (isAbort(operation) ? limits.abort : limits.command));
+  const Answer answer = judge(operation, tool.outcome());
   if (!hasEnded) {
     aReply(render(answer));
-    // Else nobody could ever command again.
-    if (!tool.waitUntil(Clock::now() + aLimits.hung)) {
+    // Else nobody could ever command again; an abort is not waited for at all.
+    if (isAbort(operation) || !tool.waitUntil(Clock::now() + limits.hung)) {
       tool.end();
     }
   }
-  entry.status = answer.status;
-  entry.document = judge(entry.call.operation, tool.outcome()).body;
-  if (!aLog.add(entry)) {
-    std::fputs("The log of commands lacks a line.\n", stderr);
+  diagnose(aOrder.input, aOrder.settings, operation, answer.status, tool.outcome().errors);
+  const std::string document = judge(operation, tool.outcome()).body;
+  if (aLog.add(endedLine(aOrder.entry, answer.status, document))) {
+    aBegun.forget();
+  } else {
+    std::fputs("The log of commands lacks a line about the end of one.\n", stderr);
   }
   if (hasEnded) {
     aReply(render(answer));
   }
 }
 
-}  // namespace
-
-void answerCommand(cgicc::CgiInput& input, const Limits& aLimits, const Reply& aReply) {
-  Settings settings;
-  std::string body;
-  CommandEntry entry;
-  if (const std::optional<Answer> fault = readRequest(input, settings, entry.call, body)) {
-    aReply(render(*fault));
-    return;
-  }
-  if (entry.call.operation == eOperation::eCount) {
-    aReply(render({204, "", "", ""}));
-    return;
-  }
-  const FileLock lock(settings.state + "/command.lock");
-  if (!lock.isOpen()) {
-    aReply(render(problem(500, "GC_WEB_STATE is no folder to write to.")));
-    return;
-  }
-  if (!lock.lockUntil(Clock::now() + aLimits.otherCommand)) {
-    aReply(render(problem(409, "Another command is still going on.")));
-    return;
-  }
-  ignoreFarewells();
-  const CommandLog log(settings.log);
-  if (!log.isOpen()) {
-    aReply(render(problem(500, "GC_WEB_LOG cannot be written to; nothing was done.")));
-    return;
+/// Everything from the log's first line on, which is on the disk before the tool is started.
+void begin(Order& order, const FileLock& aLock, const Reply& aReply) {
+  CommandEntry& entry = order.entry;
+  if (takesFile(entry.call.operation)) {
+    if (const std::optional<Answer> fault = keepTable(order)) {
+      aReply(render(*fault));
+      return;
+    }
   }
   Descriptor file;
   if (takesFile(entry.call.operation)) {
-    file = makeFile(body);
+    file = makeFile(order.body);
     if (!file.isOpen()) {
       aReply(render(problem(500, "The file cannot be kept; nothing was done.")));
       return;
     }
     entry.call.file = file.get();
   }
-  entry.user = input.getenv("REMOTE_USER");
-  entry.address = input.getenv("REMOTE_ADDR");
-  carryOut(settings, aLimits, log, entry, aReply);
+  const CommandLog log(order.settings.log);
+  const std::string line = begunLine(entry);
+  const BegunCommand begun(order.settings.data, entry.id, line);
+  if (!begun.isKept()) {
+    aReply(render(problem(500, cNoData)));
+    return;
+  }
+  if (!log.isOpen() || !log.addFirstOfTwo(line)) {
+    begun.forget();
+    aReply(render(problem(500, cNoLog)));
+    return;
+  }
+  carryOut(order, log, begun, aLock, aReply);
+}
+
+/// Aborts go beside everything else. One that finds another of its kind waits for it, and has its
+/// answer if that is true of both.
+void abort(Order& order, const FileLock& aLock, const FileLock& aCommands, const Reply& aReply) {
+  AbortTurn turn(aLock, aCommands);
+  if (!aLock.tryLock()) {
+    // The other is ended in that time.
+    if (!aLock.lockUntil(Clock::now() + order.limits.abort + order.limits.otherCommand)) {
+      aReply(render(problem(504, "Another abort is still going on; this one was not begun.")));
+      return;
+    }
+    if (const std::optional<std::string> answer = turn.sharedAnswer()) {
+      aReply(*answer);
+      return;
+    }
+  }
+  ignoreFarewells();
+  turn.begin();
+  begin(order, aLock, [&](const std::string& aRendered) {
+    turn.share(aRendered);
+    aReply(aRendered);
+  });
+}
+
+void command(Order& order, const FileLock& aLock, const Reply& aReply) {
+  if (!aLock.lockUntil(Clock::now() + order.limits.otherCommand)) {
+    aReply(render(problem(409, "Another command is still going on.")));
+    return;
+  }
+  ignoreFarewells();
+  if (!markCommandBegun(aLock)) {
+    aReply(render(problem(500, cNoState)));
+    return;
+  }
+  begin(order, aLock, aReply);
+}
+
+/// Somebody has taken note of an interrupted command, which is not told any more.
+Answer takeNote(Order& order, const std::string& aId) {
+  switch (findInterrupted(order.settings.data, aId)) {
+    case eInterruption::eGoesOn:
+      return problem(409, "The command is still going on.");
+    case eInterruption::eNone:
+      return problem(404, "There is no such interrupted command.");
+    case eInterruption::eFound:
+      break;
+  }
+  order.entry.id = aId;
+  const CommandLog log(order.settings.log);
+  if (!log.isOpen() || !log.add(seenLine(order.entry))) {
+    return problem(500, cNoLog);
+  }
+  forgetInterrupted(order.settings.data, aId);
+  return {204, "", "", ""};
+}
+
+}  // namespace
+
+void answerCommand(cgicc::CgiInput& input, const Limits& aLimits, const Reply& aReply) {
+  Order order{input, aLimits};
+  const Reply reply = [&](const std::string& aRendered) {
+    aReply(order.settings.data.empty() ? aRendered : withInterruptions(aRendered, order.settings));
+  };
+  Command asked;
+  if (const std::optional<Answer> fault = readRequest(order, asked)) {
+    reply(render(*fault));
+    return;
+  }
+  order.entry = {newCommandId(), input.getenv("REMOTE_USER"), input.getenv("REMOTE_ADDR"),
+                 asked.call};
+  if (asked.purpose != ePurpose::eTool) {
+    reply(render(asked.purpose == ePurpose::eSeen ? takeNote(order, asked.id)
+                                                  : Answer{204, "", "", ""}));
+    return;
+  }
+  const eOperation operation = asked.call.operation;
+  const FileLock lock(order.settings.state + '/' + lockOf(operation));
+  if (!lock.isOpen()) {
+    reply(render(problem(500, cNoState)));
+    return;
+  }
+  if (!isAbort(operation)) {
+    command(order, lock, reply);
+    return;
+  }
+  const FileLock commands(order.settings.state + '/' + lockOf(eOperation::eSingleRun));
+  if (!commands.isOpen()) {
+    reply(render(problem(500, cNoState)));
+    return;
+  }
+  abort(order, lock, commands, reply);
 }

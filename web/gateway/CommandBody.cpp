@@ -1,4 +1,4 @@
-// What a command's path and body ask the tool to do.
+// What a command's path and body ask for.
 #include "CommandBody.h"
 
 #include <algorithm>
@@ -20,23 +20,27 @@ constexpr char cStreamSchema[] = R"({"type": "object", "required": ["stream"], "
 constexpr char cSolutionSchema[] = R"({"type": "object", "required": ["solution"], "properties": {
   "solution": {"type": "integer", "minimum": 0, "maximum": 10}}, "additionalProperties": false})";
 constexpr char cNothingSchema[] = R"({"type": "object", "additionalProperties": false})";
-constexpr char cLoginSchema[] = R"({"type": "object", "additionalProperties": false})";
+constexpr char cSeenSchema[] = R"({"type": "object", "required": ["id"], "properties": {
+  "id": {"type": "string", "pattern": "^[0-9a-f]{16}$"}}, "additionalProperties": false})";
 
 constexpr CommandRow cCommands[] = {
-    {"/api/command/run", "POST", cRunSchema, eOperation::eCount},
-    {"/api/command/abort", "POST", cAbortSchema, eOperation::eCount},
-    {"/api/command/stream", "PUT", cStreamSchema, eOperation::eCount},
-    {"/api/command/solution", "PUT", cSolutionSchema, eOperation::eCount},
-    {"/api/command/alarm-reset", "POST", cNothingSchema, eOperation::eCount},
-    {"/api/command/login", "POST", cLoginSchema, eOperation::eCount},
-    {"/api/command/sequence", "PUT", "sequence-file", eOperation::eSequenceFile},
-    {"/api/command/calibration", "PUT", "calibration-file", eOperation::eCalibrationFile},
+    {"/api/command/run", "POST", ePurpose::eTool, eBody::eRun, cRunSchema, nullptr},
+    {"/api/command/abort", "POST", ePurpose::eTool, eBody::eAbort, cAbortSchema, nullptr},
+    {"/api/command/stream", "PUT", ePurpose::eTool, eBody::eStream, cStreamSchema, nullptr},
+    {"/api/command/solution", "PUT", ePurpose::eTool, eBody::eSolution, cSolutionSchema, nullptr},
+    {"/api/command/alarm-reset", "POST", ePurpose::eTool, eBody::eAlarmReset, cNothingSchema,
+     nullptr},
+    {"/api/command/login", "POST", ePurpose::eLogin, eBody::eLogin, cNothingSchema, nullptr},
+    {"/api/command/seen", "POST", ePurpose::eSeen, eBody::eSeen, cSeenSchema, nullptr},
+    {"/api/command/sequence", "PUT", ePurpose::eTool, eBody::eSequence, nullptr, "sequence-file"},
+    {"/api/command/calibration", "PUT", ePurpose::eTool, eBody::eCalibration, nullptr,
+     "calibration-file"},
 };
 
-/// One form of a body that is no file: a member whose word chooses the operation, a member with its
-/// number; null where there is none.
+/// One form of a body: a member whose word chooses the operation, a member with its number; null
+/// where there is none.
 struct FormRow {
-  const char* schema;
+  eBody body;
   const char* chooser;
   const char* word;
   const char* number;
@@ -44,29 +48,34 @@ struct FormRow {
 };
 
 constexpr FormRow cForms[] = {
-    {cRunSchema, "type", "single", "stream", eOperation::eSingleRun},
-    {cRunSchema, "type", "calibration", "stream", eOperation::eCalibrationRun},
-    {cRunSchema, "type", "automation", nullptr, eOperation::eAutomation},
-    {cAbortSchema, "when", "now", nullptr, eOperation::eAbortNow},
-    {cAbortSchema, "when", "after-run", nullptr, eOperation::eAbortAfterRun},
-    {cStreamSchema, nullptr, nullptr, "stream", eOperation::eStream},
-    {cSolutionSchema, nullptr, nullptr, "solution", eOperation::eSolution},
-    {cNothingSchema, nullptr, nullptr, nullptr, eOperation::eAlarmReset},
-    {cLoginSchema, nullptr, nullptr, nullptr, eOperation::eCount},
+    {eBody::eRun, "type", "single", "stream", eOperation::eSingleRun},
+    {eBody::eRun, "type", "calibration", "stream", eOperation::eCalibrationRun},
+    {eBody::eRun, "type", "automation", nullptr, eOperation::eAutomation},
+    {eBody::eAbort, "when", "now", nullptr, eOperation::eAbortNow},
+    {eBody::eAbort, "when", "after-run", nullptr, eOperation::eAbortAfterRun},
+    {eBody::eStream, nullptr, nullptr, "stream", eOperation::eStream},
+    {eBody::eSolution, nullptr, nullptr, "solution", eOperation::eSolution},
+    {eBody::eAlarmReset, nullptr, nullptr, nullptr, eOperation::eAlarmReset},
+    {eBody::eSequence, nullptr, nullptr, nullptr, eOperation::eSequenceFile},
+    {eBody::eCalibration, nullptr, nullptr, nullptr, eOperation::eCalibrationFile},
 };
 
-/// The form that a body of this schema has.
-const FormRow& formOf(const char* aSchema, const rapidjson::Document& aBody) {
+/// The form of a body that fits its schema.
+const FormRow& formOf(eBody aKind, const rapidjson::Document& aBody) {
   return *std::find_if(std::begin(cForms), std::end(cForms), [&](const FormRow& row) {
-    return row.schema == aSchema && (row.word == nullptr || aBody[row.chooser] == row.word);
+    return row.body == aKind && (row.word == nullptr || aBody[row.chooser] == row.word);
   });
 }
 
+constexpr char cTooManyMembers[] = "The document has more members than this command takes.";
+
 /// Members that the form does not have, and members told twice, are more than it has.
-std::optional<Answer> readForm(const char* aSchema, const rapidjson::Document& aBody,
-                               ToolCall& call) {
-  const FormRow& form = formOf(aSchema, aBody);
+std::optional<Answer> readForm(eBody aKind, const rapidjson::Document& aBody, ToolCall& call) {
+  const FormRow& form = formOf(aKind, aBody);
   call.operation = form.operation;
+  if (takesFile(form.operation)) {
+    return std::nullopt;
+  }
   if (form.number != nullptr) {
     if (!aBody.HasMember(form.number)) {
       return problem(422, std::string("/") + form.number + " is missing.");
@@ -75,7 +84,23 @@ std::optional<Answer> readForm(const char* aSchema, const rapidjson::Document& a
   }
   const int members = (form.word == nullptr ? 0 : 1) + (form.number == nullptr ? 0 : 1);
   if (static_cast<int>(aBody.MemberCount()) != members) {
-    return problem(422, "The document has more members than this command takes.");
+    return problem(422, cTooManyMembers);
+  }
+  return std::nullopt;
+}
+
+/// What a body that fits its schema says to whom it is meant for.
+std::optional<Answer> readMembers(const CommandRow& aRow, const rapidjson::Document& aBody,
+                                  Command& command) {
+  command.purpose = aRow.purpose;
+  if (aRow.purpose == ePurpose::eTool) {
+    return readForm(aRow.body, aBody, command.call);
+  }
+  if (aRow.purpose == ePurpose::eSeen) {
+    if (aBody.MemberCount() != 1) {
+      return problem(422, cTooManyMembers);
+    }
+    command.id = aBody["id"].GetString();
   }
   return std::nullopt;
 }
@@ -96,7 +121,7 @@ const CommandRow* findCommand(const std::string& aPath) {
 }
 
 std::optional<Answer> readCommand(const CommandRow& aRow, const std::string& aBody,
-                                  const Settings& aSettings, ToolCall& call) {
+                                  const Settings& aSettings, Command& command) {
   rapidjson::Document body;
   if (!parseJson(aBody, body)) {
     return problem(400, "The body is not one JSON document in UTF-8.");
@@ -104,19 +129,14 @@ std::optional<Answer> readCommand(const CommandRow& aRow, const std::string& aBo
   if (!isShallow(aBody)) {
     return problem(422, "The document is nested more than 100 levels deep.");
   }
-  const bool isFile = aRow.file != eOperation::eCount;
   rapidjson::Document schema;
-  if (!isFile) {
+  if (aRow.schema != nullptr) {
     schema.Parse(aRow.schema);
-  } else if (!parseSchemaFile(aSettings.schemas + '/' + aRow.schema + ".schema.json", schema)) {
-    return problem(500, std::string("GC_WEB_SCHEMAS has no schema ") + aRow.schema + '.');
+  } else if (!parseSchemaFile(aSettings.schemas + '/' + aRow.file + ".schema.json", schema)) {
+    return problem(500, std::string("GC_WEB_SCHEMAS has no schema ") + aRow.file + '.');
   }
   if (const std::optional<std::string> fault = findSchemaFault(aBody, schema)) {
     return problem(422, *fault);
   }
-  if (!isFile) {
-    return readForm(aRow.schema, body, call);
-  }
-  call.operation = aRow.file;
-  return std::nullopt;
+  return readMembers(aRow, body, command);
 }

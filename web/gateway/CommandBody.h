@@ -1,4 +1,4 @@
-// What a command's path and body ask the tool to do.
+// What a command's path and body ask for.
 #pragma once
 
 #include <optional>
@@ -8,17 +8,42 @@
 #include "Operation.h"
 #include "Settings.h"
 
+enum class ePurpose {
+  eTool,   ///< something for the tool to do
+  eLogin,  ///< nothing, of somebody who may command
+  eSeen,   ///< an interrupted command has been taken note of
+};
+
+enum class eBody {
+  eRun,
+  eAbort,
+  eStream,
+  eSolution,
+  eAlarmReset,
+  eLogin,
+  eSeen,
+  eSequence,
+  eCalibration
+};
+
 struct CommandRow {
   const char* path;
   const char* method;
-  const char* schema;  ///< of the body; name of the schema's file if the body is a file
-  eOperation file;     ///< what is done with a body that is a file; else eCount
+  ePurpose purpose;
+  eBody body;
+  const char* schema;  ///< null if it stands in a file
+  const char* file;    ///< name of that schema
+};
+
+struct Command {
+  ePurpose purpose = ePurpose::eTool;
+  ToolCall call;   ///< for eTool; its file is left to the caller
+  std::string id;  ///< for eSeen: the interrupted command's
 };
 
 /// Null for a path that has no command.
 const CommandRow* findCommand(const std::string& aPath);
 
-/// Fills the operation and number of the call; the file is left to the caller. The operation is
-/// eCount when there is nothing for the tool to do. Returns the answer to a body that does not fit.
+/// Returns the answer to a body that does not fit.
 std::optional<Answer> readCommand(const CommandRow& aRow, const std::string& aBody,
-                                  const Settings& aSettings, ToolCall& call);
+                                  const Settings& aSettings, Command& command);

@@ -1,4 +1,4 @@
-// The log of commands: who has had what done, and how it went.
+// The log of commands: who had what done, before it began and after it ended.
 #include "CommandLog.h"
 
 #include <fcntl.h>
@@ -6,12 +6,18 @@
 #include <rapidjson/reader.h>
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
+#include <sys/file.h>
+#include <sys/random.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
-#include <ctime>
+#include <array>
+#include <cerrno>
+#include <cstddef>
 #include <vector>
 
 #include "Json.h"
+#include "UtcTime.h"
 
 namespace {
 
@@ -19,20 +25,12 @@ using Writer = rapidjson::Writer<rapidjson::StringBuffer>;
 
 // A verdict is a tenth of that at most.
 constexpr std::size_t cLongestDocument = 2000;
+// What the second line has more than the first, each octet of a text escaped.
+constexpr std::size_t cRoomForTheEnd = 16384;
 
 void addText(Writer& writer, const char* aKey, const std::string& aText) {
   writer.Key(aKey);
   writer.String(repairUtf8(aText));
-}
-
-/// The present time, UTC, as in ISO 8601.
-std::string timeNow() {
-  const std::time_t now = std::time(nullptr);
-  std::tm parts = {};
-  ::gmtime_r(&now, &parts);
-  char text[sizeof "2026-11-21T07:31:35Z"] = "";
-  std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &parts);
-  return text;
 }
 
 /// Without a file's name, which is only the tool's.
@@ -40,7 +38,7 @@ void addCommand(Writer& writer, const ToolCall& aCall) {
   writer.Key("command");
   writer.StartArray();
   for (const std::string& argument :
-       aCall.file < 0 ? argumentsOf(aCall) : optionsOf(aCall.operation)) {
+       takesFile(aCall.operation) ? optionsOf(aCall.operation) : argumentsOf(aCall)) {
     writer.String(argument);
   }
   writer.EndArray();
@@ -60,24 +58,100 @@ void addDocument(Writer& writer, const std::string& aDocument) {
   reader.Parse<cParseFlags>(stream, writer);
 }
 
-}  // namespace
-
-CommandLog::CommandLog(const std::string& aPath)
-    : mFile(::open(aPath.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0640)) {}
-
-bool CommandLog::add(const CommandEntry& aEntry) const {
-  rapidjson::StringBuffer line;
-  Writer writer(line);
+/// How every line begins.
+void beginLine(Writer& writer, const char* aEvent, const CommandEntry& aEntry) {
   writer.StartObject();
-  addText(writer, "time", timeNow());
+  addText(writer, "time", utcNow());
+  addText(writer, "id", aEntry.id);
+  addText(writer, "event", aEvent);
   addText(writer, "user", aEntry.user);
   addText(writer, "address", aEntry.address);
-  addCommand(writer, aEntry.call);
-  writer.Key("status");
-  writer.Int(aEntry.status);
-  addDocument(writer, aEntry.document);
+}
+
+std::string endLine(Writer& writer, rapidjson::StringBuffer& line) {
   writer.EndObject();
   line.Put('\n');
-  return ::write(mFile.get(), line.GetString(), line.GetSize()) ==
-         static_cast<ssize_t>(line.GetSize());
+  return line.GetString();
+}
+
+/// Whether the last octet is not the end of a line.
+bool isTorn(int aFile, off_t aSize) {
+  char last = '\n';
+  return aSize > 0 && (::pread(aFile, &last, 1, aSize - 1) != 1 || last != '\n');
+}
+
+/// Space that the file may grow into, where the file system can set it aside.
+bool setAside(int aFile, off_t aFrom, std::size_t aSize) {
+  return ::fallocate(aFile, FALLOC_FL_KEEP_SIZE, aFrom, static_cast<off_t>(aSize)) == 0 ||
+         errno == EOPNOTSUPP || errno == ENOSYS;
+}
+
+}  // namespace
+
+std::string newCommandId() {
+  std::array<unsigned char, 8> octets = {};
+  // So few are there at once, or the system has none at all and nothing would be safe.
+  while (::getrandom(octets.data(), octets.size(), 0) != static_cast<ssize_t>(octets.size())) {
+  }
+  std::string id;
+  for (const unsigned octet : octets) {
+    id += "0123456789abcdef"[octet / 16];
+    id += "0123456789abcdef"[octet % 16];
+  }
+  return id;
+}
+
+std::string begunLine(const CommandEntry& aEntry) {
+  rapidjson::StringBuffer line;
+  Writer writer(line);
+  beginLine(writer, "begun", aEntry);
+  addCommand(writer, aEntry.call);
+  return endLine(writer, line);
+}
+
+std::string endedLine(const CommandEntry& aEntry, int aStatus, const std::string& aDocument) {
+  rapidjson::StringBuffer line;
+  Writer writer(line);
+  beginLine(writer, "ended", aEntry);
+  addCommand(writer, aEntry.call);
+  writer.Key("status");
+  writer.Int(aStatus);
+  addDocument(writer, aDocument);
+  return endLine(writer, line);
+}
+
+std::string seenLine(const CommandEntry& aEntry) {
+  rapidjson::StringBuffer line;
+  Writer writer(line);
+  beginLine(writer, "seen", aEntry);
+  return endLine(writer, line);
+}
+
+CommandLog::CommandLog(const std::string& aPath)
+    : mFile(::open(aPath.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC, 0640)) {}
+
+bool CommandLog::add(const std::string& aLine) const {
+  return write(aLine, 0);
+}
+
+bool CommandLog::addFirstOfTwo(const std::string& aLine) const {
+  return write(aLine, aLine.size() + cRoomForTheEnd);
+}
+
+bool CommandLog::write(const std::string& aLine, std::size_t aRoom) const {
+  struct stat file = {};
+  // An abort is logged beside another command; each holds the lock for one line.
+  if (::flock(mFile.get(), LOCK_EX) != 0 || ::fstat(mFile.get(), &file) != 0) {
+    return false;
+  }
+  const std::string text = isTorn(mFile.get(), file.st_size) ? '\n' + aLine : aLine;
+  const bool isWritten =
+      setAside(mFile.get(), file.st_size, text.size() + aRoom) &&
+      ::write(mFile.get(), text.data(), text.size()) == static_cast<ssize_t>(text.size()) &&
+      ::fdatasync(mFile.get()) == 0;
+  if (!isWritten) {
+    static_cast<void>(::ftruncate(mFile.get(), file.st_size));
+  }
+  ::flock(mFile.get(), LOCK_UN);
+  return isWritten;
 }

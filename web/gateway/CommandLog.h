@@ -1,4 +1,4 @@
-// The log of commands: who has had what done, and how it went.
+// The log of commands: who had what done, before it began and after it ended.
 #pragma once
 
 #include <string>
@@ -7,12 +7,24 @@
 #include "Operation.h"
 
 struct CommandEntry {
+  std::string id;  ///< the same in all lines about a command
   std::string user;
   std::string address;  ///< the browser's
   ToolCall call;
-  int status = 0;        ///< of the answer
-  std::string document;  ///< how it went: JSON, or empty
 };
+
+/// An identifier that no other command has: 16 hexadecimal digits.
+std::string newCommandId();
+
+// Each is one line of JSON, with its end.
+
+std::string begunLine(const CommandEntry& aEntry);
+
+/// `aStatus`: of the answer. `aDocument`: how it went; JSON, or empty.
+std::string endedLine(const CommandEntry& aEntry, int aStatus, const std::string& aDocument);
+
+/// Somebody has taken note that the command was interrupted. The entry has no call.
+std::string seenLine(const CommandEntry& aEntry);
 
 class CommandLog {
  public:
@@ -20,10 +32,14 @@ class CommandLog {
   explicit CommandLog(const std::string& aPath);
 
   bool isOpen() const { return mFile.isOpen(); }
-  /// Adds one line of JSON, in one write so that lines of several processes never mix. False when
-  /// it could not be written whole.
-  bool add(const CommandEntry& aEntry) const;
+  /// Adds a line behind all others, and to none that an interruption has left torn. True when it is
+  /// on the disk; otherwise nothing of it is in the file.
+  bool add(const std::string& aLine) const;
+  /// The same, and sees to it that the line about the end will have room.
+  bool addFirstOfTwo(const std::string& aLine) const;
 
  private:
+  bool write(const std::string& aLine, std::size_t aRoom) const;
+
   Descriptor mFile;
 };

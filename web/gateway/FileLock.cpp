@@ -58,6 +58,10 @@ bool FileLock::tryLock() const {
   return ::flock(mFile.get(), LOCK_EX | LOCK_NB) == 0;
 }
 
+void FileLock::unlock() const {
+  ::flock(mFile.get(), LOCK_UN);
+}
+
 bool FileLock::lockUntil(Clock::time_point aTime) const {
   if (tryLock()) {
     return true;

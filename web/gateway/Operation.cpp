@@ -12,26 +12,28 @@ struct OperationRow {
   const char* options[3];
   eOperand operand;
   const char* schema;  ///< of what it prints; of commands all print the same
+  const char* lock;
 };
 
 constexpr char cVerdict[] = "result";
+constexpr char cCommands[] = "command.lock";
 
 constexpr OperationRow cOperations[] = {
-    {eOperation::eStatus, {"-t"}, eOperand::eNone, "status"},
-    {eOperation::eConfiguration, {"-g"}, eOperand::eNone, "configuration"},
-    {eOperation::eAlarms, {"-a"}, eOperand::eNone, "alarms"},
-    {eOperation::eSequence, {"-q"}, eOperand::eNone, "sequence"},
-    {eOperation::eCalibration, {"-c"}, eOperand::eNone, "calibration"},
-    {eOperation::eSingleRun, {"-R", "single", "-v"}, eOperand::eNumber, cVerdict},
-    {eOperation::eCalibrationRun, {"-R", "calib", "-v"}, eOperand::eNumber, cVerdict},
-    {eOperation::eAutomation, {"-R", "auto"}, eOperand::eNone, cVerdict},
-    {eOperation::eAbortNow, {"-A", "now"}, eOperand::eNone, cVerdict},
-    {eOperation::eAbortAfterRun, {"-A", "auto"}, eOperand::eNone, cVerdict},
-    {eOperation::eStream, {"-V"}, eOperand::eNumber, cVerdict},
-    {eOperation::eSolution, {"-M"}, eOperand::eNumber, cVerdict},
-    {eOperation::eAlarmReset, {"-P"}, eOperand::eNone, cVerdict},
-    {eOperation::eSequenceFile, {"-Q"}, eOperand::eFile, cVerdict},
-    {eOperation::eCalibrationFile, {"-C"}, eOperand::eFile, cVerdict},
+    {eOperation::eStatus, {"-t"}, eOperand::eNone, "status", nullptr},
+    {eOperation::eConfiguration, {"-g"}, eOperand::eNone, "configuration", nullptr},
+    {eOperation::eAlarms, {"-a"}, eOperand::eNone, "alarms", nullptr},
+    {eOperation::eSequence, {"-q"}, eOperand::eNone, "sequence", nullptr},
+    {eOperation::eCalibration, {"-c"}, eOperand::eNone, "calibration", nullptr},
+    {eOperation::eSingleRun, {"-R", "single", "-v"}, eOperand::eNumber, cVerdict, cCommands},
+    {eOperation::eCalibrationRun, {"-R", "calib", "-v"}, eOperand::eNumber, cVerdict, cCommands},
+    {eOperation::eAutomation, {"-R", "auto"}, eOperand::eNone, cVerdict, cCommands},
+    {eOperation::eAbortNow, {"-A", "now"}, eOperand::eNone, cVerdict, "abort-now.lock"},
+    {eOperation::eAbortAfterRun, {"-A", "auto"}, eOperand::eNone, cVerdict, "abort-after-run.lock"},
+    {eOperation::eStream, {"-V"}, eOperand::eNumber, cVerdict, cCommands},
+    {eOperation::eSolution, {"-M"}, eOperand::eNumber, cVerdict, cCommands},
+    {eOperation::eAlarmReset, {"-P"}, eOperand::eNone, cVerdict, cCommands},
+    {eOperation::eSequenceFile, {"-Q"}, eOperand::eFile, cVerdict, cCommands},
+    {eOperation::eCalibrationFile, {"-C"}, eOperand::eFile, cVerdict, cCommands},
 };
 
 constexpr bool isInOrder() {
@@ -57,6 +59,18 @@ bool isReport(eOperation aOperation) {
 
 bool takesFile(eOperation aOperation) {
   return rowOf(aOperation).operand == eOperand::eFile;
+}
+
+bool isAbort(eOperation aOperation) {
+  return aOperation == eOperation::eAbortNow || aOperation == eOperation::eAbortAfterRun;
+}
+
+const char* lockOf(eOperation aOperation) {
+  return rowOf(aOperation).lock;
+}
+
+eOperation tableOf(eOperation aDownload) {
+  return aDownload == eOperation::eSequenceFile ? eOperation::eSequence : eOperation::eCalibration;
 }
 
 const char* schemaOf(eOperation aOperation) {

@@ -32,6 +32,15 @@ struct ToolCall {
 
 bool isReport(eOperation aOperation);
 bool takesFile(eOperation aOperation);
+bool isAbort(eOperation aOperation);
+
+/// Name of the file whose lock the operation needs for itself; null for a report. An abort waits
+/// for no other command, and one that cannot wait for the end of a run not even for the other
+/// abort.
+const char* lockOf(eOperation aOperation);
+
+/// The report of the table that a download replaces.
+eOperation tableOf(eOperation aDownload);
 
 /// The options of the operation, without its operand.
 std::vector<std::string> optionsOf(eOperation aOperation);

@@ -5,6 +5,8 @@
 #include <iterator>
 #include <optional>
 
+#include "Diagnosis.h"
+#include "KeptAnswer.h"
 #include "Request.h"
 #include "SharedStatus.h"
 #include "ToolProcess.h"
@@ -23,10 +25,13 @@ constexpr ReportRow cReports[] = {
     {"/api/calibration", eOperation::eCalibration},
 };
 
-std::string askTool(const Settings& aSettings, const Limits& aLimits, eOperation aOperation) {
+std::string askTool(cgicc::CgiInput& input, const Settings& aSettings, const Limits& aLimits,
+                    eOperation aOperation) {
   ToolProcess tool(aSettings, aLimits, {aOperation});
   tool.waitUntil(Clock::now() + aLimits.report);
-  return render(judge(aOperation, tool.outcome()));
+  const Answer answer = judge(aOperation, tool.outcome());
+  diagnose(input, aSettings, aOperation, answer.status, tool.outcome().errors);
+  return render(answer);
 }
 
 bool hasBody(cgicc::CgiInput& input) {
@@ -34,33 +39,42 @@ bool hasBody(cgicc::CgiInput& input) {
   return !length.empty() && length != "0";
 }
 
-std::string answerWithBody(cgicc::CgiInput& input, const Limits& aLimits,
-                           const std::string& aMethod) {
+/// What every path here asks of a request.
+std::optional<Answer> findFault(cgicc::CgiInput& input, Settings& settings) {
+  const std::string method = input.getenv("REQUEST_METHOD");
+  if (method != "GET" && method != "HEAD") {
+    return methodNotAllowed("GET, HEAD");
+  }
+  if (!input.getenv("QUERY_STRING").empty() || hasBody(input)) {
+    return problem(400, "A report takes no query and no body.");
+  }
+  return readReportSettings(input, settings);
+}
+
+std::string answerWithBody(cgicc::CgiInput& input, const Limits& aLimits) {
   const std::string path = pathOf(input);
   const auto* report = std::find_if(std::begin(cReports), std::end(cReports),
                                     [&path](const ReportRow& row) { return path == row.path; });
-  if (report == std::end(cReports)) {
+  const bool isKept = report == std::end(cReports) && isKeptPath(path);
+  if (report == std::end(cReports) && !isKept) {
     return render(problem(404, "There is no such report."));
   }
-  if (aMethod != "GET" && aMethod != "HEAD") {
-    return render(methodNotAllowed("GET, HEAD"));
-  }
-  if (!input.getenv("QUERY_STRING").empty() || hasBody(input)) {
-    return render(problem(400, "A report takes no query and no body."));
-  }
   Settings settings;
-  if (const std::optional<Answer> fault = readReportSettings(input, settings)) {
+  if (const std::optional<Answer> fault = findFault(input, settings)) {
     return render(*fault);
   }
-  const auto ask = [&] { return askTool(settings, aLimits, report->operation); };
-  return report->operation == eOperation::eStatus ? shareStatus(settings.state, aLimits, ask)
-                                                  : ask();
+  if (isKept) {
+    return withInterruptions(render(answerKept(path, settings)), settings);
+  }
+  const auto ask = [&] { return askTool(input, settings, aLimits, report->operation); };
+  const std::string answer =
+      report->operation == eOperation::eStatus ? shareStatus(settings.state, aLimits, ask) : ask();
+  return withInterruptions(answer, settings);
 }
 
 }  // namespace
 
 std::string answerReport(cgicc::CgiInput& input, const Limits& aLimits) {
-  const std::string method = input.getenv("REQUEST_METHOD");
-  const std::string answer = answerWithBody(input, aLimits, method);
-  return method == "HEAD" ? withoutBody(answer) : answer;
+  const std::string answer = answerWithBody(input, aLimits);
+  return input.getenv("REQUEST_METHOD") == "HEAD" ? withoutBody(answer) : answer;
 }

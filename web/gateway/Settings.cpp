@@ -14,6 +14,7 @@ constexpr SettingRow cReportSettings[] = {
     {"GC_WEB_TOOL", &Settings::tool},
     {"GC_WEB_ADDRESS", &Settings::address},
     {"GC_WEB_STATE", &Settings::state},
+    {"GC_WEB_DATA", &Settings::data},
 };
 
 constexpr SettingRow cCommandSettings[] = {

@@ -15,7 +15,8 @@ using Clock = std::chrono::steady_clock;
 struct Settings {
   std::string tool;
   std::string address;
-  std::string state;
+  std::string state;      ///< a folder in memory
+  std::string data;       ///< a folder on the disk
   std::string libraries;  ///< may be empty
   std::string log;        ///< this and what follows is for commands only
   std::string schemas;
@@ -25,6 +26,7 @@ struct Limits {
   std::chrono::milliseconds report{20000};       ///< then it is ended
   std::chrono::milliseconds command{120000};     ///< then it goes on without the browser
   std::chrono::milliseconds hung{3600000};       ///< then the command is ended too: it never will
+  std::chrono::milliseconds abort{20000};        ///< then it is ended, for the next one to try
   std::chrono::milliseconds otherCommand{5000};  ///< waiting for one to end
   std::chrono::milliseconds otherStatus{25000};  ///< waiting for somebody else's answer
   std::chrono::milliseconds freshStatus{1000};   ///< how long an answer is shared

@@ -13,13 +13,19 @@
 #include <csignal>
 #include <cstddef>
 #include <ctime>
-#include <vector>
+#include <utility>
 
 namespace {
 
 // Longest single wait in a system call; the loops around it look at the clock.
 constexpr std::chrono::milliseconds cLongestWait{1000};
 constexpr int cCannotExecute = 127;
+// What a service manager sends to all processes of a service, and what a lost connection sends.
+constexpr int cFarewells[] = {SIGPIPE, SIGTERM, SIGINT, SIGHUP};
+// Higher than any number that the tool finds its files under.
+constexpr int cOutOfTheWay = 16;
+// Longer than the gateway itself, which knows what to say when it ends the tool.
+constexpr std::chrono::seconds cAfterTheGateway{30};
 
 /// Milliseconds that may be waited in one go; 0 when the time is over.
 int waitBefore(Clock::time_point aTime) {
@@ -39,6 +45,13 @@ sigset_t holdChildSignal() {
   return childSignal;
 }
 
+/// Of a command whose gateway may have been killed.
+unsigned lifetimeOf(const Limits& aLimits, eOperation aCommand) {
+  const auto time = isAbort(aCommand) ? aLimits.abort : aLimits.command + aLimits.hung;
+  return static_cast<unsigned>(
+      (std::chrono::duration_cast<std::chrono::seconds>(time) + cAfterTheGateway).count());
+}
+
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
   pointers.reserve(texts.size() + 1);
@@ -54,9 +67,11 @@ struct Start {
   char* const* environment;
   int output;
   int errors;
-  int file;
-  rlim_t limit;    ///< of either output
-  pid_t endsWith;  ///< the process whose end is the tool's too; 0 for none
+  const int* files;  ///< what it inherits beside the outputs, as descriptors 3, 4, ...
+  int fileCount;
+  rlim_t limit;       ///< of either output
+  pid_t endsWith;     ///< the process whose end is the tool's too; 0 for none
+  unsigned lifetime;  ///< seconds after which it is ended even if nobody watches; 0 for none
 };
 
 /// A report that prints too much is ended by it; a command's further output is lost.
@@ -70,12 +85,28 @@ bool limitOutput(const Start& aStart) {
   return ::setrlimit(RLIMIT_FSIZE, &size) == 0;
 }
 
+/// Gives each file its number; none of them is in the way of another any more when it gets it.
+bool placeFiles(const Start& aStart) {
+  int free[cOutOfTheWay] = {};
+  for (int i = 0; i < aStart.fileCount; ++i) {
+    free[i] = ::fcntl(aStart.files[i], F_DUPFD, cOutOfTheWay);
+  }
+  for (int i = 0; i < aStart.fileCount; ++i) {
+    if (::dup2(free[i], cToolFile + i) < 0) {
+      return false;
+    }
+  }
+  return true;
+}
+
 /// The child's way to the tool. It shares this process's memory: only system calls.
 [[noreturn]] void becomeTool(const Start& aStart) {
-  // What this process ignores or holds the tool would inherit.
-  for (const int number : {SIGPIPE, SIGTERM, SIGINT, SIGHUP}) {
-    std::signal(number, SIG_DFL);
+  // What this process ignores or holds the tool would inherit. A command that has begun is
+  // finished.
+  for (const int number : cFarewells) {
+    std::signal(number, aStart.endsWith != 0 ? SIG_DFL : SIG_IGN);
   }
+  std::signal(SIGALRM, SIG_DFL);
   sigset_t none;
   sigemptyset(&none);
   sigprocmask(SIG_SETMASK, &none, nullptr);
@@ -91,15 +122,12 @@ bool limitOutput(const Start& aStart) {
       ::dup2(aStart.output, STDOUT_FILENO) < 0 || ::dup2(aStart.errors, STDERR_FILENO) < 0) {
     ::_exit(cCannotExecute);
   }
-  int firstToClose = STDERR_FILENO + 1;
-  if (aStart.file >= 0) {
-    // Where it has this number already, dup2 would leave it to be closed.
-    if (::dup2(aStart.file, cToolFile) < 0 || ::fcntl(cToolFile, F_SETFD, 0) != 0) {
-      ::_exit(cCannotExecute);
-    }
-    firstToClose = cToolFile + 1;
+  if (!placeFiles(aStart)) {
+    ::_exit(cCannotExecute);
   }
-  ::closefrom(firstToClose);
+  ::closefrom(cToolFile + aStart.fileCount);
+  // It goes on counting in the tool.
+  ::alarm(aStart.lifetime);
   ::execve(aStart.arguments[0], aStart.arguments, aStart.environment);
   ::_exit(cCannotExecute);
 }
@@ -121,12 +149,13 @@ pid_t startTool(const Start& aStart) {
 
 }  // namespace
 
-ToolProcess::ToolProcess(const Settings& aSettings, const Limits& aLimits, const ToolCall& aCall)
+ToolProcess::ToolProcess(const Settings& aSettings, const Limits& aLimits, const ToolCall& aCall,
+                         std::vector<int> aHeld)
     : mLimits(aLimits),
       mIsReport(isReport(aCall.operation)),
       mOutput(::memfd_create("output", MFD_CLOEXEC)),
       mErrors(::memfd_create("errors", MFD_CLOEXEC)) {
-  mOutcome.started = start(aSettings, aCall);
+  mOutcome.started = start(aSettings, aCall, std::move(aHeld));
 }
 
 ToolProcess::~ToolProcess() {
@@ -136,7 +165,7 @@ ToolProcess::~ToolProcess() {
   waitForEnd();
 }
 
-bool ToolProcess::start(const Settings& aSettings, const ToolCall& aCall) {
+bool ToolProcess::start(const Settings& aSettings, const ToolCall& aCall, std::vector<int> aHeld) {
   holdChildSignal();
   std::vector<std::string> texts = {aSettings.tool, "-s", aSettings.address};
   for (const std::string& argument : argumentsOf(aCall)) {
@@ -151,9 +180,18 @@ bool ToolProcess::start(const Settings& aSettings, const ToolCall& aCall) {
   if (!mOutput.isOpen() || !mErrors.isOpen()) {
     return false;
   }
-  const Start childStart = {
-      arguments.data(), environment.data(),        mOutput.get(), mErrors.get(), aCall.file,
-      mLimits.output,   mIsReport ? ::getpid() : 0};
+  if (aCall.file >= 0) {
+    aHeld.insert(aHeld.begin(), aCall.file);
+  }
+  const Start childStart = {arguments.data(),
+                            environment.data(),
+                            mOutput.get(),
+                            mErrors.get(),
+                            aHeld.data(),
+                            static_cast<int>(aHeld.size()),
+                            mLimits.output,
+                            mIsReport ? ::getpid() : 0,
+                            mIsReport ? 0 : lifetimeOf(mLimits, aCall.operation)};
   mProcess = startTool(childStart);
   return mProcess > 0;
 }

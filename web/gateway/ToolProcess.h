@@ -4,6 +4,7 @@
 #include <sys/types.h>
 
 #include <string>
+#include <vector>
 
 #include "Descriptor.h"
 #include "Operation.h"
@@ -21,8 +22,11 @@ struct Outcome {
 
 class ToolProcess {
  public:
-  /// Starts the tool. A report's ends when this process does; a command's goes on.
-  ToolProcess(const Settings& aSettings, const Limits& aLimits, const ToolCall& aCall);
+  /// Starts the tool. A report's ends when this process does; a command's goes on, whatever signal
+  /// is sent to all, but not for longer than the limits say. `aHeld`: locked files that the tool
+  /// inherits, so that the locks live as long as it does.
+  ToolProcess(const Settings& aSettings, const Limits& aLimits, const ToolCall& aCall,
+              std::vector<int> aHeld = {});
   /// Ends a report that still runs; waits for a command.
   ~ToolProcess();
   ToolProcess(const ToolProcess&) = delete;
@@ -39,7 +43,7 @@ class ToolProcess {
   const Outcome& outcome() const { return mOutcome; }
 
  private:
-  bool start(const Settings& aSettings, const ToolCall& aCall);
+  bool start(const Settings& aSettings, const ToolCall& aCall, std::vector<int> aHeld);
   std::string collect(const Descriptor& aFrom);
   bool reapUntil(Clock::time_point aTime);
 

@@ -6,16 +6,35 @@
 #include <algorithm>
 #include <charconv>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 
 #include "Json.h"
+#include "LibraryStatus.h"
 
 namespace {
 
 constexpr char cResultSchema[] = "result";
 constexpr std::size_t cLongestComplaint = 200;
 constexpr char cFailure[] = "Execute failed ";
+
+constexpr char cOutcomeUnknown[] =
+    "Whether the instrument has carried out the command is not known: look at its status.";
+
+// With which the tool says that its command line is not one, and the system that there is no tool.
+constexpr int cBadCommandLine = 255;
+constexpr int cNoProgram = 127;
+
+/// Of a command that may have reached the instrument, or of a report, which changes nothing.
+Answer outcomeUnknown(eOperation aOperation, int aStatus, const std::string& aDetail,
+                      ProblemFacts aFacts = {}) {
+  if (isReport(aOperation)) {
+    return problem(aStatus, aDetail, aFacts);
+  }
+  aFacts.isOutcomeUnknown = true;
+  return problem(aStatus, aDetail + ' ' + cOutcomeUnknown, aFacts);
+}
 
 /// N of a line "Execute failed N." on standard error.
 std::optional<int> findFailure(const std::string& aErrors) {
@@ -42,19 +61,50 @@ std::string describeEnd(const Outcome& aOutcome) {
          aOutcome.errors.substr(0, line);
 }
 
-Answer instrumentRefused(eOperation aOperation, int aStatus) {
-  return problem(isReport(aOperation) ? 502 : 409, "The instrument refused it.", aStatus);
+/// Whether the tool ended before it could ask the instrument for anything.
+bool hasDoneNothing(int aStatus) {
+  return WIFEXITED(aStatus) &&
+         (WEXITSTATUS(aStatus) == cBadCommandLine || WEXITSTATUS(aStatus) == cNoProgram);
+}
+
+/// The answer to a status that is the library's own; none to one that is the instrument's.
+std::optional<Answer> judgeUnanswered(eOperation aOperation, std::uint32_t aStatus,
+                                      const std::string& aMessage) {
+  const char* reason = unansweredReason(aStatus);
+  if (reason == nullptr) {
+    return std::nullopt;
+  }
+  ProblemFacts facts;
+  facts.libraryStatus = aStatus;
+  // The plain words of a verdict would only mislead.
+  if (aMessage.find(':') != std::string::npos) {
+    facts.message = aMessage;
+  }
+  return outcomeUnknown(aOperation, 504,
+                        std::string("No answer from the instrument: ") + reason + '.', facts);
+}
+
+Answer judgeFailure(eOperation aOperation, int aStatus) {
+  if (const auto answer = judgeUnanswered(aOperation, static_cast<std::uint32_t>(aStatus), "")) {
+    return *answer;
+  }
+  ProblemFacts facts;
+  facts.instrumentStatus = aStatus;
+  return problem(isReport(aOperation) ? 502 : 409, "The instrument refused it.", facts);
 }
 
 /// Of a tool that ended well and printed nothing.
 Answer judgeSilence(eOperation aOperation, std::optional<int> aFailure) {
   if (aFailure.has_value()) {
-    return instrumentRefused(aOperation, *aFailure);
+    return judgeFailure(aOperation, *aFailure);
   }
   // Only the switch of the stream says nothing when all is well.
-  return aOperation == eOperation::eStream ? Answer{204, "", "", ""}
-                                           : problem(502, "The tool printed nothing.");
+  return aOperation == eOperation::eStream
+             ? Answer{204, "", "", ""}
+             : outcomeUnknown(aOperation, 502, "The tool printed nothing.");
 }
+
+constexpr char cFileRefused[] = "Format Invalid";
 
 /// Status of a printed result object.
 int judgeResult(unsigned aCode, const std::string& aMessage, bool aHasFailed) {
@@ -63,27 +113,38 @@ int judgeResult(unsigned aCode, const std::string& aMessage, bool aHasFailed) {
     return 503;
   }
   // A file that is no sequence is refused with code 0. No other words tell anything.
-  return aCode != 0 || aHasFailed || aMessage == "Format Invalid" ? 409 : 200;
+  return aCode != 0 || aHasFailed || aMessage == cFileRefused ? 409 : 200;
+}
+
+/// The status that a verdict is about. What follows a refused file on standard error is the tool's.
+std::uint32_t statusOf(unsigned aCode, const std::string& aMessage, std::optional<int> aFailure) {
+  return aCode != 0 || aMessage == cFileRefused ? aCode
+                                                : static_cast<std::uint32_t>(aFailure.value_or(0));
 }
 
 Answer judgeDocument(eOperation aOperation, const std::string& aOutput,
                      std::optional<int> aFailure) {
   rapidjson::Document document;
   if (!parseJson(aOutput, document) || !document.IsObject()) {
-    return problem(502, "What the tool printed is not one JSON document.");
+    return outcomeUnknown(aOperation, 502, "What the tool printed is not one JSON document.");
   }
   const auto code = document.FindMember("ErrorCode");
   if (code == document.MemberEnd() && isReport(aOperation)) {
-    return aFailure.has_value() ? instrumentRefused(aOperation, *aFailure)
+    return aFailure.has_value() ? judgeFailure(aOperation, *aFailure)
                                 : Answer{200, aOutput, schemaOf(aOperation), ""};
   }
   if (code == document.MemberEnd() || !code->value.IsUint()) {
-    return problem(502, "What the tool printed has no ErrorCode.");
+    return outcomeUnknown(aOperation, 502, "What the tool printed has no ErrorCode.");
   }
-  const auto message = document.FindMember("Msg");
-  const bool hasMessage = message != document.MemberEnd() && message->value.IsString();
-  const int status = judgeResult(
-      code->value.GetUint(), hasMessage ? message->value.GetString() : "", aFailure.has_value());
+  const auto member = document.FindMember("Msg");
+  const bool hasMessage = member != document.MemberEnd() && member->value.IsString();
+  const std::string message = hasMessage ? member->value.GetString() : "";
+  const unsigned number = code->value.GetUint();
+  if (const auto answer =
+          judgeUnanswered(aOperation, statusOf(number, message, aFailure), message)) {
+    return *answer;
+  }
+  const int status = judgeResult(number, message, aFailure.has_value());
   return {status, aOutput, cResultSchema, status == 503 ? "Retry-After: 5\r\n" : ""};
 }
 
@@ -94,14 +155,16 @@ Answer judge(eOperation aOperation, const Outcome& aOutcome) {
     return problem(502, "The tool could not be started.");
   }
   if (aOutcome.late) {
-    return problem(504, isReport(aOperation) ? "The instrument did not answer in time."
-                                             : "The command is still going on.");
+    return outcomeUnknown(aOperation, 504,
+                          isReport(aOperation) ? "The instrument did not answer in time."
+                                               : "The command is still going on.");
   }
   if (aOutcome.tooMuch) {
-    return problem(502, "The tool printed too much.");
+    return outcomeUnknown(aOperation, 502, "The tool printed too much.");
   }
   if (aOutcome.status != 0) {
-    return problem(502, describeEnd(aOutcome));
+    return hasDoneNothing(aOutcome.status) ? problem(502, describeEnd(aOutcome))
+                                           : outcomeUnknown(aOperation, 502, describeEnd(aOutcome));
   }
   const std::optional<int> failure = findFailure(aOutcome.errors);
   return aOutcome.output.empty() ? judgeSilence(aOperation, failure)

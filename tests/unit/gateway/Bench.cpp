@@ -7,9 +7,11 @@
 #include <sys/wait.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <sstream>
+#include <system_error>
 
 size_t FakeInput::read(char* data, size_t length) {
   const std::size_t count = std::min(length, body.size());
@@ -59,11 +61,13 @@ std::string Received::detail() const {
 
 Bench::Bench() {
   ::prctl(PR_SET_CHILD_SUBREAPER, 1);
-  input.variables = {{"GC_WEB_TOOL", GC_FAKE_TOOL},        {"GC_WEB_STATE", path("")},
-                     {"GC_WEB_LOG", path("log")},          {"GC_WEB_SCHEMAS", GC_SCHEMAS},
-                     {"GC_WEB_ADDRESS", "out {}"},         {"REMOTE_USER", "anna"},
-                     {"REMOTE_ADDR", "192.0.2.7"},         {"HTTP_X_GC_REQUEST", "1"},
-                     {"CONTENT_TYPE", "application/json"}, {"HTTP_HOST", "gc.example"}};
+  EXPECT_EQ(::mkdir(path("data").c_str(), 0700), 0);
+  input.variables = {{"GC_WEB_TOOL", GC_FAKE_TOOL}, {"GC_WEB_STATE", path("")},
+                     {"GC_WEB_LOG", path("log")},   {"GC_WEB_SCHEMAS", GC_SCHEMAS},
+                     {"GC_WEB_DATA", path("data")}, {"GC_WEB_ADDRESS", "out {}"},
+                     {"REMOTE_USER", "anna"},       {"REMOTE_ADDR", "192.0.2.7"},
+                     {"HTTP_X_GC_REQUEST", "1"},    {"CONTENT_TYPE", "application/json"},
+                     {"HTTP_HOST", "gc.example"}};
 }
 
 Bench::~Bench() {
@@ -101,6 +105,14 @@ Received Bench::report(const std::string& aPath, const std::string& aMethod) {
   return Received(answerReport(input, limits));
 }
 
+Received Bench::ask(const std::string& aPath, const std::string& aMethod) {
+  const FakeInput before = input;
+  input.variables["PATH_INFO"] = input.variables["CONTENT_LENGTH"] = "";
+  Received answer = report(aPath, aMethod);
+  input = before;
+  return answer;
+}
+
 void Bench::setCommand(const std::string& aMethod, const std::string& aPath,
                        const std::string& aBody) {
   input.variables["REQUEST_METHOD"] = aMethod;
@@ -123,13 +135,36 @@ Received Bench::command(const std::string& aMethod, const std::string& aPath,
   return replyToCommand();
 }
 
-std::vector<std::string> Bench::log() const {
-  std::istringstream text(contentOf("log"));
+std::vector<std::string> Bench::linesOf(const std::string& aName) const {
+  std::istringstream text(contentOf(aName));
   std::vector<std::string> lines;
   for (std::string line; std::getline(text, line);) {
     lines.push_back(line);
   }
   return lines;
+}
+
+std::vector<rapidjson::Document> Bench::logged(const std::string& aEvent) const {
+  std::vector<rapidjson::Document> found;
+  for (const std::string& text : linesOf("log")) {
+    rapidjson::Document line;
+    line.Parse(text.c_str());
+    EXPECT_FALSE(line.HasParseError()) << text;
+    if (!line.HasParseError() && aEvent == line["event"].GetString()) {
+      found.push_back(std::move(line));
+    }
+  }
+  return found;
+}
+
+std::vector<std::string> Bench::filesIn(const std::string& aName) const {
+  std::vector<std::string> names;
+  std::error_code none;
+  for (const auto& entry : std::filesystem::directory_iterator(path(aName), none)) {
+    names.push_back(entry.path().filename());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
 }
 
 Settings Bench::settings() const {

@@ -48,8 +48,11 @@ class Bench : public ::testing::Test {
  protected:
   Bench();
 
-  /// What the tool does: lines for the fake one.
-  void toolDoes(const std::string& aLines) { input.variables["GC_WEB_ADDRESS"] = aLines; }
+  /// What the tool does: lines for the fake one. Whenever it is asked for a table, as before a
+  /// download, that is `aTable`; empty: it does the same as always.
+  void toolDoes(const std::string& aLines, const std::string& aTable = R"({"total": 0})") {
+    input.variables["GC_WEB_ADDRESS"] = (aTable.empty() ? "" : "table " + aTable + '\n') + aLines;
+  }
   std::string path(const std::string& aName) const { return mFolder.path(aName); }
   std::string contentOf(const std::string& aName) const;
   void write(const std::string& aName, const std::string& aContent) const;
@@ -60,12 +63,17 @@ class Bench : public ::testing::Test {
   static void letGoOn(const Descriptor& aEnd);
 
   Received report(const std::string& aPath, const std::string& aMethod = "GET");
+  /// A report beside commands, whose input stays as it is.
+  Received ask(const std::string& aPath, const std::string& aMethod = "GET");
   Received command(const std::string& aMethod, const std::string& aPath, const std::string& aBody);
   void setCommand(const std::string& aMethod, const std::string& aPath, const std::string& aBody);
   /// The only reply to the command that the input holds.
   Received replyToCommand();
-  /// Lines of the log of commands.
-  std::vector<std::string> log() const;
+  std::vector<std::string> linesOf(const std::string& aName) const;
+  /// Lines of the log of commands about one kind of event: "begun", "ended", "seen".
+  std::vector<rapidjson::Document> logged(const std::string& aEvent) const;
+  /// Names of what is in a folder, in their order; none when it is not there.
+  std::vector<std::string> filesIn(const std::string& aName) const;
 
   Settings settings() const;
 

@@ -44,7 +44,7 @@ TEST_F(DownloadedFile, LeavesNoFile) {
     names.emplace_back(entry->d_name);
   }
   ::closedir(folder);
-  EXPECT_EQ(names.size(), 5U);  // itself, its parent, lock, log, what the fake tool has kept
+  EXPECT_EQ(names.size(), 6U);  // itself, its parent, lock, log, data, what the fake tool has kept
 }
 
 struct Fault {

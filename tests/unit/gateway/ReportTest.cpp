@@ -18,7 +18,7 @@ constexpr Route cRoutes[] = {
 };
 
 TEST_F(ReportRequest, StartsTheToolWithOneOption) {
-  toolDoes("describe");
+  toolDoes("describe", "");
   for (const Route& route : cRoutes) {
     const Received answer = report(route.path);
     EXPECT_EQ(answer.status, 200) << route.path;
@@ -42,7 +42,7 @@ TEST_F(ReportRequest, HandsOnEveryOctet) {
 }
 
 TEST_F(ReportRequest, TakesThePathHoweverItIsDivided) {
-  toolDoes("describe");
+  toolDoes("describe", "");
   input.variables["PATH_INFO"] = "/alarms";
   const rapidjson::Document document = report("/api").document();
   EXPECT_STREQ(document["arguments"][0].GetString(), "-a");
@@ -94,7 +94,7 @@ TEST_F(ReportRequest, TakesNoQueryAndNoBody) {
 }
 
 TEST_F(ReportRequest, NamesTheSettingThatIsMissing) {
-  for (const char* variable : {"GC_WEB_TOOL", "GC_WEB_ADDRESS", "GC_WEB_STATE"}) {
+  for (const char* variable : {"GC_WEB_TOOL", "GC_WEB_ADDRESS", "GC_WEB_STATE", "GC_WEB_DATA"}) {
     const std::string value = input.variables[variable];
     input.variables.erase(variable);
     const Received answer = report("/api/config");

@@ -80,7 +80,7 @@ TEST_F(CommandHeaders, DecideBeforeTheToolIsStarted) {
     input.variables = good;
   }
   EXPECT_EQ(contentOf("runs").size(), runs * std::string("run\n").size());
-  EXPECT_EQ(log().size(), runs);
+  EXPECT_EQ(logged("ended").size(), runs);
 }
 
 TEST_F(CommandHeaders, KnowTheOwnOriginWithAnyPort) {

@@ -6,6 +6,8 @@
 #include <sys/wait.h>
 
 #include <csignal>
+#include <cstdint>
+#include <initializer_list>
 
 #include "Bench.h"
 
@@ -50,7 +52,7 @@ TEST_F(ToolRun, InheritsNothing) {
   const Descriptor higher(57);
   ASSERT_EQ(::setenv("GC_WEB_SECRET", "x", 1), 0);  // NOLINT(concurrency-mt-unsafe)
   const auto before = std::signal(SIGTERM, SIG_IGN);
-  toolDoes("describe");
+  toolDoes("describe", "");
   const rapidjson::Document born = report("/api/config").document();
   std::signal(SIGTERM, before);
   ::dup2(ownInput.get(), STDIN_FILENO);
@@ -76,17 +78,52 @@ TEST_F(ToolRun, LeavesTheGatewaysSignalsAsTheyWere) {
 
 TEST_F(ToolRun, IsToldWhereItsLibrariesAre) {
   input.variables["LD_LIBRARY_PATH"] = "/nowhere:/else";
-  toolDoes("describe");
+  toolDoes("describe", "");
   const rapidjson::Document born = report("/api/config").document();
   ASSERT_EQ(born["environment"].Size(), 1U);
   EXPECT_STREQ(born["environment"][0].GetString(), "LD_LIBRARY_PATH=/nowhere:/else");
 }
 
-TEST_F(ToolRun, HasItsFileAsTheOnlyOtherDescriptor) {
+std::uint64_t maskOf(std::initializer_list<int> aSignals) {
+  std::uint64_t mask = 0;
+  for (const int number : aSignals) {
+    mask |= std::uint64_t{1} << static_cast<unsigned>(number - 1);
+  }
+  return mask;
+}
+
+TEST_F(ToolRun, OfACommandHasNothingButItsFileAndTheLocks) {
   toolDoes("describe 0");
   const rapidjson::Document born = command("PUT", "/calibration", R"({"total": 0})").document();
-  EXPECT_EQ(born["descriptors"].Size(), 4U);
-  EXPECT_EQ(born["descriptors"][3], 3);
+  ASSERT_EQ(born["descriptors"].Size(), 6U);
+  EXPECT_EQ(born["descriptors"][5], 5);
+  EXPECT_EQ(born["files"][3].GetString(), std::string("/memfd:upload (deleted)"));
+  EXPECT_EQ(born["files"][4].GetString(), path("command.lock"));
+  EXPECT_EQ(std::string(born["files"][5].GetString()).rfind(path("data/begun/"), 0), 0U);
+}
+
+/// A command that has begun is finished: a service manager signals every process.
+TEST_F(ToolRun, OfACommandIgnoresWhatEndsAService) {
+  toolDoes("describe 0");
+  const rapidjson::Document born = command("POST", "/alarm-reset", "{}").document();
+  const std::uint64_t ignored = maskOf({SIGTERM, SIGINT, SIGHUP, SIGPIPE});
+  EXPECT_EQ(born["SigIgn"].GetUint64() & ignored, ignored);
+  EXPECT_EQ(born["SigIgn"].GetUint64() & maskOf({SIGCHLD, SIGALRM, SIGQUIT, SIGABRT}), 0U);
+  EXPECT_EQ(born["SigBlk"].GetUint64() & (ignored | maskOf({SIGALRM, SIGCHLD})), 0U);
+}
+
+/// Its gateway may have been killed: then nobody else would end what hangs and holds the locks.
+TEST_F(ToolRun, OfACommandDoesNotLiveForEver) {
+  // Less what a busy machine takes from its start to its look at the clock.
+  constexpr double cBusy = 60.0;
+  toolDoes("describe 0");
+  const Received longest = command("POST", "/alarm-reset", "{}");
+  EXPECT_NEAR(longest.document()["alarm"].GetInt(), 120 + 3600 + 30, cBusy);
+  const Received abort = command("POST", "/abort", R"({"when": "now"})");
+  EXPECT_GT(abort.document()["alarm"].GetInt(), 0);
+  EXPECT_LE(abort.document()["alarm"].GetInt(), 20 + 30);
+  toolDoes("describe", "");
+  EXPECT_EQ(ask("/api/config").document()["alarm"], 0);
 }
 
 TEST_F(ToolRun, HasItsFileWhateverNumberTheGatewayGaveIt) {

@@ -43,7 +43,10 @@ constexpr Expected cDocuments[] = {
     {cRun, R"({"ErrorCode": 0, "Msg": "Format Invalid"})", "", 409},
     {cRun, R"({"ErrorCode": 2, "Msg": "Format invalid"})", "Execute failed -1.\n", 409},
     {cRun, R"({"ErrorCode": 2, "Msg": "Accepted"})", "", 409},
-    {cRun, R"({"ErrorCode": 4294967295, "Msg": "Refused"})", "Execute failed -1.\n", 409},
+    {cRun, R"({"ErrorCode": 4294967294, "Msg": "Refused"})", "Execute failed -2.\n", 409},
+    {cRun, R"({"ErrorCode": 106, "Msg": "Refused"})", "Execute failed 106.\n", 409},
+    {cRun, R"({"ErrorCode": 110, "Msg": "Refused"})", "Execute failed 110.\n", 409},
+    {cRun, R"({"ErrorCode": 0, "Msg": "Format Invalid"})", "Execute failed -1.\n", 409},
     {cRun, cAccepted, "writeParam. return 0.\nExecute failed 7.\n", 409},
     {cRun, cAccepted, "what? Execute failed 7.\n", 200},
     {cRun, cAccepted, "Execute failed.\n", 200},
@@ -103,7 +106,76 @@ TEST(VerdictOfTheTool, MakesAProblemOfEverythingElse) {
 
 TEST(VerdictOfTheTool, TellsTheStatusOfTheInstrument) {
   EXPECT_EQ(judged(cReport, "", "Execute failed 28.\n").document()["status-of-instrument"], 28);
-  EXPECT_EQ(judged(cRun, "", "x\nExecute failed -1.").document()["status-of-instrument"], -1);
+  EXPECT_EQ(judged(cRun, "", "x\nExecute failed -2.").document()["status-of-instrument"], -2);
+}
+
+constexpr char cNotKnown[] =
+    "Whether the instrument has carried out the command is not known: look at its status.";
+
+/// The library's own word is no refusal: the instrument may be running.
+TEST(VerdictOfTheTool, IsUnknownWithoutTheInstrumentsWord) {
+  const struct {
+    std::uint32_t status;
+    const char* errors;
+    const char* reason;
+  } cStatuses[] = {
+      {107, "Execute failed 107.\n", "it did not answer in time"},
+      {108, "Execute failed 108.\n", "the connection was lost"},
+      {109, "Execute failed 109.\n", "its answer was not understood"},
+      {4294967295U, "Execute failed -1.\n", "the client library failed"},
+  };
+  for (const auto& row : cStatuses) {
+    const std::string code = std::to_string(row.status);
+    const std::string detail = std::string("No answer from the instrument: ") + row.reason + ".";
+    for (const std::string& output : {R"({"ErrorCode": )" + code + R"(, "Msg": "Refused"})",
+                                      std::string(), std::string(cAccepted)}) {
+      const Received answer = judged(cRun, output, row.errors);
+      EXPECT_EQ(answer.status, 504) << output;
+      EXPECT_EQ(answer.detail(), detail + ' ' + cNotKnown);
+      const rapidjson::Document problem = answer.document();
+      EXPECT_EQ(problem["status-of-library"], row.status);
+      EXPECT_STREQ(problem["outcome"].GetString(), "unknown");
+      EXPECT_EQ(problem.MemberCount(), 5U);
+    }
+    const Received report = judged(cReport, "", row.errors);
+    EXPECT_EQ(report.status, 504);
+    EXPECT_EQ(report.detail(), detail);
+    EXPECT_FALSE(report.document().HasMember("outcome"));
+  }
+}
+
+TEST(VerdictOfTheTool, SaysHowFarADownloadGot) {
+  const char* words = "Refused: Unable to set new level for chan[1] peak[6]";
+  const Received answer =
+      judged(eOperation::eCalibrationFile,
+             R"({"ErrorCode": 107, "Msg": ")" + std::string(words) + "\"}", "Execute failed 107.");
+  EXPECT_STREQ(answer.document()["message"].GetString(), words);
+}
+
+TEST(VerdictOfTheTool, IsUnknownWhenTheToolDoesNotSay) {
+  const struct {
+    Outcome outcome;
+    bool isUnknown;
+  } cEnds[] = {
+      {{false, false, false, 0, "", ""}, false},
+      {{true, true, false, 0, "", ""}, true},
+      {{true, false, true, 0, "", ""}, true},
+      {{true, false, false, SIGKILL, "", ""}, true},
+      {{true, false, false, 1 << 8, "", ""}, true},
+      {{true, false, false, 127 << 8, "", ""}, false},
+      {{true, false, false, 255 << 8, "", ""}, false},
+      {{true, false, false, 0, "", ""}, true},
+      {{true, false, false, 0, "{}", ""}, true},
+      {{true, false, false, 0, "nonsense", ""}, true},
+  };
+  for (const auto& row : cEnds) {
+    const Received answer(render(judge(cRun, row.outcome)));
+    EXPECT_EQ(answer.document().HasMember("outcome"), row.isUnknown) << answer.body;
+    EXPECT_EQ(answer.detail().find(cNotKnown) != std::string::npos, row.isUnknown) << answer.body;
+    const Received report(render(judge(cReport, row.outcome)));
+    EXPECT_EQ(report.body.find("outcome"), std::string::npos);
+    EXPECT_EQ(report.body.find("not known"), std::string::npos);
+  }
 }
 
 TEST(VerdictOfTheTool, AZeroOctetIsNoJson) {
@@ -128,7 +200,7 @@ TEST(VerdictOfTheTool, FollowsTheEndOfTheRun) {
       {{false, false, false, 0, "", ""}, 502, "started"},
       {{true, true, false, 0, cAccepted, ""}, 504, ""},
       {{true, false, true, 0, cAccepted, ""}, 502, "too much"},
-      {{true, false, false, SIGSEGV, cAccepted, ""}, 502, "signal 11"},
+      {{true, false, false, SIGSEGV, cAccepted, ""}, 502, "signal 11. Whether"},
       {{true, false, false, 255 << 8, "", "Invalid \xFFP address\nmore"}, 502, "status 255. Inv"},
   };
   for (const auto& row : cEnds) {

@@ -8,6 +8,7 @@
 #include <array>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -50,6 +51,19 @@ void addDescriptors(Writer& writer) {
   writer.EndArray();
 }
 
+/// What the descriptors stand for, from the lowest on.
+void addFiles(Writer& writer) {
+  writer.Key("files");
+  writer.StartArray();
+  for (int number = 0; number < 10; ++number) {
+    std::array<char, 256> target = {};
+    const std::string name = "/proc/self/fd/" + std::to_string(number);
+    static_cast<void>(::readlink(name.c_str(), target.data(), target.size() - 1) + 1);
+    writer.String(target.data());
+  }
+  writer.EndArray();
+}
+
 /// The signals that are ignored or held, as /proc shows them.
 void addSignals(Writer& writer) {
   std::istringstream lines(contentOf("/proc/self/status"));
@@ -76,6 +90,9 @@ void describe(char** aArguments, const std::string& aCode) {
   addTexts(writer, "environment", environ);
   addDescriptors(writer);
   addSignals(writer);
+  addFiles(writer);
+  writer.Key("alarm");
+  writer.Uint(::alarm(0));
   writer.Key("input");
   writer.String(length > 0 ? input.data() : "");
   writer.Key("leads");
@@ -111,6 +128,22 @@ void obey(const std::string& aVerb, const std::string& aWhat, char** aArguments,
     ::close(STDERR_FILENO);
   } else if (aVerb == "keep") {  // the file of a download
     std::ofstream(aWhat, std::ios::binary) << contentOf(aArguments[aCount - 1]);
+  } else if (aVerb == "keep-log") {  // as it is now: its path, and that of the copy
+    const std::size_t blank = aWhat.find(' ');
+    std::ofstream(aWhat.substr(blank + 1), std::ios::binary) << contentOf(aWhat.substr(0, blank));
+  } else if (aVerb == "files") {  // of a folder as it is now, and the file to name them in
+    const std::size_t blank = aWhat.find(' ');
+    std::ofstream names(aWhat.substr(blank + 1));
+    for (const auto& entry : std::filesystem::directory_iterator(aWhat.substr(0, blank))) {
+      names << entry.path().filename().string() << '\n';
+    }
+  } else if (aVerb == "say-pid") {
+    std::ofstream(aWhat) << ::getpid();
+  } else if (aVerb == "table") {  // and nothing else, when a table is asked for
+    if (aCount == 4 && (std::string(aArguments[3]) == "-q" || std::string(aArguments[3]) == "-c")) {
+      std::cout << aWhat << std::flush;
+      std::exit(0);  // NOLINT(concurrency-mt-unsafe)
+    }
   } else {
     std::cerr << "what is " << aVerb << "?\n";
     std::exit(99);  // NOLINT(concurrency-mt-unsafe)

@@ -1,0 +1,86 @@
+// Commands that have begun and are not known to have ended, on the disk: a restart loses none.
+#include "BegunCommands.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+
+#include "StoredFile.h"
+
+namespace {
+
+std::string folderOf(const std::string& aDataFolder) {
+  return aDataFolder + "/begun";
+}
+
+struct Found {
+  bool goesOn = false;
+  std::string line;  ///< empty when the command has just ended, or never began
+};
+
+Found look(const std::string& aPath) {
+  const Descriptor file(::open(aPath.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW));
+  struct stat state = {};
+  if (!file.isOpen()) {
+    return {};
+  }
+  const bool goesOn = ::flock(file.get(), LOCK_SH | LOCK_NB) != 0;
+  // Between its opening and its lock the command may have ended: then the file has no name any
+  // more.
+  if (::fstat(file.get(), &state) != 0 || state.st_nlink == 0) {
+    return {};
+  }
+  const std::string line = contentOf(file.get());
+  // What a crash left of one that was not yet kept has no end.
+  return line.empty() || line.back() != '\n' ? Found() : Found{goesOn, line};
+}
+
+}  // namespace
+
+BegunCommand::BegunCommand(const std::string& aDataFolder, const std::string& aId,
+                           const std::string& aLine)
+    : mPath(folderOf(aDataFolder) + '/' + aId) {
+  const std::string folder = folderOf(aDataFolder);
+  ::mkdir(folder.c_str(), 0700);
+  mFile = Descriptor(::open(mPath.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+  // Locked before it has content: a file without a whole line is no command yet.
+  mIsKept = mFile.isOpen() && ::flock(mFile.get(), LOCK_EX) == 0 &&
+            writeToDisk(mFile.get(), aLine) && syncFolder(folder);
+  if (mFile.isOpen() && !mIsKept) {
+    forget();
+  }
+}
+
+void BegunCommand::forget() const {
+  ::unlink(mPath.c_str());
+}
+
+UnfinishedCommands findUnfinished(const std::string& aDataFolder) {
+  UnfinishedCommands unfinished;
+  const std::string path = folderOf(aDataFolder);
+  for (const std::string& name : namesIn(path)) {
+    const Found found = look(path + '/' + name);
+    if (!found.line.empty()) {
+      (found.goesOn ? unfinished.goingOn : unfinished.interrupted).push_back(found.line);
+    }
+  }
+  // Each begins with its time.
+  std::sort(unfinished.goingOn.begin(), unfinished.goingOn.end());
+  std::sort(unfinished.interrupted.begin(), unfinished.interrupted.end());
+  return unfinished;
+}
+
+eInterruption findInterrupted(const std::string& aDataFolder, const std::string& aId) {
+  const Found found = look(folderOf(aDataFolder) + '/' + aId);
+  if (found.line.empty()) {
+    return eInterruption::eNone;
+  }
+  return found.goesOn ? eInterruption::eGoesOn : eInterruption::eFound;
+}
+
+void forgetInterrupted(const std::string& aDataFolder, const std::string& aId) {
+  ::unlink((folderOf(aDataFolder) + '/' + aId).c_str());
+}

@@ -1,0 +1,48 @@
+// Files that must survive a power cut, and folders of them.
+#include "StoredFile.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+
+#include "Descriptor.h"
+
+std::string contentOf(int aFile) {
+  struct stat state = {};
+  if (::fstat(aFile, &state) != 0) {
+    return {};
+  }
+  std::string content(static_cast<std::size_t>(state.st_size), '\0');
+  const ssize_t count = ::pread(aFile, content.data(), content.size(), 0);
+  content.resize(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+  return content;
+}
+
+bool writeToDisk(int aFile, const std::string& aContent) {
+  return ::write(aFile, aContent.data(), aContent.size()) ==
+             static_cast<ssize_t>(aContent.size()) &&
+         ::fsync(aFile) == 0;
+}
+
+bool syncFolder(const std::string& aPath) {
+  const Descriptor folder(::open(aPath.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  return folder.isOpen() && ::fsync(folder.get()) == 0;
+}
+
+std::vector<std::string> namesIn(const std::string& aPath) {
+  std::vector<std::string> names;
+  const std::unique_ptr<DIR, int (*)(DIR*)> folder(::opendir(aPath.c_str()), ::closedir);
+  if (folder != nullptr) {
+    while (const dirent* entry = ::readdir(folder.get())) {  // NOLINT(concurrency-mt-unsafe)
+      if (entry->d_name[0] != '.') {
+        names.emplace_back(entry->d_name);
+      }
+    }
+  }
+  return names;
+}
