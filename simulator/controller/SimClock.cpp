@@ -38,7 +38,6 @@ bool SimClock::step(double aSeconds) {
   if (!(aSeconds >= 0.0 && aSeconds <= cMaxStep)) {
     return false;
   }
-  settle();
   mSimulated += aSeconds;
   return true;
 }

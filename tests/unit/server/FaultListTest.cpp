@@ -159,6 +159,58 @@ TEST(FaultParsing, Fields) {
   EXPECT_FALSE(parsed(R"({"kind": "value", "records": [1], "real": 5})").integer.has_value());
 }
 
+TEST(FaultParsing, NamesAndKinds) {
+  const struct {
+    const char* fault;
+    const char* name;
+    eFault kind;
+    eType call;
+  } cRows[] = {
+      {R"({"kind": "drop"})", "drop", eFault::eDrop, eType::eRead},
+      {R"({"kind": "delay", "seconds": 1})", "delay", eFault::eDelay, eType::eRead},
+      {R"({"kind": "hang"})", "hang", eFault::eHang, eType::eRead},
+      {R"({"kind": "status", "status": 1})", "status", eFault::eStatus, eType::eRead},
+      {R"({"kind": "unanswered", "records": []})", "unanswered", eFault::eUnanswered, eType::eRead},
+      {R"({"kind": "swap", "a": 0, "b": 1})", "swap", eFault::eSwap, eType::eWrite},
+      {R"({"kind": "short"})", "short", eFault::eShort, eType::eRead},
+      {R"({"kind": "truncate"})", "truncate", eFault::eTruncate, eType::eRead},
+      {R"({"kind": "value", "records": [], "int": 1})", "value", eFault::eValue, eType::eRead},
+      {R"({"kind": "text", "text": ""})", "text", eFault::eText, eType::eObject},
+      {R"({"kind": "ignore"})", "ignore", eFault::eIgnore, eType::eCommand},
+  };
+  for (const auto& row : cRows) {
+    const Fault fault = parsed(row.fault, row.call);
+    EXPECT_STREQ(fault.name, row.name);
+    EXPECT_EQ(fault.kind, row.kind) << row.name;
+  }
+}
+
+TEST(FaultParsing, Bounds) {
+  EXPECT_EQ(parsed(R"({"kind": "hang", "nth": 1})").nth, 1U);
+  EXPECT_EQ(parsed(R"({"kind": "delay", "seconds": 0})").name, std::string("delay"));
+  EXPECT_EQ(parsed(R"({"kind": "delay", "seconds": 3600})").seconds, 3600.0);
+  const auto records = [](std::size_t aCount) {
+    std::string list = "0";
+    for (std::size_t n = 1; n < aCount; ++n) {
+      list += ", 0";
+    }
+    return R"({"kind": "unanswered", "records": [)" + list + "]}";
+  };
+  EXPECT_EQ(parsed(records(4096)).records.size(), 4096U);
+  const auto text = [](const char* aKind, std::size_t aCount) {
+    return std::string(R"({"kind": "text", ")") + aKind + "\": \"" + std::string(aCount, '0') +
+           "\"}";
+  };
+  EXPECT_EQ(parsed(text("text", 65536), eType::eObject).text.size(), 65536U);
+  EXPECT_EQ(parsed(text("hex", 131072), eType::eObject).text.size(), 65536U);
+  FaultList faults;
+  std::string error;
+  EXPECT_FALSE(add(faults, records(4097), error));
+  EXPECT_FALSE(add(faults, text("text", 65537), error));
+  EXPECT_EQ(error, "/text: a text of at most 65536 octets expected");
+  EXPECT_FALSE(add(faults, text("hex", 131074), error));
+}
+
 TEST(FaultParsing, Texts) {
   EXPECT_EQ(parsed(R"({"kind": "text", "text": "a\u0000b"})", eType::eObject).text,
             std::string("a\0b", 3));
@@ -203,6 +255,14 @@ TEST(FaultParsing, Refusals) {
       {R"({"kind": "unanswered", "records": [0, -1]})",
        R"(/records: an array of indices, or "all" expected)"},
       {R"({"kind": "swap", "a": 0})", "/b: missing"},
+      {R"({"kind": "swap", "b": 0})", "/a: missing"},
+      {R"({"kind": "swap", "a": -1, "b": 0})", "/a: an index expected"},
+      {R"({"kind": "swap", "a": 0, "b": -1})", "/b: an index expected"},
+      {R"({"kind": "value", "records": 1, "int": 1})",
+       R"(/records: an array of indices, or "all" expected)"},
+      {R"({"kind": "value", "records": [], "real": true})",
+       R"(/real: a number, "NaN", "Infinity" or "-Infinity" expected)"},
+      {R"({"kind": "text", "text": 1})", "/text: a text of at most 65536 octets expected"},
       {R"({"kind": "value", "records": "all"})", ": one or more of real, int expected"},
       {R"({"kind": "value", "real": 1})", "/records: missing"},
       {R"({"kind": "value", "records": "all", "int": 2147483648})",

@@ -1,9 +1,14 @@
 // Journal lines parse, whatever is in them; the file gets them all, the memory the last.
 #include "Journal.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <rapidjson/document.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include <csignal>
 #include <fstream>
 #include <limits>
 #include <sstream>
@@ -77,6 +82,62 @@ TEST(Journal, AppendsToItsFile) {
   EXPECT_EQ(contents(path), "{\"n\":1}\n{\"n\":2}\n");
 }
 
+TEST(Journal, MakesItsFileForOthersToRead) {
+  const TemporaryFolder folder;
+  const std::string path = folder.path("journal");
+  const mode_t mask = ::umask(0);
+  std::string error;
+  int handle = -1;
+  {
+    Journal journal;
+    EXPECT_TRUE(journal.open(path, error));
+    EXPECT_EQ(error, "");
+    // The lowest that is free: what has been opened is below it.
+    handle = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+    ::close(handle);
+    EXPECT_NE(::fcntl(handle - 1, F_GETFD), -1);
+  }
+  ::umask(mask);
+  EXPECT_EQ(::fcntl(handle - 1, F_GETFD), -1) << "the file is left open";
+  struct stat status = {};
+  ASSERT_EQ(::stat(path.c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 07777, 0644U);
+}
+
+TEST(Journal, MayHaveAnyHandle) {
+  // Even that of the standard input.
+  const TemporaryFolder folder;
+  const std::string path = folder.path("journal");
+  const int input = ::dup(STDIN_FILENO);
+  ::close(STDIN_FILENO);
+  {
+    Journal journal;
+    std::string error;
+    EXPECT_TRUE(journal.open(path, error)) << error;
+    journal.write("{}");
+  }
+  EXPECT_EQ(::fcntl(STDIN_FILENO, F_GETFD), -1);
+  ::dup2(input, STDIN_FILENO);
+  ::close(input);
+  EXPECT_EQ(contents(path), "{}\n");
+}
+
+TEST(Journal, WithoutAFileClosesAndWritesNone) {
+  const TemporaryFolder folder;
+  const int input = ::dup(STDIN_FILENO);
+  const int file = ::open(folder.path("input").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+  ::dup2(file, STDIN_FILENO);
+  {
+    Journal journal;
+    journal.write("{}");
+  }
+  EXPECT_NE(::fcntl(STDIN_FILENO, F_GETFD), -1);
+  ::dup2(input, STDIN_FILENO);
+  ::close(input);
+  ::close(file);
+  EXPECT_EQ(contents(folder.path("input")), "");
+}
+
 TEST(Journal, FileThatCannotBeOpened) {
   Journal journal;
   std::string error;
@@ -98,6 +159,26 @@ TEST(Journal, GoesOnWhenItsFileIsFull) {
   EXPECT_EQ(journal.lines().size(), 2U);
 }
 
+TEST(Journal, SaysWhenALineIsCut) {
+  const TemporaryFolder folder;
+  const std::string path = folder.path("journal");
+  rlimit before = {};
+  ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+  const auto action = std::signal(SIGXFSZ, SIG_IGN);
+  Journal journal;
+  std::string error;
+  ASSERT_TRUE(journal.open(path, error)) << error;
+  ::testing::internal::CaptureStderr();
+  journal.write("{\"n\":1}");
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+  const rlimit small = {10, before.rlim_max};
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+  journal.write("{\"n\":2}");
+  ::setrlimit(RLIMIT_FSIZE, &before);
+  std::signal(SIGXFSZ, action);
+  EXPECT_EQ(contents(path), "{\"n\":1}\n{\"");
+}
+
 TEST(Journal, KeepsTheLastThousandLines) {
   Journal journal;
   for (int n = 1; n <= 1500; ++n) {
@@ -115,6 +196,10 @@ TEST(Journal, KeepsEightMegabytes) {
     journal.write(line);
   }
   EXPECT_EQ(journal.lines().size(), 8U);
+  journal.write("");
+  EXPECT_EQ(journal.lines().size(), 9U);
+  journal.write("z");
+  EXPECT_EQ(journal.lines().size(), 9U);
   std::string longest;
   while (longest.size() <= Journal::cMaxOctets) {
     longest += line;
