@@ -5,7 +5,6 @@
 #include <rapidjson/document.h>
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -109,8 +108,8 @@ bool storeFile(const std::string& aFolder, unsigned long aNumber, const std::str
 bool keepBackup(const std::string& aDataFolder, eOperation aTable, const Replacement& aBy,
                 const std::string& aDownload) {
   const std::string folder = folderOf(aDataFolder, aTable);
-  ::mkdir((aDataFolder + "/backups").c_str(), 0700);
-  ::mkdir(folder.c_str(), 0700);
+  makeFolder(aDataFolder + "/backups");
+  makeFolder(folder);
   const std::vector<unsigned long> numbers = numbersIn(folder);
   // Whoever tries again and again does not push out what was there before.
   if (!numbers.empty() && readFile(pathOf(folder, numbers.front())).table == aDownload) {

@@ -44,7 +44,7 @@ BegunCommand::BegunCommand(const std::string& aDataFolder, const std::string& aI
                            const std::string& aLine)
     : mPath(folderOf(aDataFolder) + '/' + aId) {
   const std::string folder = folderOf(aDataFolder);
-  ::mkdir(folder.c_str(), 0700);
+  makeFolder(folder);
   mFile = Descriptor(::open(mPath.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
   // Locked before it has content: a file without a whole line is no command yet.
   mIsKept = mFile.isOpen() && ::flock(mFile.get(), LOCK_EX) == 0 &&

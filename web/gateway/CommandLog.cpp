@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "Json.h"
+#include "StoredFile.h"
 #include "UtcTime.h"
 
 namespace {
@@ -128,7 +129,8 @@ std::string seenLine(const CommandEntry& aEntry) {
 }
 
 CommandLog::CommandLog(const std::string& aPath)
-    : mFile(::open(aPath.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC, 0640)) {}
+    : mFolder(parentOf(aPath)),
+      mFile(::open(aPath.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC, 0640)) {}
 
 bool CommandLog::add(const std::string& aLine) const {
   return write(aLine, 0);
@@ -148,7 +150,7 @@ bool CommandLog::write(const std::string& aLine, std::size_t aRoom) const {
   const bool isWritten =
       setAside(mFile.get(), file.st_size, text.size() + aRoom) &&
       ::write(mFile.get(), text.data(), text.size()) == static_cast<ssize_t>(text.size()) &&
-      ::fdatasync(mFile.get()) == 0;
+      ::fdatasync(mFile.get()) == 0 && (file.st_size > 0 || syncFolder(mFolder));
   if (!isWritten) {
     static_cast<void>(::ftruncate(mFile.get(), file.st_size));
   }

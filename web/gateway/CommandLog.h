@@ -41,5 +41,6 @@ class CommandLog {
  private:
   bool write(const std::string& aLine, std::size_t aRoom) const;
 
+  std::string mFolder;
   Descriptor mFile;
 };

@@ -34,6 +34,20 @@ bool syncFolder(const std::string& aPath) {
   return folder.isOpen() && ::fsync(folder.get()) == 0;
 }
 
+void makeFolder(const std::string& aPath) {
+  if (::mkdir(aPath.c_str(), 0700) == 0) {
+    syncFolder(parentOf(aPath));
+  }
+}
+
+std::string parentOf(const std::string& aPath) {
+  const std::size_t slash = aPath.rfind('/');
+  if (slash == std::string::npos) {
+    return ".";
+  }
+  return slash == 0 ? "/" : aPath.substr(0, slash);
+}
+
 std::vector<std::string> namesIn(const std::string& aPath) {
   std::vector<std::string> names;
   const std::unique_ptr<DIR, int (*)(DIR*)> folder(::opendir(aPath.c_str()), ::closedir);

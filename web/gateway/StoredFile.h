@@ -13,5 +13,12 @@ bool writeToDisk(int aFile, const std::string& aContent);
 /// Waits until the names in a folder are on the disk.
 bool syncFolder(const std::string& aPath);
 
+/// Makes a folder for this user alone if it is not there. What cannot be made fails when it is
+/// used.
+void makeFolder(const std::string& aPath);
+
+/// The folder that a file or folder is in.
+std::string parentOf(const std::string& aPath);
+
 /// Names of the files in a folder, but hidden ones, in no order; none when there is no such folder.
 std::vector<std::string> namesIn(const std::string& aPath);

@@ -1,0 +1,20 @@
+"""Fifty interleavings by chance: no two downloads interleave, and every command has an outcome."""
+
+import pytest
+from conftest import StartSimulator
+from interleavings import Interleaving, tables_of
+from server import WebServer
+
+# Ten at a time, so that the workers share them. A failure names the seed.
+SEEDS = [range(first, first + 10) for first in range(0, 50, 10)]
+
+
+@pytest.mark.parametrize("seeds", SEEDS, ids=lambda seeds: f"{seeds[0]}-{seeds[-1]}")
+def test_interleavings(simulator: StartSimulator, server: WebServer, seeds: range) -> None:
+    controller = simulator()
+    tables = tables_of(server)
+    for seed in seeds:
+        try:
+            Interleaving(seed, controller, server, tables).run()
+        except AssertionError as fault:
+            raise AssertionError(f"seed {seed}: {fault}") from fault
