@@ -1,11 +1,14 @@
 // What the gateway asks of a request before it looks at the body.
 #include "Request.h"
 
+#include <arpa/inet.h>
 #include <cgicc/CgiUtils.h>
+#include <netinet/in.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdlib>
+#include <iterator>
 
 namespace {
 
@@ -16,6 +19,38 @@ using cgicc::stringsAreEqual;  // in any case
 /// Some web servers hand a query on as arguments; nobody means it well here.
 bool hasNoQuery(cgicc::CgiInput& input) {
   return input.getenv("QUERY_STRING").empty();
+}
+
+bool isSecure(cgicc::CgiInput& input) {
+  return stringsAreEqual(input.getenv("HTTPS"), "on");
+}
+
+bool isLoopback(const std::string& aAddress) {
+  constexpr unsigned char cLoopbackNet = 127;
+  in6_addr address = {};
+  if (::inet_pton(AF_INET, aAddress.c_str(), &address) == 1) {
+    return address.s6_addr[0] == cLoopbackNet;
+  }
+  if (::inet_pton(AF_INET6, aAddress.c_str(), &address) != 1) {
+    return false;
+  }
+  return IN6_IS_ADDR_LOOPBACK(&address) ||
+         (IN6_IS_ADDR_V4MAPPED(&address) && address.s6_addr[12] == cLoopbackNet);
+}
+
+/// What a proxy adds when it passes on somebody else's request.
+bool isPassedOn(cgicc::CgiInput& input) {
+  constexpr const char* cMarks[] = {"HTTP_FORWARDED", "HTTP_X_FORWARDED_FOR", "HTTP_X_REAL_IP",
+                                    "HTTP_VIA"};
+  return std::any_of(std::begin(cMarks), std::end(cMarks),
+                     [&input](const char* aMark) { return !input.getenv(aMark).empty(); });
+}
+
+/// A login over HTTP can be overheard and sent again with another body for as long as its nonce
+/// lasts: it says nothing about the body.
+bool isOutOfOthersReach(cgicc::CgiInput& input) {
+  return isSecure(input) || (isLoopback(input.getenv("REMOTE_ADDR")) && !isPassedOn(input)) ||
+         input.getenv("GC_WEB_PLAIN_HTTP_COMMANDS") == "allowed";
 }
 
 bool isUserKnown(cgicc::CgiInput& input) {
@@ -36,9 +71,8 @@ std::string withoutPort(const std::string& aHost, const std::string& aPort) {
 bool isOwnOrigin(cgicc::CgiInput& input) {
   const std::string origin = input.getenv("HTTP_ORIGIN");
   const std::string host = input.getenv("HTTP_HOST");
-  const bool isSecure = stringsAreEqual(input.getenv("HTTPS"), "on");
-  const std::string own =
-      isSecure ? "https://" + withoutPort(host, ":443") : "http://" + withoutPort(host, ":80");
+  const std::string own = isSecure(input) ? "https://" + withoutPort(host, ":443")
+                                          : "http://" + withoutPort(host, ":80");
   return origin.empty() || (!host.empty() && stringsAreEqual(origin, own));
 }
 
@@ -96,6 +130,9 @@ struct CheckRow {
 // In this order: who asks, from where, what.
 constexpr CheckRow cChecks[] = {
     {hasNoQuery, 400, "A command takes no query."},
+    {isOutOfOthersReach, 403,
+     "Commands over plain HTTP are refused, because others on the network could read and repeat "
+     "them. Open this page with https:// (tls.conf sets it up) or on the controller itself."},
     {isUserKnown, 403,
      "Commands are off until a password is set (set-password) and asked for (login.conf)."},
     {isMarked, 403, "A command needs the header X-GC-Request: 1."},

@@ -37,7 +37,7 @@ std::optional<Answer> readRows(cgicc::CgiInput& input, const SettingRow (&aRows)
 }  // namespace
 
 std::optional<Answer> readReportSettings(cgicc::CgiInput& input, Settings& settings) {
-  settings.libraries = input.getenv("LD_LIBRARY_PATH");
+  settings.libraries = input.getenv("GC_WEB_LIBRARY_PATH");
   return readRows(input, cReportSettings, settings);
 }
 

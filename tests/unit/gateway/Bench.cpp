@@ -67,7 +67,7 @@ Bench::Bench() {
                      {"GC_WEB_DATA", path("data")}, {"GC_WEB_ADDRESS", "out {}"},
                      {"REMOTE_USER", "anna"},       {"REMOTE_ADDR", "192.0.2.7"},
                      {"HTTP_X_GC_REQUEST", "1"},    {"CONTENT_TYPE", "application/json"},
-                     {"HTTP_HOST", "gc.example"}};
+                     {"HTTP_HOST", "gc.example"},   {"GC_WEB_PLAIN_HTTP_COMMANDS", "allowed"}};
 }
 
 Bench::~Bench() {

@@ -77,7 +77,9 @@ TEST_F(ToolRun, LeavesTheGatewaysSignalsAsTheyWere) {
 }
 
 TEST_F(ToolRun, IsToldWhereItsLibrariesAre) {
-  input.variables["LD_LIBRARY_PATH"] = "/nowhere:/else";
+  input.variables["GC_WEB_LIBRARY_PATH"] = "/nowhere:/else";
+  // What the web server itself was started with is its own.
+  input.variables["LD_LIBRARY_PATH"] = "/of-the-server";
   toolDoes("describe", "");
   const rapidjson::Document born = report("/api/config").document();
   ASSERT_EQ(born["environment"].Size(), 1U);
