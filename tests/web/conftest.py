@@ -39,14 +39,20 @@ def start_server(address: str, bin_dir: Path, folder: Path) -> Iterator[StartSer
     """Starts a web server at the test's address, for the instrument there."""
     with ExitStack() as running:
 
-        def start(*lines: str, passwords: bool = True, tool: Path = system.TOOL) -> WebServer:
+        def start(
+            *lines: str,
+            passwords: bool = True,
+            tool: Path = system.TOOL,
+            scripts: Path = CONFIGURATION,
+        ) -> WebServer:
             """`lines`: further ones of the configuration. `passwords`: somebody may act."""
-            every = list(lines)
+            every = []
             if passwords:
                 write_passwords(folder / "passwords")
                 every += [f'var.passwords = "{folder}/passwords"']
                 every += [f'include "{CONFIGURATION}/login.conf"']
-            started = WebServer(folder / "web", bin_dir, tool, address, every)
+            every += lines
+            started = WebServer(folder / "web", bin_dir, tool, address, every, scripts)
             running.callback(started.stop)
             return started
 

@@ -72,16 +72,18 @@ class Browser:
         password: str | None = None,
         port: int = WEB_PORT,
         context: ssl.SSLContext | None = None,
+        source: str = "",
     ) -> None:
-        """`context`: for HTTPS."""
+        """`context`: for HTTPS. `source`: the browser's own address."""
         self.address = address
+        self._source = (source, 0)
         self._password = password
         self._port = port
         self._context = context
         self._nonce = ""
 
     def connect(self) -> socket.socket:
-        return socket.create_connection((self.address, WEB_PORT), LIMIT)
+        return socket.create_connection((self.address, WEB_PORT), LIMIT, self._source)
 
     def authorization(self, method: str, path: str, user: str = USER) -> str:
         """The header's value by which the server knows who asks for this."""
@@ -118,7 +120,9 @@ class Browser:
         if login and self._password is not None:
             every["Authorization"] = self.authorization(method, path)
         if self._context is None:
-            connection = http.client.HTTPConnection(self.address, self._port, timeout=LIMIT)
+            connection = http.client.HTTPConnection(
+                self.address, self._port, timeout=LIMIT, source_address=self._source
+            )
         else:
             connection = http.client.HTTPSConnection(
                 self.address, self._port, timeout=LIMIT, context=self._context
@@ -144,19 +148,25 @@ class WebServer:
     """lighttpd, which runs until it is stopped.
 
     `folder`: for all that it keeps. `instrument`: the address of the controller, and its own.
-    `lines`: further ones of its configuration.
+    `lines`: further ones of its configuration. `scripts`: folder of its Lua scripts.
     """
 
     def __init__(
-        self, folder: Path, bin_dir: Path, tool: Path, instrument: str, lines: list[str]
+        self,
+        folder: Path,
+        bin_dir: Path,
+        tool: Path,
+        instrument: str,
+        lines: list[str],
+        scripts: Path = CONFIGURATION,
     ) -> None:
         self.address = instrument
         self.state = folder / "state"
         self.data = folder / "data"
         self.pages = folder / "pages"
-        self._logs = folder / "logs"
-        self.log_path = self._logs / "commands.log"
-        for part in (self.state, self.data, self._logs, self.pages / "assets"):
+        self.logs = folder / "logs"
+        self.log_path = self.logs / "commands.log"
+        for part in (self.state, self.data, self.logs, self.pages / "assets"):
             part.mkdir(parents=True)
         (self.pages / "index.html").write_text("<!doctype html>")
         (self.pages / "assets" / "index-Ab12.js").write_text("// " + 1000 * "x")
@@ -168,7 +178,9 @@ class WebServer:
             "instrument": instrument,
             "state": self.state,
             "data": self.data,
-            "logs": self._logs,
+            "logs": self.logs,
+            "scripts": scripts,
+            "libraries": "",
             "names": r"gc\.example",
         }
         settings = [f'var.{name} = "{value}"' for name, value in variables.items()]
@@ -182,7 +194,13 @@ class WebServer:
             stdout=subprocess.PIPE,
             stderr=subprocess.STDOUT,
         )
-        wait_until(self._answers)
+        try:
+            wait_until(self._answers)
+        except BaseException:
+            # Nobody has it yet who could stop it.
+            self._process.kill()
+            self._process.communicate()
+            raise
 
     @property
     def pid(self) -> int:
@@ -194,6 +212,12 @@ class WebServer:
             raise AssertionError(f"no web server: {self._process.stdout.read().decode()}")
         with socket.socket() as client:
             return client.connect_ex((self.address, WEB_PORT)) == 0
+
+    def programs(self) -> int:
+        """How many it runs at the moment."""
+        tasks = Path(f"/proc/{self.pid}/task")
+        children = [(task / "children").read_text(encoding="ascii") for task in tasks.iterdir()]
+        return len(" ".join(children).split())
 
     def log(self) -> list[dict[str, Any]]:
         """The log of commands."""
@@ -217,11 +241,11 @@ class WebServer:
         return [match[1] for match in found if match]
 
     def _errors(self) -> list[str]:
-        return (self._logs / "error.log").read_text(encoding="utf-8").splitlines()
+        return (self.logs / "error.log").read_text(encoding="utf-8").splitlines()
 
     def accesses(self) -> list[str]:
         """The log of requests, which is complete when the server has stopped."""
-        return (self._logs / "access.log").read_text(encoding="utf-8").splitlines()
+        return (self.logs / "access.log").read_text(encoding="utf-8").splitlines()
 
     def stop(self) -> None:
         if self._process.returncode is not None:

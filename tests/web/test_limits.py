@@ -1,29 +1,128 @@
-"""Connections that only stay open keep nobody away for ever."""
+"""What many connections, requests and programs at a time may take from others."""
 
+import contextlib
 import select
 import socket
+from collections.abc import Iterator
+from contextlib import ExitStack
+from pathlib import Path
 
-from conftest import StartSimulator
-from server import WEB_PORT, WebServer
+from conftest import StartServer, StartSimulator
+from programs import Simulator
+from server import CONFIGURATION, HEADERS, PASSWORD, WEB_PORT, Browser, WebServer, wait_until
 
-CONNECTIONS = 100  # the server's limit
-PATIENCE = 30  # seconds; the server closes a connection on which nothing comes after half of them
+SLOW = 300
+# In place of a controller's: few enough to be reached.
+PLACES = {
+    "reports = { all = 96, each = 72 }": "reports = { all = 3, each = 2 }",
+    "strangers = { all = 8, each = 4 }": "strangers = { all = 1, each = 1 }",
+}
+ALARMS = b"GET /api/alarms HTTP/1.1\r\nHost: gc.example\r\n\r\n"
 
 
 def has_ended(connection: socket.socket) -> bool:
     return bool(select.select([connection], [], [], 0)[0]) and connection.recv(1) == b""
 
 
-def test_silent_connections(simulator: StartSimulator, server: WebServer) -> None:
+def test_slow_clients(simulator: StartSimulator, server: WebServer) -> None:
+    """Who never comes to the end of a request keeps nobody else waiting."""
     simulator()
-    address = (server.address, WEB_PORT)
-    silent = [socket.create_connection(address) for _ in range(CONNECTIONS)]
-    with socket.create_connection(address, PATIENCE) as late:
-        late.sendall(b"GET /api/status HTTP/1.0\r\nHost: gc.example\r\n\r\n")
-        answer = late.recv(100)
-    # It had to wait until one of them was closed.
-    ended = [connection for connection in silent if has_ended(connection)]
-    for connection in silent:
-        connection.close()
-    assert answer.startswith(b"HTTP/1.0 200 OK\r\n")
-    assert ended
+    with ExitStack() as opened:
+        slow = []
+        for _ in range(SLOW):
+            connection = socket.create_connection((server.address, WEB_PORT))
+            opened.enter_context(connection)
+            connection.sendall(b"GET /api/status HTTP/1.1\r\nHost: gc.example\r\nX: ")
+            slow.append(connection)
+        for path in ("/", "/api/status"):
+            assert Browser(server.address).get(path).status == 200
+        assert not any(has_ended(connection) for connection in slow)
+        # An answer may come a little before its program's end.
+        wait_until(lambda: server.programs() == 0)
+    assert server.complaints() == []
+
+
+@contextlib.contextmanager
+def waiting(controller: Simulator, server: WebServer, source: str) -> Iterator[socket.socket]:
+    """A request that has been let in and for which the instrument has no answer."""
+
+    def reads() -> int:
+        return sum(line["call"] == "Read" for line in controller.journal())
+
+    before = reads()
+    with socket.create_connection((server.address, WEB_PORT), source_address=(source, 0)) as asking:
+        asking.sendall(ALARMS)
+        wait_until(lambda: reads() > before)
+        yield asking
+
+
+def small(folder: Path) -> Path:
+    """The web server's scripts, with fewer places."""
+    scripts = folder / "scripts"
+    scripts.mkdir()
+    for path in CONFIGURATION.glob("*.lua"):
+        text = path.read_text(encoding="utf-8")
+        for ours, fewer in PLACES.items() if path.name == "gate.lua" else ():
+            assert ours in text
+            text = text.replace(ours, fewer)
+        (scripts / path.name).write_text(text, encoding="utf-8")
+    return scripts
+
+
+def expect_busy(server: WebServer, source: str, path: str = "/api/alarms") -> None:
+    answer = Browser(server.address, source=source).get(path)
+    assert answer.expect_problem(429)["detail"] == (
+        "The web server is busy with other requests. Nothing was done; try again."
+    )
+    assert (answer.headers["Retry-After"], answer.headers["Cache-Control"]) == ("1", "no-store")
+
+
+def test_programs_at_a_time(
+    simulator: StartSimulator, start_server: StartServer, folder: Path
+) -> None:
+    """One address leaves places for others; files, and whoever may act, need none of them."""
+    controller: Simulator = simulator()
+    server = start_server(scripts=small(folder))
+    controller.fault(kind="hang", call="Read", times=0)
+    with ExitStack() as opened:
+        asking = [
+            opened.enter_context(waiting(controller, server, source))
+            for source in ("127.0.0.2", "127.0.0.3", "127.0.0.2")
+        ]
+        expect_busy(server, "127.0.0.2")
+        expect_busy(server, "127.0.0.4")
+        expect_busy(server, "127.0.0.4", "/api/none")
+        assert server.programs() == 3
+        assert Browser(server.address).get("/").status == 200
+        acting = Browser(server.address, PASSWORD, source="127.0.0.2")
+        assert acting.command("POST", "alarm-reset", {}).status == 200
+        assert acting.command("POST", "abort", {"when": "after-run"}).status == 200
+        controller.stop()
+        for connection in asking:
+            assert connection.recv(9) == b"HTTP/1.1 "
+    # Whoever was answered has left a place.
+    for _ in range(5):
+        assert Browser(server.address, source="127.0.0.2").get("/api/alarms").status == 503
+    server.stop()
+    assert not [line for line in server.accesses() if " 429 " in line]
+
+
+def test_bodies_that_never_end(
+    simulator: StartSimulator, start_server: StartServer, folder: Path
+) -> None:
+    """Of strangers, they take the strangers' places only."""
+    simulator()
+    server = start_server(passwords=False, scripts=small(folder))
+    head = "POST /api/command/login HTTP/1.1\r\nHost: gc.example\r\nContent-Length: 9\r\n"
+    head += "".join(f"{name}: {value}\r\n" for name, value in HEADERS.items())
+    with ExitStack() as opened:
+        connection = opened.enter_context(socket.create_connection((server.address, WEB_PORT)))
+        connection.sendall(f"{head}\r\n{{".encode())
+        stranger = Browser(server.address)
+        wait_until(lambda: stranger.command("POST", "login", {}).status == 429)
+        for path in ("/", "/api/alarms", "/api/status"):
+            assert stranger.get(path).status == 200
+        wait_until(lambda: server.programs() == 0)
+        connection.sendall(b"       }")
+        assert connection.recv(12) == b"HTTP/1.1 403"
+    assert stranger.command("POST", "login", {}).status == 403

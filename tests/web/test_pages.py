@@ -20,7 +20,8 @@ from server import (
 
 SCRIPT = "/assets/index-Ab12.js"
 GUARDS = {
-    "Content-Security-Policy": "default-src 'self'; frame-ancestors 'none'",
+    "Content-Security-Policy": "default-src 'self'; base-uri 'none'; form-action 'none'; "
+    "frame-ancestors 'none'; object-src 'none'",
     "X-Content-Type-Options": "nosniff",
     "X-Frame-Options": "DENY",
     "Referrer-Policy": "no-referrer",
@@ -50,6 +51,15 @@ def test_file(server: WebServer, browser: Browser, path: str, kind: str, kept: s
     assert head.headers["Content-Length"] == answer.headers["Content-Length"]
     again = browser.get(path, **{"If-None-Match": answer.headers["ETag"]})
     assert (again.status, again.body) == (304, b"")
+
+
+@pytest.mark.parametrize("path", ["/assets/index-Ab13.js", "/assets/none", "/assets/"])
+@pytest.mark.parametrize("method", ["GET", "HEAD", "POST"])
+def test_missing_file_is_not_kept(browser: Browser, method: str, path: str) -> None:
+    """Or a page of the next version stays without it for a year."""
+    answer = browser.request(method, path)
+    assert answer.status in (403, 404)
+    assert answer.headers.get_all("Cache-Control") == ["no-store"]
 
 
 def test_compressed(server: WebServer, browser: Browser) -> None:
@@ -157,23 +167,11 @@ def test_logs(simulator: StartSimulator, start_server: StartServer) -> None:
     assert server.complaints() == []
 
 
-def make_certificate(path: Path, address: str) -> None:
-    """A certificate that answers for itself, and its key, in one file."""
-    subject = ["-subj", "/CN=gc", "-addext", f"subjectAltName=IP:{address}"]
-    kind = ["-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:P-256", "-nodes"]
-    # Both to the same output, one after the other.
-    files = ["-keyout", "-", "-out", "-"]
-    done = subprocess.run(
-        ["openssl", "req", "-x509", *kind, *subject, *files], check=True, capture_output=True
-    )
-    path.write_bytes(done.stdout)
-
-
 def test_encrypted(simulator: StartSimulator, start_server: StartServer, folder: Path) -> None:
     """Over HTTP only the way to HTTPS is left; the Origin of a command must be of HTTPS."""
     address = simulator().address
     pem, port = folder / "server.pem", WEB_PORT + 1
-    make_certificate(pem, address)
+    subprocess.run([CONFIGURATION / "set-certificate", pem, address], check=True)
     settings = (CONFIGURATION / "tls.conf").read_text(encoding="utf-8")
     (folder / "tls.conf").write_text(settings.replace(":443", f"{address}:{port}"))
     start_server(f'var.certificate = "{pem}"', f'include "{folder}/tls.conf"')
@@ -182,8 +180,15 @@ def test_encrypted(simulator: StartSimulator, start_server: StartServer, folder:
     unsafe = Browser(address).request("POST", "/api/command/alarm-reset", b"{}", HEADERS)
     assert unsafe.status == 301
 
-    browser = Browser(address, PASSWORD, port, ssl.create_default_context(cafile=pem))
+    context = ssl.create_default_context(cafile=pem)
+    browser = Browser(address, PASSWORD, port, context)
     assert browser.get("/").status == 200
     for origin, status in ((f"https://{address}:{port}", 200), (f"http://{address}:{port}", 403)):
         answer = browser.command("POST", "alarm-reset", {}, Origin=origin)
         assert answer.status == status
+    for version, good in (("-tls1_1", False), ("-tls1_2", True), ("-tls1_3", True)):
+        # Of the lowest level, or this side would refuse the old version already.
+        client = ["openssl", "s_client", "-connect", f"{address}:{port}", version]
+        client += ["-cipher", "DEFAULT:@SECLEVEL=0"]
+        done = subprocess.run(client, stdin=subprocess.DEVNULL, capture_output=True)
+        assert (done.returncode == 0) is good, version
