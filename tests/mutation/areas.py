@@ -94,6 +94,9 @@ AREAS = (
                 (*GTEST, "-l:libcgicc.a"),
                 ("gc_fake_tool",),
             ),
+            Program(
+                "gc_kept_status_tests", ("gc_gateway",), (*GTEST, "-l:libcgicc.a")
+            ),
         ),
         0.95,
         ("web/gateway/command.cpp", "web/gateway/report.cpp"),

@@ -43,7 +43,9 @@ def run_tests(
     folder that the sandbox shows, with the program in it."""
     limits = [f"--cpu={cpu_limit}", f"--fsize={LARGEST_FILE}", "--core=0"]
     limits += [f"--as={LARGEST_MEMORY}"] if address_limit else []
-    command = [*SANDBOX, "--ro-bind", seen, seen, "prlimit", *limits, program]
+    # Who starts this in the background has it ignore signals.
+    command = ["env", "--default-signal", *SANDBOX, "--ro-bind", seen, seen]
+    command += ["prlimit", *limits, program]
     command += ["--gtest_fail_fast", "--gtest_color=no", *arguments]
     with tempfile.TemporaryFile() as log:
         environment = {**os.environ, "TMPDIR": "/tmp", "TEST_TMPDIR": "/tmp"}

@@ -256,6 +256,7 @@ TEST(FaultParsing, Refusals) {
        R"(/records: an array of indices, or "all" expected)"},
       {R"({"kind": "swap", "a": 0})", "/b: missing"},
       {R"({"kind": "swap", "b": 0})", "/a: missing"},
+      {R"({"kind": "swap"})", "/a: missing"},
       {R"({"kind": "swap", "a": -1, "b": 0})", "/a: an index expected"},
       {R"({"kind": "swap", "a": 0, "b": -1})", "/b: an index expected"},
       {R"({"kind": "value", "records": 1, "int": 1})",

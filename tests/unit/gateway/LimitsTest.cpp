@@ -1,0 +1,25 @@
+// How long the gateway waits when nobody tells it otherwise.
+#include <gtest/gtest.h>
+
+#include "Settings.h"
+
+namespace {
+
+using std::chrono::hours;
+using std::chrono::milliseconds;
+using std::chrono::minutes;
+using std::chrono::seconds;
+
+TEST(Limits, AreThoseOfTheManual) {
+  const Limits limits;
+  EXPECT_EQ(limits.report, seconds(20));
+  EXPECT_EQ(limits.command, minutes(2));
+  EXPECT_EQ(limits.hung, hours(1));
+  EXPECT_EQ(limits.abort, seconds(20));
+  EXPECT_EQ(limits.otherCommand, seconds(5));
+  EXPECT_EQ(limits.otherStatus, seconds(25));
+  EXPECT_EQ(limits.freshStatus, milliseconds(1000));
+  EXPECT_EQ(limits.output, 8388608U);
+}
+
+}  // namespace
