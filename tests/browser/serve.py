@@ -1,7 +1,8 @@
 """One instrument with its pages, until standard input ends: gc-sim behind lighttpd and the gateway.
 
 The first line on standard output says, as JSON, where everything is. After that each line on
-standard input, `stop` or `start`, ends the simulated controller or starts it anew, and is answered.
+standard input is answered: `stop` and `start` end the simulated controller and start it anew,
+`kill-gateway` ends the gateway of the command that is going on.
 Takes the modules of the system tests and of the web server's tests, which are in `PYTHONPATH`.
 """
 
@@ -14,6 +15,7 @@ import tempfile
 from contextlib import ExitStack
 from pathlib import Path
 
+from processes import Tree
 from programs import ROOT, Simulator, free_address
 from server import CONFIGURATION, PASSWORD, USER, WEB_PORT, WebServer, write_passwords
 
@@ -52,8 +54,13 @@ def main() -> None:
             "control": [str(BIN_DIR / "gc-simctl"), "--control", str(folder / "control.sock")],
         }
         print(json.dumps(where), flush=True)
+        does = {
+            "start": start,
+            "stop": controller.close,
+            "kill-gateway": lambda: Tree(server.pid).kill("command"),
+        }
         for line in sys.stdin:
-            {"start\n": start, "stop\n": controller.close}[line]()
+            does[line.strip()]()
             print("done", flush=True)
 
 

@@ -96,7 +96,10 @@ export class Instrument {
     return (await fetch(`${this.origin}/api/${name}`)).text();
   }
 
-  /** `stop` or `start`: the controller, not the web server. */
+  /**
+   * `stop` or `start`: the controller, not the web server; `kill-gateway`: of the command that is going
+   * on, whose tool stays.
+   */
   async tell(word) {
     this.server.stdin.write(`${word}\n`);
     const { value } = await this.lines.next();

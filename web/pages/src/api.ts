@@ -11,7 +11,12 @@ export interface Fault {
   detail: string;
 }
 
-export type Answer<T> = { ok: true; value: T; ageSeconds: number } | { ok: false; fault: Fault };
+export type Answer<T> = (
+  { ok: true; value: T; ageSeconds: number } | { ok: false; fault: Fault }
+) & {
+  /** How many commands were interrupted and nobody has taken note, if there are any. */
+  interrupted?: number;
+};
 
 /** Milliseconds that an answer may take: a little more than the gateway takes to say that there is none. */
 export const timeLimits = { status: 27_000, report: 25_000, command: 130_000 } as const;
@@ -40,6 +45,12 @@ function member(value: unknown, key: string): string | undefined {
 
 /** What an answer that is no success means; `body` is its parsed document, if it is one. */
 export function faultOf(status: number, body: unknown): Fault {
+  if (member(body, 'outcome') === 'unknown') {
+    // No refusal: the instrument may be at work.
+    const parts = [member(body, 'detail'), member(body, 'message')];
+    const text = 'What became of the command is not known.';
+    return { status, text, detail: parts.filter(Boolean).join(' ') };
+  }
   let text = textsOfStatus[status] ?? `The web server answered with HTTP status ${status}.`;
   const code = member(body, 'ErrorCode');
   const words = member(body, 'Msg');
@@ -92,16 +103,18 @@ async function request<T>(
     const detail = isLate ? `No answer within ${limit / 1000} s` : 'The connection failed';
     return { ok: false, fault: { status: 0, text: withoutAnswer, detail } };
   }
+  const count = response.headers.get('X-GC-Interrupted');
+  const interrupted = count === null ? {} : { interrupted: Number(count) };
   if (response.status !== 200 && response.status !== 204) {
-    return { ok: false, fault: faultOf(response.status, body) };
+    return { ok: false, fault: faultOf(response.status, body), ...interrupted };
   }
   const value = take(body);
   if (value === undefined) {
     const text = 'The answer is not what was asked for.';
-    return { ok: false, fault: { status: response.status, text, detail: path } };
+    return { ok: false, fault: { status: response.status, text, detail: path }, ...interrupted };
   }
   const age = Number(response.headers.get('Age') ?? 0);
-  return { ok: true, value, ageSeconds: age > 0 ? age : 0 };
+  return { ok: true, value, ageSeconds: age > 0 ? age : 0, ...interrupted };
 }
 
 /** Asks for a report; `key` is a member that tells its document from any other. */

@@ -105,6 +105,20 @@ export interface Calibration {
   rows?: Peak[];
 }
 
+/** A command that has begun, as the gateway's log tells it. */
+export interface BegunCommand {
+  time: string;
+  id: string;
+  user: string;
+  /** Options of the tool. */
+  command: string[];
+}
+
+export interface Unfinished {
+  going_on: BegunCommand[];
+  interrupted: BegunCommand[];
+}
+
 export interface Verdict {
   ErrorCode: number;
   Msg: string;

@@ -1,7 +1,7 @@
 // What all pages share: the status and its age, the command under way, the configuration.
 import { computed, signal } from '@preact/signals';
 import { getReport, sendCommand, timeLimits, type Answer, type Fault } from './api';
-import type { Configuration, Status, Verdict } from './documents';
+import type { BegunCommand, Configuration, Status, Unfinished, Verdict } from './documents';
 import { judge, judgeUnanswered, type Follow, type Progress } from './follow';
 import { History, historySeconds, measurementsOf } from './history';
 import { createPoller } from './poller';
@@ -38,6 +38,9 @@ export const notice = signal<Notice | undefined>(undefined);
 export const isSignedIn = signal(false);
 /** The commands that are being sent. */
 const sending = signal<readonly string[]>([]);
+
+/** Commands that were interrupted, until somebody has taken note. */
+export const interruptions = signal<readonly BegunCommand[]>([]);
 
 let following: { follow: Follow; before: Status; since: number } | undefined;
 
@@ -82,8 +85,30 @@ function showProgress({ phase, text }: Progress): void {
   notice.value = { kind: kinds[phase], text };
 }
 
+async function loadInterruptions(): Promise<void> {
+  const answer = await getReport<Unfinished>('/api/unfinished', 'interrupted');
+  if (answer.ok) {
+    interruptions.value = answer.value.interrupted;
+  }
+}
+
+/** Tells the gateway that somebody has taken note of an interrupted command. */
+export async function takeNote({ id }: BegunCommand): Promise<void> {
+  const answer = await sendCommand('POST', 'seen', JSON.stringify({ id }));
+  noteLogin(answer);
+  // Somebody else may have been faster.
+  if (!answer.ok && answer.fault.status !== 404) {
+    notice.value = { kind: 'bad', text: `Interrupted command: ${describeFault(answer.fault)}` };
+  }
+  await loadInterruptions();
+}
+
 function takeStatus(answer: Answer<Status>, seconds: number): void {
   now.value = Date.now();
+  const isAnswered = answer.ok || answer.fault.status !== 0;
+  if (isAnswered && (answer.interrupted ?? 0) !== interruptions.value.length) {
+    void loadInterruptions();
+  }
   if (!answer.ok) {
     statusFault.value = answer.fault;
     if (following) {

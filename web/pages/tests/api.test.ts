@@ -30,6 +30,15 @@ describe('reports', () => {
     expect(await getStatus()).toEqual({ ok: true, value: { GC_state: 'Ready' }, ageSeconds: 2 });
   });
 
+  it('tell how many commands were interrupted', async () => {
+    answerWith(200, '{"GC_state": "Ready"}', { 'X-GC-Interrupted': '2' });
+    expect((await getStatus()).interrupted).toBe(2);
+    answerWith(503, '{}', { 'X-GC-Interrupted': '1' });
+    expect((await getStatus()).interrupted).toBe(1);
+    answerWith(200, '[]', { 'X-GC-Interrupted': '3' });
+    expect((await getStatus()).interrupted).toBe(3);
+  });
+
   it.each(['<html>', '{"other": 1}', '[]', 'null', ''])('are not %j', async (body) => {
     answerWith(200, body);
     expect(await getStatus()).toEqual({
@@ -78,6 +87,21 @@ describe('reports', () => {
         detail: 'No answer within 0.02 s',
       },
     });
+  });
+});
+
+describe('a command without an outcome', () => {
+  it('was not refused', () => {
+    const detail = 'No answer from the instrument: the connection was lost.';
+    expect(faultOf(504, { title: 'Gateway Timeout', detail, outcome: 'unknown' })).toEqual({
+      status: 504,
+      text: 'What became of the command is not known.',
+      detail,
+    });
+    const message = 'Refused: Unable to set new level for chan[1] peak[6]';
+    expect(faultOf(504, { detail, message, outcome: 'unknown' }).detail).toBe(
+      `${detail} ${message}`,
+    );
   });
 });
 

@@ -2,17 +2,20 @@
 import { useState } from 'preact/hooks';
 import { formatSpan } from '../format';
 import { followAbortAfterRun, followAbortNow } from '../follow';
+import { describeInterruption } from '../interruptions';
 import { gcStateOf, isError, isSimulated } from '../states';
 import {
   ageSeconds,
   command,
   describeFault,
+  interruptions,
   isSignedIn,
   isStale,
   notice,
   signIn,
   status,
   statusFault,
+  takeNote,
 } from '../store';
 import { ActionButton } from './ActionButton';
 import { Confirm } from './Dialog';
@@ -132,6 +135,21 @@ function NoticeLine() {
   );
 }
 
+function Interruptions() {
+  return (
+    <div role="alert" data-testid="interruptions">
+      {interruptions.value.map((command) => (
+        <p class="message bad" key={command.id}>
+          <span class="text">{describeInterruption(command)}</span>
+          <button type="button" class="quiet" onClick={() => void takeNote(command)}>
+            I have seen it
+          </button>
+        </p>
+      ))}
+    </div>
+  );
+}
+
 export function Header() {
   const current = status.value;
   return (
@@ -164,6 +182,7 @@ export function Header() {
       </div>
       <StateAnnouncer />
       <Faults />
+      <Interruptions />
       <NoticeLine />
     </header>
   );
