@@ -211,11 +211,12 @@ Verb findVerb(const Value& aRequest) {
 }  // namespace
 
 std::string answerControl(Simulation& simulation, const std::string& aRequest) {
-  // Without recursion: a line of 64 kB can nest deeper than the stack.
   rapidjson::Document request;
-  request.Parse<rapidjson::kParseIterativeFlag>(aRequest.data(), aRequest.size());
-  if (request.HasParseError()) {
+  if (parseJson(aRequest, request).IsError()) {
     return refuseControl("a JSON object in one line expected");
+  }
+  if (!isShallow(aRequest)) {
+    return refuseControl("the request is more than " + std::to_string(cDeepest) + " levels deep");
   }
   const Verb verb = findVerb(request);
   if (verb == nullptr) {

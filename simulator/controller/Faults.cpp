@@ -96,9 +96,7 @@ bool readHex(const Value& aValue, Fault& fault) {
                    [](unsigned char c) { return std::isxdigit(c); })) {
     return false;
   }
-  for (std::size_t n = 0; n < digits.size(); n += 2) {
-    fault.text += static_cast<char>(std::stoi(digits.substr(n, 2), nullptr, 16));
-  }
+  fault.text = fromHex(digits);
   return true;
 }
 

@@ -13,7 +13,8 @@ add_library(gc_instrument STATIC
   model/RemoteTexts.cpp
   model/Runs.cpp
   model/ScenarioTables.cpp
-  model/Sequence.cpp)
+  model/Sequence.cpp
+  model/Snapshot.cpp)
 target_include_directories(gc_instrument PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
 target_compile_definitions(gc_instrument PRIVATE
   GC_SCENARIO_DIR="${PROJECT_SOURCE_DIR}/simulator/scenarios")

@@ -3,8 +3,7 @@
 
 #include <Status.h>
 
-#include <cmath>
-
+#include "JsonText.h"
 #include "Scenario.h"
 #include "model/Behaviour.h"
 #include "model/Commands.h"
@@ -24,24 +23,23 @@ double valueOf(const ParamList& record, std::size_t aSlot) {
   return model::slotAt(aSlot).row->type == eType::eReal ? record.realvalue : record.intvalue;
 }
 
-rapidjson::Value describe(const Behaviour& aBehaviour, std::size_t aSlot) {
-  const double value = aBehaviour.value(aSlot);
-  const eType type = model::slotAt(aSlot).row->type;
-  if (std::isnan(value)) {
-    return rapidjson::Value("NaN");
-  }
-  if (std::isinf(value)) {
-    return value > 0 ? rapidjson::Value("Infinity") : rapidjson::Value("-Infinity");
-  }
-  return type == eType::eInteger ? rapidjson::Value(static_cast<std::int32_t>(value))
-                                 : rapidjson::Value(value);
+rapidjson::Value describe(std::size_t aSlot, double aValue) {
+  return model::slotAt(aSlot).row->type == eType::eInteger
+             ? rapidjson::Value(static_cast<std::int32_t>(aValue))
+             : realValue(aValue);
+}
+
+/// Of any number: NaN is not.
+bool isWithinBounds(std::size_t aSlot, double aValue) {
+  const model::ParameterRow& row = *model::slotAt(aSlot).row;
+  return aValue >= row.lowest && aValue <= row.highest;
 }
 
 }  // namespace
 
 struct Instrument::State {
   State(const rapidjson::Value& aScenario, std::uint32_t aSeed)
-      : behaviour(aScenario, aSeed), names(aScenario), texts(aScenario["texts"]) {}
+      : behaviour(aScenario, aSeed), names(aScenario), texts(aScenario) {}
 
   /// Slot of a record's parameter, if there is one that has a slot.
   std::optional<std::size_t> findSlot(const ParamList& record) const {
@@ -78,7 +76,10 @@ struct Instrument::State {
       for (const std::string& name : names.of(channel)) {
         ++step;
         const auto valueOf = [&](eParam aParam) {
-          return describe(behaviour, model::slotOf(aParam, channel, step));
+          const std::size_t slot = model::slotOf(aParam, channel, step);
+          const double value = behaviour.value(slot);
+          // The parameters, which come before this table, may be beyond their bounds.
+          return describe(slot, isWithinBounds(slot, value) ? value : 0.0);
         };
         rapidjson::Value peak(rapidjson::kObjectType);
         peak.AddMember("channel", channel, aAllocator);
@@ -182,13 +183,24 @@ void Instrument::snapshot(double aNow, rapidjson::Document& aDocument) {
   aDocument.SetObject();
   auto& allocator = aDocument.GetAllocator();
   rapidjson::Value parameters(rapidjson::kObjectType);
+  rapidjson::Value unchecked(rapidjson::kArrayType);
   for (std::size_t slot = 0; slot < model::slotCount(); ++slot) {
-    if (behaviour.isThere(slot)) {
-      parameters.AddMember(rapidjson::Value(model::nameOf(slot).c_str(), allocator),
-                           describe(behaviour, slot), allocator);
+    if (!behaviour.isThere(slot)) {
+      continue;
+    }
+    const std::string name = model::nameOf(slot);
+    const double value = behaviour.value(slot);
+    parameters.AddMember(rapidjson::Value(name.c_str(), allocator), describe(slot, value),
+                         allocator);
+    if (!isWithinBounds(slot, value)) {
+      unchecked.PushBack(rapidjson::Value(name.c_str(), allocator), allocator);
     }
   }
+  rapidjson::Value snapshot = behaviour.describe(allocator);
+  snapshot.AddMember("unchecked", unchecked, allocator);
+  snapshot.AddMember("octets", mState->texts.describeOctets(allocator), allocator);
   aDocument.AddMember("parameters", parameters, allocator);
   aDocument.AddMember("texts", mState->texts.describe(allocator), allocator);
   aDocument.AddMember("peaks", mState->describePeaks(allocator), allocator);
+  aDocument.AddMember("snapshot", snapshot, allocator);
 }

@@ -57,9 +57,10 @@ class Instrument {
   /// another number or a longer text.
   bool setText(std::uint32_t aNumber, const std::string& aText);
 
-  /// Everything by name, as a scenario has it: {"parameters": {...}, "texts": {...}, "peaks":
-  /// [...]}, parameters of lines, rows and peaks that are there with their steps. What JSON
-  /// cannot hold shows as "NaN", "Infinity", "-Infinity", and U+FFFD in a text.
+  /// A scenario that goes on from here, everything by name: {"parameters": {...}, "texts": {...},
+  /// "peaks": [...], "snapshot": {...}}, parameters of lines, rows and peaks that are there with
+  /// their steps. What JSON cannot hold shows as "NaN", "Infinity", "-Infinity", and U+FFFD in a
+  /// text, of which 1000 characters are shown; "snapshot" knows its octets.
   void snapshot(double aNow, rapidjson::Document& aDocument);
 
  private:

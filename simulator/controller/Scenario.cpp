@@ -8,15 +8,18 @@
 
 #include <algorithm>
 #include <fstream>
-#include <optional>
+#include <iterator>
+#include <set>
+#include <utility>
+#include <vector>
+
+#include "JsonText.h"
+#include "model/Behaviour.h"
 
 namespace {
 
 constexpr std::size_t cLargestFile = 1024UL * 1024UL;
 constexpr char cWholeDocument[] = "(document)";
-// No recursion, so that a file of a million brackets is refused like any other.
-constexpr unsigned cParseFlags =
-    rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag;
 
 struct KeywordReason {
   const char* keyword;
@@ -71,11 +74,12 @@ bool readJson(const std::string& aPath, rapidjson::Document& document, std::stri
     fault = whole + "larger than 1 MB";
     return false;
   }
-  if (document.Parse<cParseFlags>(text.data(), text.size()).HasParseError()) {
-    const std::string before = text.substr(0, document.GetErrorOffset());
+  const rapidjson::ParseResult result = parseJson(text, document, eEncoding::eChecked);
+  if (result.IsError()) {
+    const std::string before = text.substr(0, result.Offset());
     const auto line = 1 + std::count(before.begin(), before.end(), '\n');
-    fault = whole + "line " + std::to_string(line) + ": " +
-            rapidjson::GetParseError_En(document.GetParseError());
+    fault =
+        whole + "line " + std::to_string(line) + ": " + rapidjson::GetParseError_En(result.Code());
     return false;
   }
   return true;
@@ -90,24 +94,166 @@ std::string missingMember(const rapidjson::Value& aObject, const rapidjson::Valu
   return {};
 }
 
+/// Stops a document that goes too deep: it is walked through by recursion, and the longer the
+/// deeper.
+class ShallowValidator : public rapidjson::SchemaValidator {
+ public:
+  using Base = rapidjson::SchemaValidator;
+  using Base::Base;
+
+  bool StartObject() { return enter() && Base::StartObject(); }
+  bool StartArray() { return enter() && Base::StartArray(); }
+  bool EndObject(rapidjson::SizeType aCount) {
+    --mDepth;
+    return Base::EndObject(aCount);
+  }
+  bool EndArray(rapidjson::SizeType aCount) {
+    --mDepth;
+    return Base::EndArray(aCount);
+  }
+  bool isTooDeep() const { return mDepth > cDeepest; }
+
+ private:
+  bool enter() { return ++mDepth <= cDeepest; }
+
+  int mDepth = 0;
+};
+
+std::string textOf(const rapidjson::Pointer& aPointer) {
+  rapidjson::StringBuffer text;
+  aPointer.Stringify(text);
+  return text.GetSize() == 0 ? cWholeDocument : text.GetString();
+}
+
+/// What is wrong with a parameter that has a step. The validator only knows that it does not fit
+/// the pattern of its name.
+std::string reasonOfStep(const rapidjson::Pointer& aPointer, const rapidjson::Value& aValue) {
+  const auto& token = aPointer.GetTokens()[aPointer.GetTokenCount() - 1];
+  const auto slot = model::findName({token.name, token.length});
+  if (!slot || !aValue.IsNumber()) {
+    return reasonOf("patternProperties");
+  }
+  const model::ParameterRow& row = *model::slotAt(*slot).row;
+  const double value = aValue.GetDouble();
+  return reasonOf(value < row.lowest ? "minimum" : value > row.highest ? "maximum" : "type");
+}
+
 bool fitsSchema(const rapidjson::Document& aDocument, const rapidjson::Document& aSchema,
                 std::string& fault) {
   const rapidjson::SchemaDocument schema(aSchema);
-  rapidjson::SchemaValidator validator(schema);
+  ShallowValidator validator(schema);
   if (aDocument.Accept(validator)) {
     return true;
   }
   const rapidjson::Pointer pointer = validator.GetInvalidDocumentPointer();
+  if (validator.isTooDeep()) {
+    // Nothing that is understood has its place below the first two levels.
+    const rapidjson::Pointer place(pointer.GetTokens(),
+                                   std::min<std::size_t>(pointer.GetTokenCount(), 2));
+    fault = textOf(place) + ": more than " + std::to_string(cDeepest) + " levels deep";
+    return false;
+  }
   const std::string keyword = validator.GetInvalidSchemaKeyword();
-  rapidjson::StringBuffer text;
-  pointer.Stringify(text);
-  fault = std::string(text.GetSize() == 0 ? cWholeDocument : text.GetString()) + ": " +
-          reasonOf(keyword);
+  fault = textOf(pointer) + ": " +
+          (keyword == "patternProperties" ? reasonOfStep(pointer, *pointer.Get(aDocument))
+                                          : reasonOf(keyword));
   if (keyword == "required") {
     fault +=
         missingMember(*pointer.Get(aDocument), *validator.GetInvalidSchemaPointer().Get(aSchema));
   }
   return false;
+}
+
+/// What a snapshot exempts from its bounds. As long as this lives, the document has other values in
+/// these places, which are within the bounds.
+class Exemption {
+ public:
+  explicit Exemption(rapidjson::Document& document) {
+    const auto* list = rapidjson::Pointer("/snapshot/unchecked").Get(document);
+    auto* parameters = rapidjson::Pointer("/parameters").Get(document);
+    if (list == nullptr || !list->IsArray() || parameters == nullptr || !parameters->IsObject()) {
+      return;
+    }
+    std::set<std::string> names;
+    for (const auto& name : list->GetArray()) {
+      names.insert(name.IsString() ? name.GetString() : "");
+    }
+    for (auto& member : parameters->GetObject()) {
+      if (names.count(member.name.GetString()) != 0) {
+        exempt(member.name.GetString(), member.value);
+      }
+    }
+  }
+  ~Exemption() {
+    for (Exchanged& one : mExchanged) {
+      *one.place = std::move(one.value);
+    }
+  }
+  Exemption(const Exemption&) = delete;
+  Exemption& operator=(const Exemption&) = delete;
+
+  /// Whether each name in the list, which has passed the schema, is that of a parameter.
+  bool isComplete(const rapidjson::Document& aDocument, std::string& fault) const {
+    const auto* list = rapidjson::Pointer("/snapshot/unchecked").Get(aDocument);
+    for (rapidjson::SizeType n = 0; list != nullptr && n < list->Size(); ++n) {
+      if (mNames.count((*list)[n].GetString()) == 0) {
+        fault = "/snapshot/unchecked/" + std::to_string(n) + ": not one of the parameters";
+        return false;
+      }
+    }
+    return true;
+  }
+
+ private:
+  struct Exchanged {
+    rapidjson::Value* place;
+    rapidjson::Value value;
+  };
+
+  void exempt(const std::string& aName, rapidjson::Value& value) {
+    const auto slot = model::findName(aName);
+    double real = 0.0;
+    if (!slot || !readReal(value, real)) {
+      return;
+    }
+    const model::ParameterRow& row = *model::slotAt(*slot).row;
+    const bool isInteger = row.type == model::eType::eInteger;
+    if (isInteger && !value.IsInt()) {
+      return;
+    }
+    rapidjson::Value within = isInteger ? rapidjson::Value(static_cast<std::int32_t>(row.lowest))
+                                        : rapidjson::Value(row.lowest);
+    std::swap(value, within);
+    mExchanged.push_back({&value, std::move(within)});
+    mNames.insert(aName);
+  }
+
+  std::vector<Exchanged> mExchanged;
+  std::set<std::string> mNames;
+};
+
+/// Whether each line, peak and row that the parameters name is in its table.
+bool namesWhatIsThere(const rapidjson::Document& aDocument, std::string& fault) {
+  const model::Behaviour instrument(aDocument, 0);
+  for (const auto& member : aDocument["parameters"].GetObject()) {
+    const auto slot = model::findName(member.name.GetString());
+    if (!slot || !instrument.isThere(*slot)) {
+      fault =
+          std::string("/parameters/") + member.name.GetString() + ": beyond the end of its table";
+      return false;
+    }
+  }
+  return true;
+}
+
+bool isFit(rapidjson::Document& document, const rapidjson::Document& aSchema, std::string& fault) {
+  {
+    const Exemption exemption(document);
+    if (!fitsSchema(document, aSchema, fault) || !exemption.isComplete(document, fault)) {
+      return false;
+    }
+  }
+  return namesWhatIsThere(document, fault);
 }
 
 }  // namespace
@@ -122,7 +268,7 @@ bool loadScenario(const std::string& aNameOrPath, Scenario& scenario, std::strin
   }
   const std::string path = pathOf(aNameOrPath);
   rapidjson::Document document;
-  if (!readJson(path, document, fault) || !fitsSchema(document, schema, fault)) {
+  if (!readJson(path, document, fault) || !isFit(document, schema, fault)) {
     error = path + ": " + fault;
     return false;
   }

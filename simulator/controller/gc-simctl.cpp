@@ -78,7 +78,7 @@ void addVerbs(CLI::App& app, Request& request) {
   app.add_subcommand("status", "Simulated time, scenario, connections, calls so far");
   app.add_subcommand("pause", "Let simulated time stand still");
   app.add_subcommand("resume", "Let simulated time go on");
-  app.add_subcommand("snapshot", "Every parameter and text by name");
+  app.add_subcommand("snapshot", "Every parameter and text by name: a scenario");
 
   CLI::App* speed = app.add_subcommand("speed", "Change the pace of simulated time");
   speed->add_option("X", request.real, "Simulated seconds a real second")->required();
@@ -141,9 +141,11 @@ void addVerbs(CLI::App& app, Request& request) {
       return;
     }
     rapidjson::Document description;
-    description.Parse<rapidjson::kParseIterativeFlag>(request.text.data(), request.text.size());
-    if (description.HasParseError()) {
+    if (parseJson(request.text, description).IsError()) {
       throw CLI::ValidationError("JSON", "no JSON value");
+    }
+    if (!isShallow(request.text)) {
+      throw CLI::ValidationError("JSON", "more than " + std::to_string(cDeepest) + " levels deep");
     }
     request.add("fault", description);
   });
@@ -151,8 +153,8 @@ void addVerbs(CLI::App& app, Request& request) {
 
 int show(const std::string& aAnswer) {
   rapidjson::Document answer;
-  answer.Parse<rapidjson::kParseIterativeFlag>(aAnswer.data(), aAnswer.size());
-  if (answer.HasParseError() || !answer.IsObject() || !answer.HasMember("ok")) {
+  if (parseJson(aAnswer, answer).IsError() || !isShallow(aAnswer) || !answer.IsObject() ||
+      !answer.HasMember("ok")) {
     return fail("the controller's answer is not understood");
   }
   if (!answer["ok"].IsTrue()) {

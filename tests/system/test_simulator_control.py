@@ -1,5 +1,6 @@
 """Remote control of the simulated controller, and what it writes down."""
 
+import json
 import math
 import socket
 from contextlib import ExitStack
@@ -89,7 +90,13 @@ def refuse(controller: Simulator, *verb: str, reason: str) -> None:
         (["command", "99"], "the instrument refuses with status 208"),
         (["speed", "0"], "a speed over 0"),
         (["step", "-1"], "seconds from 0"),
+        (["set", "mRepeat[4]", "1"], "there is no parameter mRepeat[4]"),
+        (["set", "mTriggered[ 1]", "1"], "there is no parameter mTriggered[ 1]"),
         (["fault", "{"], "no JSON value"),
+        (["fault", "[" * 101 + "]" * 101], "more than 100 levels deep"),
+        (["fault", "[" * 60000 + "]" * 60000], "more than 100 levels deep"),
+        (["fault", "[" * 100 + "]" * 100], "the request is more than 100 levels deep"),
+        (["fault", "[" * 99 + "]" * 99], "fault: an object expected"),
         (["fault", "[]"], "fault: an object expected"),
         (["fault", '{"kind": "miracle"}'], "fault/kind: the name of a kind of fault expected"),
         (["fault", '{"kind": "hang", "nth": 0}'], "fault/nth: a whole number from 1 expected"),
@@ -123,6 +130,40 @@ def test_set(simulator: StartSimulator) -> None:
     assert snapshot["parameters"]["mAmbientTemp"] == -12
     assert snapshot["parameters"]["mAmbientPressure"] == "NaN"
     assert snapshot["texts"]["application"] == "Gr\N{LATIN SMALL LETTER U WITH DIAERESIS}n \x01"
+
+
+@pytest.mark.parametrize("scenario", ["four-channel", "bare"])
+def test_a_snapshot_is_a_scenario(
+    simulator: StartSimulator, folder: Path, scenario: str
+) -> None:
+    controller = simulator(scenario)
+    controller.control("set", "mPressSP1", "nan")
+    controller.control("set", "mColumnTempSP1", "-0.1000000000000000055")
+    controller.control("set", "mGC_State", "2147483647")
+    controller.ask(verb="set", name="mGC_FlushingStream", value="-Infinity")
+    controller.control("set", "mSlotNr[10]", "-7")
+    controller.control("set", "--text", "2", "\N{EURO SIGN}" * 1001)
+    controller.ask(verb="set", number=4, text="\0" * 4096)
+    controller.control("step", "12.25")
+    shown = controller.control("snapshot")
+    path = folder / "snapshot.json"
+    # As a shell would save what gc-simctl prints.
+    path.write_text(json.dumps(shown, indent=2), encoding="utf-8")
+    assert path.stat().st_size < 1024 * 1024
+    assert controller.control("load", str(path))["time"] == 0
+    assert controller.control("snapshot") == {**shown, "time": 0}
+    with connected(controller.address, 1) as client:
+        assert client.object(2).text == ("\N{EURO SIGN}" * 1001).encode()
+        assert client.object(4).text == b"\0" * 4096
+
+
+def test_deep_scenarios_stop_nobody(simulator: StartSimulator, folder: Path) -> None:
+    controller = simulator()
+    path = folder / "deep.json"
+    deep = "[" * 500_000 + "]" * 500_000
+    path.write_text('{"parameters": {"mRepeat[1]": ' + deep + "}}")
+    refuse(controller, "load", str(path), reason="/parameters/mRepeat[1]: more than 100 levels deep")
+    assert controller.control("status")["scenario"] == "everyday"
 
 
 def ask(remote: socket.socket, line: bytes) -> dict[str, Any]:

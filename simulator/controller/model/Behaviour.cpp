@@ -5,19 +5,10 @@
 #include <cmath>
 #include <limits>
 
+#include "../JsonText.h"
 #include "Alarms.h"
 
 namespace model {
-
-/// How a family of measured values moves. What follows nothing else follows its own first value.
-struct MeasuredRow {
-  eParam actual;
-  eParam follows;
-  double timeConstant;  ///< seconds
-  double tolerance;     ///< within this of what it follows, the part is ready
-  double noise;         ///< the most that a reading is off
-  double stepsPerUnit;  ///< resolution of a reading
-};
 
 namespace {
 
@@ -48,7 +39,8 @@ Behaviour::Behaviour(const rapidjson::Value& aScenario, std::uint32_t aSeed)
   std::vector<bool> given(slotCount());
   for (const auto& member : aScenario["parameters"].GetObject()) {
     if (const auto slot = findName(member.name.GetString())) {
-      const double value = member.value.GetDouble();
+      double value = 0.0;
+      readReal(member.value, value);
       mValues[*slot] = slotAt(*slot).row->type == eType::eInteger ? integral(value) : value;
       given[*slot] = true;
     }
@@ -68,7 +60,12 @@ Behaviour::Behaviour(const rapidjson::Value& aScenario, std::uint32_t aSeed)
           {&row, slot, followed, {given[slot] ? mValues[slot] : target, 0.0, target}});
     }
   }
-  startUp();
+  const auto snapshot = aScenario.FindMember("snapshot");
+  if (snapshot == aScenario.MemberEnd()) {
+    startUp(givenStart());
+  } else {
+    resume(snapshot->value);
+  }
 }
 
 void Behaviour::advance(double aNow) {
@@ -240,23 +237,43 @@ void Behaviour::watchAlarms() {
   watchConditions(*this, static_cast<int>(stored(eParam::eRunType)));
 }
 
-void Behaviour::startUp() {
+Behaviour::Start Behaviour::givenStart() const {
   const int state = static_cast<int>(stored(eParam::eGcState));
   switch (state) {
     case eInitializing:
-      return enter({state, eAutoIdle, 0.0, cInitializingTime});
+      return {state, 0.0, cInitializingTime};
     case eFlushing:
-      return enter({state, eAutoFlushing, 0.0, stored(eParam::eFlushingStream) * cMinute});
+      return {state, 0.0, stored(eParam::eFlushingStream) * cMinute};
     case eRunning:
-      return begin(
-          singleRun(eParam::eRunType, eParam::eCurrentStream, 1.0, -stored(eParam::eCurRunTime)),
-          false);
+      return {state, stored(eParam::eCurRunTime), runTime() - stored(eParam::eCurRunTime)};
     case eCleaning:
-      return enter({state, eAutoIdle, 0.0, stored(eParam::eCleaningTimeLeft) * cMinute});
+      return {state, 0.0, stored(eParam::eCleaningTimeLeft) * cMinute};
+    default:
+      return {state, 0.0, 0.0};
+  }
+}
+
+void Behaviour::startUp(const Start& aStart) {
+  switch (aStart.state) {
+    case eInitializing:
+    case eCleaning:
+      return enter({aStart.state, eAutoIdle, 0.0, aStart.left});
+    case eFlushing:
+      return enter({aStart.state, eAutoFlushing, 0.0, aStart.left});
+    case eRunning:
+      return begin(singleRun(eParam::eRunType, eParam::eCurrentStream, 1.0,
+                             aStart.elapsed + aStart.left, -aStart.elapsed),
+                   false);
     case eError:
     case eRecoverableError:
     case eUnrecoverableError:
-      return enter({state, eAutoIdle, 0.0, cNever});
+      return enter({aStart.state, eAutoIdle, 0.0, cNever});
+    case eNotReady:  // and a solution being loaded
+      return enter(aStart.left > 0.0 ? Phase{eNotReady, eAutoIdle, 0.0, aStart.left} : idlePhase());
+    case eStabilizing:
+      return enter(aStart.left > 0.0
+                       ? Phase{eStabilizing, eAutoIdle, 0.0, aStart.left, eActivity::eIdling}
+                       : idlePhase());
     default:
       return enter(idlePhase());
   }
@@ -317,9 +334,9 @@ double Behaviour::measure(const Measured& aMeasured) const {
   const MeasuredRow& row = *aMeasured.row;
   const Slot slot = slotAt(aMeasured.slot);
   const std::uint64_t source = (std::uint64_t{slot.id} << 32U) | slot.channel;
-  return rounded(
-      lagged(aMeasured.lag, row.timeConstant, mNow) + row.noise * noise(mSeed, source, mNow),
-      row.stepsPerUnit);
+  return rounded(lagged(aMeasured.lag, row.timeConstant, mNow) +
+                     row.noise * noise(mSeed, source, mNow + mNoiseBegin),
+                 row.stepsPerUnit);
 }
 
 }  // namespace model

@@ -16,15 +16,23 @@
 
 namespace model {
 
-struct MeasuredRow;
+/// How a family of measured values moves. What follows nothing else follows its own first value.
+struct MeasuredRow {
+  eParam actual;
+  eParam follows;
+  double timeConstant;  ///< seconds
+  double tolerance;     ///< within this of what it follows, the part is ready
+  double noise;         ///< the most that a reading is off
+  double stepsPerUnit;  ///< resolution of a reading
+};
 
 /// All values are of the time that advance() was last given. Between two changes everything is a
 /// function of time; what changes by itself does so at times known beforehand. So it does not
 /// matter how often, or when, anybody asks.
 class Behaviour {
  public:
-  /// `aScenario`: its tables, and its values by name, which come last. A value that is missing
-  /// starts at 0, a measured one at what it follows.
+  /// `aScenario`: its tables, its values by name, which come before the tables', and what a
+  /// snapshot adds to them. A value that is missing starts at 0, a measured one at what it follows.
   Behaviour(const rapidjson::Value& aScenario, std::uint32_t aSeed);
 
   /// Goes on to a time, in seconds; one in the past changes nothing.
@@ -73,6 +81,11 @@ class Behaviour {
   /// Ends the holding of a computed value.
   void release(eParam aParam);
 
+  /// What the values do not say about the present: a scenario's "snapshot", with which an
+  /// instrument goes on from here. Automation does not survive: its present run goes on as a single
+  /// one.
+  rapidjson::Value describe(rapidjson::Document::AllocatorType& aAllocator) const;
+
   /// Looks whether an alarm condition holds; due whenever something has changed.
   void watchAlarms();
 
@@ -97,6 +110,12 @@ class Behaviour {
     double until;
     eActivity activity = eActivity::eOther;
   };
+  /// What the instrument is in the middle of when time begins.
+  struct Start {
+    int state;
+    double elapsed;  ///< seconds of a run
+    double left;     ///< seconds of a state that ends by itself
+  };
   /// A measured parameter, and the one that it follows.
   struct Measured {
     const MeasuredRow* row;
@@ -107,7 +126,9 @@ class Behaviour {
 
   double bounded(eParam aParam, std::uint32_t aStep = 1) const;
   double runTime() const;
-  void startUp();
+  Start givenStart() const;
+  void startUp(const Start& aStart);
+  void resume(const rapidjson::Value& aSnapshot);
   Phase idlePhase() const;
   void enter(const Phase& aPhase);
   void releaseAll();
@@ -117,7 +138,8 @@ class Behaviour {
 
   // Runs.
   std::vector<PlannedLine> sequence() const;
-  Plan singleRun(eParam aRunType, eParam aStream, double aReplicates, double aStart) const;
+  Plan singleRun(eParam aRunType, eParam aStream, double aReplicates, double aRunTime,
+                 double aStart) const;
   void begin(const Plan& aPlan, bool isAutomation);
   void followPlan(double aTime);
   void show(const Plan::Step& aStep);
@@ -130,6 +152,7 @@ class Behaviour {
 
   std::uint32_t mSeed;
   double mNow = 0.0;
+  double mNoiseBegin = 0.0;  ///< which of the noise's seconds time begins with
   std::vector<double> mValues;
   std::vector<std::optional<double>> mHeld;
   std::vector<Measured> mMeasured;

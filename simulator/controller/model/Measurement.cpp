@@ -22,6 +22,9 @@ std::uint64_t mix(std::uint64_t value) {
 
 double lagged(const Lag& aLag, double aTimeConstant, double aNow) {
   const double left = std::exp(-(aNow - aLag.since) / aTimeConstant);
+  if (left == 1.0 || aLag.start == aLag.target) {
+    return aLag.start;  // nothing of an infinite way would be no number
+  }
   return aLag.start * left + aLag.target * (1.0 - left);
 }
 

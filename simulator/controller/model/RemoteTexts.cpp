@@ -3,6 +3,9 @@
 
 #include <Message.h>
 #include <ObjectTexts.h>
+#include <rapidjson/pointer.h>
+
+#include <algorithm>
 
 #include "../JsonText.h"
 
@@ -11,6 +14,7 @@ namespace model {
 namespace {
 
 constexpr std::uint32_t cFirstText = 2;
+constexpr std::size_t cMaxCharacters = 1000;  ///< of a scenario's text
 constexpr std::uint32_t cColumnDescriptions = 6;
 constexpr char cColumnsKey[] = "columns";
 // Of objects 2 to 5, in a scenario and a snapshot.
@@ -21,12 +25,32 @@ std::string textOf(const rapidjson::Value& aValue) {
   return {aValue.GetString(), aValue.GetStringLength()};
 }
 
+/// As a scenario may have it.
+std::string shown(const std::string& aText) {
+  const std::string text = toUtf8(aText);
+  std::size_t characters = 0;
+  const auto end = std::find_if(text.begin(), text.end(), [&characters](char octet) {
+    const bool continues = (static_cast<unsigned char>(octet) & 0xC0U) == 0x80U;
+    return !continues && ++characters > cMaxCharacters;
+  });
+  return {text.begin(), end};
+}
+
+rapidjson::Value toValue(const std::string& aText, rapidjson::Document::AllocatorType& aAllocator) {
+  return rapidjson::Value(aText.data(), static_cast<rapidjson::SizeType>(aText.size()), aAllocator);
+}
+
 }  // namespace
 
-RemoteTexts::RemoteTexts(const rapidjson::Value& aTexts) {
+RemoteTexts::RemoteTexts(const rapidjson::Value& aScenario) {
+  const auto& texts = aScenario["texts"];
+  const auto* octets = rapidjson::Pointer("/snapshot/octets").Get(aScenario);
   for (std::size_t n = 0; n < mTexts.size(); ++n) {
-    mTexts[n] = textOf(aTexts[cTextKeys[n]]);
-    mColumns[n] = textOf(aTexts[cColumnsKey][static_cast<rapidjson::SizeType>(n)]);
+    mTexts[n] = textOf(texts[cTextKeys[n]]);
+    mColumns[n] = textOf(texts[cColumnsKey][static_cast<rapidjson::SizeType>(n)]);
+    if (octets != nullptr && octets->HasMember(cTextKeys[n])) {
+      mTexts[n] = fromHex(textOf((*octets)[cTextKeys[n]]));
+    }
   }
 }
 
@@ -55,18 +79,26 @@ bool RemoteTexts::marshal(std::uint32_t aNumber, ACE_CString& className,
 }
 
 rapidjson::Value RemoteTexts::describe(rapidjson::Document::AllocatorType& aAllocator) const {
-  const auto value = [&aAllocator](const std::string& aText) {
-    const std::string text = toUtf8(aText);
-    return rapidjson::Value(text.data(), static_cast<rapidjson::SizeType>(text.size()), aAllocator);
-  };
   rapidjson::Value texts(rapidjson::kObjectType);
   rapidjson::Value columns(rapidjson::kArrayType);
   for (std::size_t n = 0; n < mTexts.size(); ++n) {
-    texts.AddMember(rapidjson::StringRef(cTextKeys[n]), value(mTexts[n]), aAllocator);
-    columns.PushBack(value(mColumns[n]), aAllocator);
+    texts.AddMember(rapidjson::StringRef(cTextKeys[n]), toValue(shown(mTexts[n]), aAllocator),
+                    aAllocator);
+    columns.PushBack(toValue(mColumns[n], aAllocator), aAllocator);
   }
   texts.AddMember(rapidjson::StringRef(cColumnsKey), columns, aAllocator);
   return texts;
+}
+
+rapidjson::Value RemoteTexts::describeOctets(rapidjson::Document::AllocatorType& aAllocator) const {
+  rapidjson::Value octets(rapidjson::kObjectType);
+  for (std::size_t n = 0; n < mTexts.size(); ++n) {
+    if (shown(mTexts[n]) != mTexts[n]) {
+      octets.AddMember(rapidjson::StringRef(cTextKeys[n]), toValue(toHex(mTexts[n]), aAllocator),
+                       aAllocator);
+    }
+  }
+  return octets;
 }
 
 }  // namespace model

@@ -14,8 +14,7 @@ namespace model {
 /// Remote objects 2 to 5 carry one text each, number 6 one for each channel's column.
 class RemoteTexts {
  public:
-  /// `aTexts`: a scenario's.
-  explicit RemoteTexts(const rapidjson::Value& aTexts);
+  explicit RemoteTexts(const rapidjson::Value& aScenario);
 
   /// Replaces a text, any octets. False, and nothing changed, for a number other than 2 to 5 or a
   /// text longer than the instrument's protocol carries.
@@ -24,8 +23,11 @@ class RemoteTexts {
   /// Marshals an object as its class would. False for an unknown number.
   bool marshal(std::uint32_t aNumber, ACE_CString& className, std::vector<char>& contents) const;
 
-  /// As a scenario has them. Octets that are no UTF-8 show as U+FFFD.
+  /// As a scenario has them: octets that are no UTF-8 show as U+FFFD, a long text is cut.
   rapidjson::Value describe(rapidjson::Document::AllocatorType& aAllocator) const;
+
+  /// The octets, in hexadecimal digits, of the texts that this changes.
+  rapidjson::Value describeOctets(rapidjson::Document::AllocatorType& aAllocator) const;
 
  private:
   std::array<std::string, 4> mTexts;    ///< of objects 2 to 5

@@ -33,7 +33,7 @@ void Behaviour::startRun() {
   const bool isCalibration = static_cast<int>(bounded(eParam::eStartRunType)) == eCalibration;
   const double replicates =
       isCalibration ? std::max(bounded(eParam::eStartReplicates) - first + 1.0, 1.0) : 1.0;
-  begin(singleRun(eParam::eStartRunType, eParam::eStartStream, replicates, mNow), false);
+  begin(singleRun(eParam::eStartRunType, eParam::eStartStream, replicates, runTime(), mNow), false);
 }
 
 bool Behaviour::canStartAutomation() const {
@@ -109,11 +109,15 @@ std::vector<PlannedLine> Behaviour::sequence() const {
   return lines;
 }
 
-Plan Behaviour::singleRun(eParam aRunType, eParam aStream, double aReplicates,
+Plan Behaviour::singleRun(eParam aRunType, eParam aStream, double aReplicates, double aRunTime,
                           double aStart) const {
   const auto runType = static_cast<std::uint32_t>(bounded(aRunType));
   const auto stream = static_cast<std::uint32_t>(bounded(aStream));
-  return {{{0, runType, stream, 0, 0.0, aReplicates}}, 1.0, runTime(), 0.0, aStart};
+  return {{{0, runType, stream, 0, 0.0, aReplicates}},
+          1.0,
+          std::max(aRunTime, cShortestRun),
+          0.0,
+          aStart};
 }
 
 void Behaviour::begin(const Plan& aPlan, bool isAutomation) {

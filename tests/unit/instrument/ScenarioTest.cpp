@@ -2,6 +2,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cctype>
+#include <ctime>
+
 #include "Bench.h"
 #include "ExpectedParameters.h"
 
@@ -185,6 +188,252 @@ TEST(ScenarioFile, BoundsAreThoseOfTheParameters) {
     EXPECT_EQ(faultOf(withParameters("\"" + std::string(parameter.name) + "\": \"1\"")),
               pointer + ": wrong type");
   }
+}
+
+namespace {
+
+/// As many lines, alarm rows, and peaks of a channel as there can be, and these parameters.
+std::string withFullTables(const std::string& aMembers, int aPeakChannel) {
+  const auto rows = [](int aCount, const std::string& aRow) {
+    std::string all;
+    for (int n = 0; n < aCount; ++n) {
+      all += (n == 0 ? "" : ", ") + aRow;
+    }
+    return "[" + all + "]";
+  };
+  const std::string peak = R"({"channel": )" + std::to_string(aPeakChannel) +
+                           R"(, "name": "", "retentionTime": 0, "levelAmount": 0,)" +
+                           R"( "linearCoefficient": 0})";
+  return "{" + std::string(cTexts) + R"(, "sequence": )" +
+         rows(20, R"({"runType": 0, "repeat": 0})") + R"(, "alarms": )" +
+         rows(38, R"({"group": 0, "parameter": 0})") + R"(, "peaks": )" + rows(400, peak) +
+         R"(, "parameters": {)" + aMembers + "}}";
+}
+
+}  // namespace
+
+TEST(ScenarioFile, BoundsOfLinesPeaksAndRowsAreThoseOfTheParameters) {
+  for (const ExpectedSteps& row : cExpectedSteps) {
+    const std::string name = row.name;
+    const int channel = std::isdigit(name.back()) != 0 ? name.back() - '0' : 1;
+    const std::string point = row.isReal ? ".0" : "";
+    const auto number = [&](double aValue) {
+      return std::to_string(static_cast<int>(aValue)) + point;
+    };
+    const auto full = [&](const std::string& aMembers) {
+      return faultOf(withFullTables(aMembers, channel));
+    };
+    for (double bound : {0.0, row.highest}) {
+      std::string every;
+      for (std::uint32_t step = row.first; step <= row.last; ++step) {
+        every += (every.empty() ? "\"" : ", \"") + name + "[" + std::to_string(step) +
+                 "]\": " + number(bound);
+      }
+      EXPECT_EQ(full(every), "");
+    }
+    for (std::uint32_t step : {row.first, row.last}) {
+      const std::string member = name + "[" + std::to_string(step) + "]";
+      const auto with = [&](const std::string& aValue) {
+        return full("\"" + member + "\": " + aValue);
+      };
+      EXPECT_EQ(with(number(-1.0)), "/parameters/" + member + ": too small");
+      EXPECT_EQ(with(number(row.highest + 1.0)), "/parameters/" + member + ": too large");
+      EXPECT_EQ(with("0.5"), row.isReal ? "" : "/parameters/" + member + ": wrong type");
+    }
+  }
+  for (const char* other : {"true", "null", "\"1\"", "[]", "{}", "\"NaN\""}) {
+    EXPECT_EQ(faultOf(withParameters("\"mRepeat[1]\": " + std::string(other))),
+              "/parameters/mRepeat[1]: none of the allowed forms");
+  }
+}
+
+TEST(ScenarioFile, KnowsNoLinePeakOrRowThatNoTableHas) {
+  for (const ExpectedSteps& row : cExpectedSteps) {
+    std::vector<std::string> steps{std::to_string(row.last + 1), "01", "-1", "4294967297"};
+    if (row.first > 0) {
+      steps.emplace_back("0");
+    }
+    for (const std::string& step : steps) {
+      const std::string name = std::string(row.name) + "[" + step + "]";
+      EXPECT_EQ(faultOf(withParameters("\"" + name + "\": 0")),
+                "/parameters/" + name + ": unknown member");
+    }
+  }
+  for (const char* name : {"mRepeat[-0]",    "mRepeat[+1]",     "mRepeat[00]",
+                           "mRepeat[1.0]",   "mRepeat[1e0]",    "mRepeat[0x1]",
+                           "mRepeat[ 1]",    "mRepeat[1 ]",     "mRepeat[1] ",
+                           " mRepeat[1]",    "mRepeat [1]",     "mRepeat[1]]",
+                           "mRepeat[[1]",    "mRepeat[a]",      "mRepeat[18446744073709551617]",
+                           "mRepeat[30]",    "mRepeat[99]",     "mRepeat[100]",
+                           "mRT1[401]",      "mRT1[410]",       "mRT1[499]",
+                           "mRT1[500]",      "mRT1[1000]",      "mTriggered[39]",
+                           "mTriggered[40]", "mTriggered[100]", "mSlotNr[11]",
+                           "mSlotNr[20]",    "mSlotNr[100]",    "mRT0[1]",
+                           "mRT5[1]",        "mRepeat1[1]",     "mGC_State[1]",
+                           "mGC_State[0]"}) {
+    EXPECT_EQ(faultOf(withParameters("\"" + std::string(name) + "\": 0")),
+              "/parameters/" + std::string(name) + ": unknown member");
+  }
+}
+
+// What is not there would be without effect, and nobody would learn why.
+TEST(ScenarioFile, NamesOnlyLinesPeaksAndRowsThatAreThere) {
+  const auto everyday = [](const std::string& aMembers) {
+    return "{" + std::string(cTexts) +
+           R"(, "sequence": [{"runType": 0, "repeat": 1}, {"runType": 0, "repeat": 1}],)" +
+           R"( "alarms": [{"group": 8, "parameter": 1}],)" +
+           R"( "peaks": [{"channel": 2, "name": "a", "retentionTime": 1, "levelAmount": 2,)" +
+           R"( "linearCoefficient": 3}], "parameters": {)" + aMembers + "}}";
+  };
+  for (const char* name : {"mRepeat[1]", "mRepeat[2]", "mTriggered[1]", "mRT2[1]", "mLevelAmt2[1]",
+                           "mSlotNr[0]", "mSlotNr[10]"}) {
+    EXPECT_EQ(faultOf(everyday("\"" + std::string(name) + "\": 1")), "") << name;
+  }
+  for (const char* name : {"mRepeat[3]", "mFlushTime[20]", "mTriggered[2]", "mGroupID[38]",
+                           "mRT2[2]", "mLevelAmt1[1]", "mLinearCoef4[400]"}) {
+    EXPECT_EQ(faultOf(everyday("\"" + std::string(name) + "\": 1")),
+              "/parameters/" + std::string(name) + ": beyond the end of its table");
+  }
+  // The numbers of lines and rows that are given come before those of the tables.
+  EXPECT_EQ(faultOf(everyday(R"("mRepeat[3]": 1, "mTotalLines": 3)")), "");
+  EXPECT_EQ(faultOf(everyday(R"("mRepeat[2]": 1, "mTotalLines": 1)")),
+            "/parameters/mRepeat[2]: beyond the end of its table");
+  EXPECT_EQ(faultOf(everyday(R"("mRepeat[1]": 1, "mTotalLines": 0)")), "");
+  EXPECT_EQ(faultOf(everyday(R"("mTotal": 2, "mParamID[2]": 1)")), "");
+  EXPECT_EQ(faultOf(withParameters(R"("mRepeat[1]": 1)")), "");
+  EXPECT_EQ(faultOf(withParameters(R"("mRepeat[2]": 1)")),
+            "/parameters/mRepeat[2]: beyond the end of its table");
+  EXPECT_EQ(faultOf(withParameters(R"("mTriggered[1]": 1)")),
+            "/parameters/mTriggered[1]: beyond the end of its table");
+}
+
+namespace {
+
+std::string nested(std::size_t aLevels, const std::string& aOpen, const std::string& aClose) {
+  std::string text;
+  for (std::size_t n = 0; n < aLevels; ++n) {
+    text += aOpen;
+  }
+  text += "1";
+  for (std::size_t n = 0; n < aLevels; ++n) {
+    text += aClose;
+  }
+  return text;
+}
+
+}  // namespace
+
+// Document and parameters are two levels already.
+TEST(ScenarioFile, MayBeAHundredLevelsDeepAndNoMore) {
+  EXPECT_EQ(faultOf(withParameters(R"("mRepeat[1]": )" + nested(98, "[", "]"))),
+            "/parameters/mRepeat[1]: none of the allowed forms");
+  for (std::size_t levels : {99U, 1000U, 50000U, 490000U}) {
+    EXPECT_EQ(faultOf(withParameters(R"("mRepeat[1]": )" + nested(levels, "[", "]"))),
+              "/parameters/mRepeat[1]: more than 100 levels deep");
+    EXPECT_EQ(faultOf(withParameters(R"("other": )" + nested(levels, "[", "]"))),
+              "/parameters/other: more than 100 levels deep");
+  }
+  EXPECT_EQ(faultOf(withParameters(R"("a/b~c": )" + nested(150000, "{\"\":", "}"))),
+            "/parameters/a~1b~0c: more than 100 levels deep");
+  EXPECT_EQ(faultOf(withFault(R"("kind": "value", "records": )" + nested(400000, "[", "]"))),
+            "/faults/1: more than 100 levels deep");
+  EXPECT_EQ(faultOf(withMember(R"("snapshot": {"undisturbed": {"mPress1": )" +
+                               nested(400000, "[", "]") + "}}")),
+            "/snapshot/undisturbed: more than 100 levels deep");
+  // Side by side is not deep.
+  std::string wide;
+  for (int n = 0; n < 200; ++n) {
+    wide += (n == 0 ? "" : ", ") + std::string(R"({"kind": "value", "records": [1], "int": 1})");
+  }
+  EXPECT_EQ(faultOf(withMember(R"("faults": [)" + wide + "]")), "");
+}
+
+TEST(ScenarioFile, MayBeASnapshotAsTheRemoteControlAnswers) {
+  EXPECT_EQ(faultOf(withMember(R"("ok": true, "time": 12.5)")), "");
+  EXPECT_EQ(faultOf(withMember(R"("ok": 1)")), "/ok: wrong type");
+  EXPECT_EQ(faultOf(withMember(R"("time": "12")")), "/time: wrong type");
+}
+
+TEST(ScenarioFile, OfASnapshotIsCheckedToo) {
+  const auto with = [](const std::string& aParameters, const std::string& aSnapshot) {
+    return faultOf("{" + std::string(cTexts) + R"(, "parameters": {)" + aParameters +
+                   R"(}, "snapshot": {"time": 0, "state": 4, )" + aSnapshot + "}}");
+  };
+  EXPECT_EQ(with("", R"("left": 0, "elapsed": 1e15)"), "");
+  EXPECT_EQ(faultOf(withMember(R"("snapshot": {"state": 4})")), "/snapshot: missing member time");
+  EXPECT_EQ(faultOf(withMember(R"("snapshot": {"time": 4})")), "/snapshot: missing member state");
+  EXPECT_EQ(faultOf(withMember(R"("snapshot": {"time": -1})")), "/snapshot/time: too small");
+  EXPECT_EQ(faultOf(withMember(R"("snapshot": {"state": 11})")), "/snapshot/state: too large");
+  EXPECT_EQ(with("", R"("left": 1.1e15)"), "/snapshot/left: too large");
+  EXPECT_EQ(with("", R"("elapsed": -0.1)"), "/snapshot/elapsed: too small");
+  EXPECT_EQ(with("", R"("phase": 1)"), "/snapshot/phase: unknown member");
+  EXPECT_EQ(with("", R"("held": ["mGC_State", "mRepeat[1]"])"),
+            "/snapshot/held/1: not of the required form");
+  EXPECT_EQ(with("", R"("undisturbed": {"mPress1": "NaN", "mColumnTemp4": 1e308})"), "");
+  EXPECT_EQ(with("", R"("undisturbed": {"mPressSP1": 1})"),
+            "/snapshot/undisturbed/mPressSP1: unknown member");
+  EXPECT_EQ(with("", R"("undisturbed": {"mPress1": "nan"})"),
+            "/snapshot/undisturbed/mPress1: none of the allowed forms");
+  EXPECT_EQ(with("", R"("octets": {"application": "0"})"),
+            "/snapshot/octets/application: not of the required form");
+  EXPECT_EQ(with("", R"("octets": {"columns": "00"})"), "/snapshot/octets/columns: unknown member");
+  const auto octets = [&with](std::size_t aDigits) {
+    return with("", R"("octets": {"bootpName": ")" + std::string(aDigits, 'a') + "\"}");
+  };
+  EXPECT_EQ(octets(8192), "");
+  EXPECT_EQ(octets(8194), "/snapshot/octets/bootpName: too long");
+}
+
+TEST(ScenarioFile, BoundsDoNotHoldForWhatASnapshotExempts) {
+  const auto with = [](const std::string& aParameters, const std::string& aNames) {
+    return faultOf("{" + std::string(cTexts) + R"(, "parameters": {)" + aParameters +
+                   R"(}, "snapshot": {"time": 0, "state": 4, "unchecked": )" + aNames + "}}");
+  };
+  EXPECT_EQ(
+      with(R"("mPressSP1": 1e308, "mGC_State": -2147483648)", R"(["mGC_State", "mPressSP1"])"), "");
+  EXPECT_EQ(with(R"("mPressSP1": "NaN")", R"(["mPressSP1"])"), "");
+  EXPECT_EQ(
+      with(R"("mPressSP1": "-Infinity", "mRepeat[1]": 1000)", R"(["mPressSP1", "mRepeat[1]"])"),
+      "");
+  EXPECT_EQ(with(R"("mPressSP1": "NaN", "mPressSP2": "NaN")", R"(["mPressSP1"])"),
+            "/parameters/mPressSP2: wrong type");
+  EXPECT_EQ(with(R"("mPressSP1": "nan")", R"(["mPressSP1"])"), "/parameters/mPressSP1: wrong type");
+  EXPECT_EQ(with(R"("mPressSP1": true)", R"(["mPressSP1"])"), "/parameters/mPressSP1: wrong type");
+  // An integer is still one that the instrument can hold.
+  EXPECT_EQ(with(R"("mGC_State": 4.5)", R"(["mGC_State"])"), "/parameters/mGC_State: wrong type");
+  EXPECT_EQ(with(R"("mGC_State": "NaN")", R"(["mGC_State"])"), "/parameters/mGC_State: wrong type");
+  EXPECT_EQ(with(R"("mGC_State": 2147483648)", R"(["mGC_State"])"),
+            "/parameters/mGC_State: too large");
+  EXPECT_EQ(with(R"("mColumnTemp5": 1)", R"(["mColumnTemp5"])"),
+            "/parameters/mColumnTemp5: unknown member");
+  EXPECT_EQ(with(R"("mRepeat[2]": 1000)", R"(["mRepeat[2]"])"),
+            "/parameters/mRepeat[2]: beyond the end of its table");
+  EXPECT_EQ(with(R"("mPressSP1": 1)", R"(["mPressSP1", "mPressSP2"])"),
+            "/snapshot/unchecked/1: not one of the parameters");
+  EXPECT_EQ(with("", R"(["mColumnTemp5"])"), "/snapshot/unchecked/0: not one of the parameters");
+  EXPECT_EQ(with(R"("mPressSP1": 1e308)", "[1]"), "/parameters/mPressSP1: too large");
+  EXPECT_EQ(with("", "[1]"), "/snapshot/unchecked/0: wrong type");
+  EXPECT_EQ(with("", R"("mPressSP1")"), "/snapshot/unchecked: wrong type");
+  EXPECT_EQ(faultOf(R"({"parameters": [], "snapshot": {"unchecked": ["mPressSP1"]}})"),
+            "/parameters: wrong type");
+  EXPECT_EQ(faultOf(R"({"snapshot": {"unchecked": ["mPressSP1"]}})"),
+            "/snapshot: missing member time");
+  EXPECT_EQ(faultOf(R"({"snapshot": []})"), "/snapshot: wrong type");
+}
+
+// All of them: what is looked up for each must not take its time for each.
+TEST(ScenarioFile, OfAMegabyteIsReadInNoTime) {
+  std::string names;
+  std::string parameters;
+  for (int n = 0; n < 25000; ++n) {
+    names += (n == 0 ? "\"" : ", \"") + std::to_string(n) + "\"";
+    parameters += (n == 0 ? "" : ", ") + std::string(R"("mPressSP1": 1)");
+  }
+  const std::clock_t began = std::clock();
+  EXPECT_EQ(faultOf("{" + std::string(cTexts) + R"(, "parameters": {)" + parameters +
+                    R"(}, "snapshot": {"time": 0, "state": 4, "unchecked": [)" + names + "]}}"),
+            "/snapshot/unchecked/0: not one of the parameters");
+  EXPECT_LT(std::clock() - began, 10 * CLOCKS_PER_SEC);
 }
 
 struct BadFile {

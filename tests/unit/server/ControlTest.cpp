@@ -168,6 +168,50 @@ TEST_F(ControlTest, Refusals) {
   EXPECT_EQ(done(R"({"verb": "fault", "list": true})"), R"({"ok":true,"faults":[]})");
 }
 
+namespace {
+
+std::string nested(std::size_t aLevels) {
+  return std::string(aLevels, '[') + "1" + std::string(aLevels, ']');
+}
+
+}  // namespace
+
+// The request is one level itself.
+TEST_F(ControlTest, MayBeAHundredLevelsDeepAndNoMore) {
+  EXPECT_EQ(refused(R"({"verb": "fault", "fault": )" + nested(99) + "}"),
+            "fault: an object expected");
+  for (std::size_t levels : {100U, 1000U, 32000U}) {
+    for (const char* member : {"fault", "value", "scenario", "else"}) {
+      EXPECT_EQ(
+          refused(R"({"verb": "status", ")" + std::string(member) + "\": " + nested(levels) + "}"),
+          "the request is more than 100 levels deep");
+    }
+    EXPECT_EQ(refused(nested(levels + 1)), "the request is more than 100 levels deep");
+  }
+}
+
+TEST_F(ControlTest, SetsNoLinePeakOrRowThatIsNotThere) {
+  const std::string before = done(R"({"verb": "snapshot"})");
+  for (const std::string name :
+       {"mRepeat[0]",    "mRepeat[4]",      "mRepeat[20]",
+        "mRepeat[21]",   "mRepeat[-1]",     "mRepeat[01]",
+        "mRepeat[ 1]",   "mRepeat[1 ]",     "mRepeat[4294967297]",
+        "mRT1[0]",       "mRT1[5]",         "mRT1[401]",
+        "mLevelAmt3[1]", "mLinearCoef2[8]", "mTriggered[0]",
+        "mTriggered[6]", "mTriggered[39]",  "mAlarmOn[99999999999999999999]",
+        "mSlotNr[11]",   "mSlotNr[-1]",     "mSlotNr[00]"}) {
+    EXPECT_EQ(refused(R"({"verb": "set", "value": 1, "name": ")" + name + "\"}"),
+              "there is no parameter " + name);
+  }
+  EXPECT_EQ(done(R"({"verb": "snapshot"})"), before);
+}
+
+TEST_F(ControlTest, TakesEachNumberToItsLastBit) {
+  done(R"({"verb": "set", "name": "mLinearCoef1[1]", "value": 2.1400000000000023e-5})");
+  const std::string snapshot = done(R"({"verb": "snapshot"})");
+  EXPECT_NE(snapshot.find(R"("mLinearCoef1[1]":0.000021400000000000023,)"), std::string::npos);
+}
+
 TEST_F(ControlTest, OctetsThatAreNoText) {
   EXPECT_EQ(refused("{\"verb\": \"set\", \"name\": \"\xff\", \"value\": 1}"),
             "there is no parameter \xEF\xBF\xBD");
