@@ -160,6 +160,16 @@ COMMANDS = [
     command("two origins", 403, b"{}", "Origin: http://{host}", "Origin: http://evil.example"),
     command("other site", 403, b"{}", "Sec-Fetch-Site: cross-site"),
     command("two types", 400, b"{}", "Content-Type: text/plain"),
+    *(
+        command(f"type: {kind}", 415, b"{}", MARKS[0], f"Content-Type: {kind}", mark=False)
+        for kind in (
+            "text/plain; charset=utf-8",
+            "text/plain; charset=utf-8; application/json",
+            "multipart/form-data; charset=utf-8",
+            "application/json; charset=utf-16",
+        )
+    ),
+    command("no type", 415, b"{}", MARKS[0], mark=False),
     command("GET", 405, b"", method="GET"),
     command("other method by a header", 405, b"", "X-HTTP-Method-Override: POST", method="GET"),
     command("no length", 411, b"", length=False),

@@ -149,6 +149,10 @@ def test_certificate(folder: Path) -> None:
         ("IP Address", "2001:DB8:0:0:0:0:0:7"),
         ("DNS", "1.2.3.example"),
     ]
+    # A group that was let in stays, and nobody else.
+    file.chmod(0o664)
+    assert set_certificate(file, "gc.example").returncode == 0
+    assert file.stat().st_mode & 0o777 == 0o660
     before = file.read_bytes()
     for bad in ("a b", "", "DNS:a,DNS:b", "/CN=x", "*", "--from"):
         assert complaint(set_certificate(file, bad))
@@ -160,15 +164,16 @@ def test_key_is_never_readable(folder: Path) -> None:
     """Not even while the file is being made, whatever the shell's mask is."""
     file = folder / "server.pem"
     file.write_text("old")
-    file.chmod(0o644)
+    file.chmod(0o640)
     script = f'umask 0; exec strace -f -e trace=openat,open,creat -o "{folder}/trace" "$@"'
     command = ["sh", "-c", script, "sh", SET_CERTIFICATE, file, "gc.example"]
     subprocess.run(command, check=True, capture_output=True)
     trace = (folder / "trace").read_text(encoding="utf-8")
     modes = re.findall(r'"[^"]*server\.pem[^"]*", [A-Z_|]*O_CREAT[A-Z_|]*, (0\d+)\) = \d', trace)
     assert modes
+    assert set(modes) <= {"0600", "0666"}
     assert "0600" in modes
-    assert file.stat().st_mode & 0o777 == 0o600
+    assert file.stat().st_mode & 0o777 == 0o640
 
 
 def test_issued_certificate(folder: Path) -> None:

@@ -29,6 +29,7 @@ const textsOfStatus: Readonly<Record<number, string>> = {
   413: 'The file is too large.',
   415: 'The gateway does not take this kind of file.',
   422: 'The gateway does not take these values.',
+  429: 'Too many requests, or too many wrong passwords. Nothing was done.',
   502: 'The instrument or its tool did not give a usable answer.',
   503: 'The instrument is not reachable.',
   504: 'The instrument did not answer in time.',

@@ -158,6 +158,12 @@ describe('faults', () => {
       'The gateway did not take the command.',
       'Another command is running: Try again.',
     ],
+    [
+      429,
+      { title: 'Too Many Requests', status: 429, detail: 'Wait a few seconds and try again.' },
+      'Too many requests, or too many wrong passwords. Nothing was done.',
+      'Too Many Requests: Wait a few seconds and try again.',
+    ],
     [401, undefined, 'You are not signed in. Nothing was done.', ''],
     [418, 'tea', 'The web server answered with HTTP status 418.', ''],
   ])('HTTP %d with %j', (status, body, text, detail) => {
