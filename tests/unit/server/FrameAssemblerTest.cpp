@@ -114,7 +114,7 @@ TEST(FrameAssembler, LargestFrame) {
 
 TEST(FrameAssembler, BoundsWhatWaits) {
   FrameAssembler assembler;
-  const std::string octets(FrameAssembler::cMaxOctets, 'x');
+  const std::string octets(524320, 'x');  // two frames of the largest size
   EXPECT_TRUE(assembler.append(octets.data(), octets.size()));
   EXPECT_FALSE(assembler.append("x", 1));
   EXPECT_FALSE(assembler.append(octets.data(), octets.size()));

@@ -113,7 +113,8 @@ TEST(Journal, MayHaveAnyHandle) {
   {
     Journal journal;
     std::string error;
-    EXPECT_TRUE(journal.open(path, error)) << error;
+    EXPECT_TRUE(journal.open(path, error));
+    EXPECT_EQ(error, "");
     journal.write("{}");
   }
   EXPECT_EQ(::fcntl(STDIN_FILENO, F_GETFD), -1);
@@ -143,7 +144,9 @@ TEST(Journal, FileThatCannotBeOpened) {
   std::string error;
   EXPECT_FALSE(journal.open("/nonexistent/journal", error));
   EXPECT_EQ(error, "/nonexistent/journal: No such file or directory");
+  ::testing::internal::CaptureStderr();
   journal.write("{}");
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
   EXPECT_EQ(journal.lines().size(), 1U);
 }
 
@@ -169,14 +172,18 @@ TEST(Journal, SaysWhenALineIsCut) {
   std::string error;
   ASSERT_TRUE(journal.open(path, error)) << error;
   ::testing::internal::CaptureStderr();
-  journal.write("{\"n\":1}");
+  const std::string first(994, 'x');
+  journal.write(first);
   EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
-  const rlimit small = {10, before.rlim_max};
+  const rlimit small = {1000, before.rlim_max};
   ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+  ::testing::internal::CaptureStderr();
   journal.write("{\"n\":2}");
   ::setrlimit(RLIMIT_FSIZE, &before);
   std::signal(SIGXFSZ, action);
-  EXPECT_EQ(contents(path), "{\"n\":1}\n{\"");
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+            "gc-sim: the journal file takes no more lines: it is full\n");
+  EXPECT_EQ(contents(path), first + "\n{\"n\":");
 }
 
 TEST(Journal, KeepsTheLastThousandLines) {
