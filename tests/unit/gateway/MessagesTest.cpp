@@ -1,0 +1,125 @@
+// What people read when something is refused, word by word.
+#include "Bench.h"
+#include "FileLock.h"
+
+namespace {
+
+class Told : public Bench {
+ protected:
+  Told() {
+    toolDoes(std::string("out ") + cAccepted);
+    setCommand("POST", "/alarm-reset", "{}");
+  }
+};
+
+TEST_F(Told, IsWhatIsWrongWithARequest) {
+  const struct {
+    const char* variable;
+    const char* value;
+    int status;
+    const char* detail;
+  } cRows[] = {
+      {"QUERY_STRING", "x", 400, "A command takes no query."},
+      {"GC_WEB_PLAIN_HTTP_COMMANDS", "", 403,
+       "Commands over plain HTTP are refused, because others on the network could read and repeat "
+       "them. Open this page with https:// (tls.conf sets it up) or on the controller itself."},
+      {"REMOTE_USER", "", 403,
+       "Commands are off until a password is set (set-password) and asked for (login.conf)."},
+      {"HTTP_X_GC_REQUEST", "", 403, "A command needs the header X-GC-Request: 1."},
+      {"HTTP_ORIGIN", "http://evil.example", 403, "The Origin of a command must be this server."},
+      {"HTTP_SEC_FETCH_SITE", "cross-site", 403,
+       "The Sec-Fetch-Site of a command must be same-origin."},
+      {"CONTENT_TYPE", "text/plain", 415,
+       "A command needs the Content-Type application/json, in UTF-8."},
+      {"CONTENT_LENGTH", "", 411, "A command needs a Content-Length."},
+      {"CONTENT_LENGTH", "65537", 413, "The body is longer than 65536 octets."},
+      {"CONTENT_LENGTH", "3", 400, "The body is shorter than its Content-Length."},
+      {"PATH_INFO", "/nothing", 404, "There is no such command."},
+      {"REQUEST_METHOD", "GET", 405, "Only POST can be asked for here."},
+      {"GC_WEB_TOOL", "", 500, "GC_WEB_TOOL is not set."},
+      {"GC_WEB_STATE", "/nothing", 500, "GC_WEB_STATE is no folder to write to; nothing was done."},
+      {"GC_WEB_DATA", "/nothing", 500, "GC_WEB_DATA is no folder to write to; nothing was done."},
+      {"GC_WEB_LOG", "/nothing/log", 500, "GC_WEB_LOG cannot be written to; nothing was done."},
+  };
+  for (const auto& row : cRows) {
+    const auto good = input.variables;
+    input.variables[row.variable] = row.value;
+    const Received answer = replyToCommand();
+    EXPECT_EQ(answer.status, row.status);
+    EXPECT_EQ(answer.detail(), row.detail);
+    input.variables = good;
+  }
+}
+
+TEST_F(Told, IsWhatIsWrongWithABody) {
+  const struct {
+    const char* method;
+    const char* path;
+    const char* body;
+    int status;
+    const char* detail;
+  } cRows[] = {
+      {"POST", "/run", "{", 400, "The body is not one JSON document in UTF-8."},
+      {"POST", "/run", "{}", 422, "The document is not of its schema: required type."},
+      {"POST", "/run", R"({"type": "single"})", 422, "/stream is missing."},
+      {"POST", "/run", R"({"type": "automation", "stream": 1})", 422,
+       "The document has more members than this command takes."},
+      {"POST", "/seen", R"({"id": "0123456789abcdef", "id": "0123456789abcdef"})", 422,
+       "The document has more members than this command takes."},
+      {"POST", "/seen", R"({"id": "0123456789abcdef"})", 404,
+       "There is no such interrupted command."},
+  };
+  for (const auto& row : cRows) {
+    const Received answer = command(row.method, row.path, row.body);
+    EXPECT_EQ(answer.status, row.status);
+    EXPECT_EQ(answer.detail(), row.detail);
+  }
+  const std::string deep = std::string(101, '[') + std::string(101, ']');
+  EXPECT_EQ(command("PUT", "/calibration", deep).detail(),
+            "The document is nested more than 100 levels deep.");
+  input.variables["GC_WEB_SCHEMAS"] = path("");
+  EXPECT_EQ(command("PUT", "/calibration", R"({"total": 0})").detail(),
+            "GC_WEB_SCHEMAS has no schema calibration-file.");
+  EXPECT_EQ(command("PUT", "/sequence", R"({"total": 0})").detail(),
+            "GC_WEB_SCHEMAS has no schema sequence-file.");
+}
+
+TEST_F(Told, IsWhatIsInTheWay) {
+  limits.otherCommand = std::chrono::milliseconds(1);
+  limits.abort = std::chrono::milliseconds(1);
+  limits.otherStatus = std::chrono::milliseconds(1);
+  const FileLock commands(path("command.lock"));
+  const FileLock aborts(path("abort-now.lock"));
+  const FileLock status(path("status.answer"));
+  ASSERT_TRUE(commands.tryLock() && aborts.tryLock() && status.tryLock());
+  EXPECT_EQ(replyToCommand().detail(), "Another command is still going on.");
+  EXPECT_EQ(command("POST", "/abort", R"({"when": "now"})").detail(),
+            "Another abort is still going on; this one was not begun.");
+  EXPECT_EQ(ask("/api/status").detail(), "Somebody else's request for the status has not ended.");
+}
+
+TEST_F(Told, IsWhatIsWrongWithAReport) {
+  EXPECT_EQ(ask("/api/nothing").detail(), "There is no such report.");
+  EXPECT_EQ(ask("/api/status", "POST").detail(), "Only GET, HEAD can be asked for here.");
+  EXPECT_EQ(ask("/api/backups/sequence/1").detail(), "There is no such backup.");
+  FakeInput before = input;
+  input.variables["QUERY_STRING"] = "x";
+  EXPECT_EQ(ask("/api/status").detail(), "A report takes no query and no body.");
+  input = before;
+  input.variables["GC_WEB_STATE"] = "/nothing";
+  EXPECT_EQ(ask("/api/status").detail(), "GC_WEB_STATE is no folder to write to.");
+}
+
+TEST_F(Told, IsWhyATableWasNotSent) {
+  toolDoes(std::string("out ") + cAccepted, R"({"ErrorCode": 5, "Msg": "No"})");
+  const Received unread = command("PUT", "/calibration", R"({"total": 0})");
+  EXPECT_EQ(unread.status, 502);
+  EXPECT_EQ(unread.detail(), "The present table could not be read, so none was sent.");
+  toolDoes(std::string("out ") + cAccepted);
+  input.variables["GC_WEB_DATA"] = "/nothing";
+  const Received unkept = command("PUT", "/calibration", R"({"total": 0})");
+  EXPECT_EQ(unkept.status, 500);
+  EXPECT_EQ(unkept.detail(), "The present table cannot be kept in GC_WEB_DATA, so none was sent.");
+}
+
+}  // namespace
