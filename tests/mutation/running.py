@@ -87,14 +87,19 @@ def _wait(process: int) -> None:
 
 def _activity(process: int) -> list[tuple[int, str, int]]:
     """Of all threads of a process and of those below it: number, state and processor time."""
-    found = []
-    for thread in Path(f"/proc/{process}/task").glob("*"):
+    found: list[tuple[int, str, int]] = []
+    try:
+        threads = os.listdir(f"/proc/{process}/task")
+    except FileNotFoundError:  # ended meanwhile
+        return found
+    for thread in threads:
+        folder = Path(f"/proc/{process}/task/{thread}")
         try:
             # The name, in brackets, may hold anything.
-            fields = (thread / "stat").read_text().rpartition(")")[2].split()
-            children = (thread / "children").read_text().split()
+            fields = (folder / "stat").read_text().rpartition(")")[2].split()
+            children = (folder / "children").read_text().split()
         except (FileNotFoundError, ProcessLookupError):
-            continue  # ended meanwhile
-        found.append((int(thread.name), fields[0], int(fields[11]) + int(fields[12])))
+            continue
+        found.append((int(thread), fields[0], int(fields[11]) + int(fields[12])))
         found += [entry for child in children for entry in _activity(int(child))]
     return found

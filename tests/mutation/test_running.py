@@ -1,6 +1,7 @@
 """What runs the tests with a fault in the code: it notices every end, and nothing gets out."""
 
 import os
+import subprocess
 from pathlib import Path
 
 import pytest
@@ -41,6 +42,13 @@ def test_what_is_busy_does_not_wait(tmp_path: Path, monkeypatch: pytest.MonkeyPa
     monkeypatch.setattr(running, "IDLE_LOOKS", 2)
     busy = "import time\nwhile time.process_time() < 1: pass"
     assert run(tmp_path, f"/usr/bin/python3 -c '{busy}'").passed
+
+
+def test_what_has_ended_is_not_looked_at() -> None:
+    ended = subprocess.Popen(["true"])
+    ended.wait()
+    assert running._activity(ended.pid) == []
+    assert [state for _, state, _ in running._activity(os.getpid())]
 
 
 def test_what_never_ends_is_ended(tmp_path: Path) -> None:
