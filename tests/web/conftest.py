@@ -44,6 +44,7 @@ def start_server(address: str, bin_dir: Path, folder: Path) -> Iterator[StartSer
             passwords: bool = True,
             tool: Path = system.TOOL,
             scripts: Path = CONFIGURATION,
+            libraries: str = "",
         ) -> WebServer:
             """`lines`: further ones of the configuration. `passwords`: somebody may act."""
             every = []
@@ -52,7 +53,7 @@ def start_server(address: str, bin_dir: Path, folder: Path) -> Iterator[StartSer
                 every += [f'var.passwords = "{folder}/passwords"']
                 every += [f'include "{CONFIGURATION}/login.conf"']
             every += lines
-            started = WebServer(folder / "web", bin_dir, tool, address, every, scripts)
+            started = WebServer(folder / "web", bin_dir, tool, address, every, scripts, libraries)
             running.callback(started.stop)
             return started
 

@@ -128,8 +128,8 @@ function tests.a_refusal_is_a_problem_and_not_logged()
     guess()
   end
   local _, request = ask({ login = true }, "right")
-  equal(request.body, '{"title":"Too Many Requests","status":429,"detail":"Too many wrong passwords '
-    .. 'came from this address. Nothing was done; wait a few seconds and try again."}')
+  equal(request.body, '{"title":"Too Many Requests","status":429,"detail":"Too many wrong '
+    .. 'passwords came from this address. Nothing was done; wait a few seconds and try again."}')
   equal(request.resp_header["Content-Type"], "application/problem+json")
   equal(request.resp_header["Retry-After"], "1")
   equal(request.resp_header["Cache-Control"], "no-store")
@@ -302,7 +302,8 @@ local function fill(fields, each)
   local count = 0
   while true do
     local from = "10.0.0." .. count // each
-    local request = { method = fields.method, path = fields.path, login = fields.login, from = from }
+    local request = { method = fields.method, path = fields.path, login = fields.login }
+    request.from = from
     if ask(request, "right") ~= 0 then
       return count
     end

@@ -149,6 +149,7 @@ class WebServer:
 
     `folder`: for all that it keeps. `instrument`: the address of the controller, and its own.
     `lines`: further ones of its configuration. `scripts`: folder of its Lua scripts.
+    `libraries`: where the tool finds the maker's.
     """
 
     def __init__(
@@ -159,6 +160,7 @@ class WebServer:
         instrument: str,
         lines: list[str],
         scripts: Path = CONFIGURATION,
+        libraries: str = "",
     ) -> None:
         self.address = instrument
         self.state = folder / "state"
@@ -180,7 +182,7 @@ class WebServer:
             "data": self.data,
             "logs": self.logs,
             "scripts": scripts,
-            "libraries": "",
+            "libraries": libraries,
             "names": r"gc\.example",
         }
         settings = [f'var.{name} = "{value}"' for name, value in variables.items()]

@@ -39,10 +39,10 @@ def complaint(done: subprocess.CompletedProcess[bytes]) -> str:
     return done.stderr.decode()
 
 
-USERS = ["anna.k", "anna-k", "annaxk", "a", "1", "01", "1e0", "0x1", "..", "ab", ".", "-n", "A", "*"]
+USERS = ["anna.k", "anna-k", "annaxk", "a", "A", "ab", "..", ".", "-n", "1", "01", "1e0", "0x1"]
 
 
-@pytest.mark.parametrize("user", USERS[:-1])
+@pytest.mark.parametrize("user", USERS)
 def test_users_are_compared_as_texts(folder: Path, user: str) -> None:
     file = folder / "passwords"
     others = [line_of(name, "x") for name in USERS if name != user]
@@ -59,7 +59,9 @@ def test_bad_user(folder: Path, user: str) -> None:
     assert list(folder.iterdir()) == []
 
 
-@pytest.mark.parametrize("password", [" a", "a ", " ", "a b", "\\n", "-n", "%s", "ä€𝄞", "a:b", "'\""])
+@pytest.mark.parametrize(
+    "password", [" a", "a ", " ", "a b", "\\n", "-n", "%s", "ä€𝄞", "a:b", "'\""]
+)
 def test_password_is_taken_as_it_is(folder: Path, password: str) -> None:
     file = folder / "passwords"
     done = set_password(file, "anna", password)

@@ -1,4 +1,4 @@
-"""What the machine does to the web server while it runs: new logs, restarts, a folder that is gone."""
+"""What happens around the web server: new logs, restarts, a folder that is gone, libraries."""
 
 import gzip
 import os
@@ -48,8 +48,8 @@ def test_restart_during_a_command(
         for _ in range(3):
             assert browser.get("/").status == 200
             assert browser.get("/api/none").status == 404
-        # None of them waited for its end. On a machine that is busy, it happens that lighttpd closes
-        # its connection: the new server's farewell then comes before the old one expects it.
+        # None of them waited for its end. On a busy machine it happens that lighttpd closes its
+        # connection: the new server's farewell then comes before the old one expects it.
         assert not select.select([acting], [], [], 0)[0] or acting.recv(1) == b""
         controller.stop()
 
@@ -66,3 +66,17 @@ def test_state_that_is_gone(server: WebServer, browser: Browser) -> None:
     assert gzip.decompress(answer.body) == script.read_bytes()
     assert browser.get("/assets/long-Ab12.js").body == script.read_bytes()
     assert server.complaints() == []
+
+
+def test_libraries_of_the_maker(start_server: StartServer, folder: Path) -> None:
+    """Are told to the tool, by a setting and not by what the web server was started with."""
+    tool = folder / "tool"
+    tool.write_text("""#!/bin/sh\nprintf '{"tool": "%s"}' "$(env | grep LIBRARY)"\n""")
+    tool.chmod(0o755)
+    os.environ["LD_LIBRARY_PATH"] = "/of-the-server"
+    try:
+        server = start_server(tool=tool, libraries="/first:/second")
+    finally:
+        del os.environ["LD_LIBRARY_PATH"]
+    told = Browser(server.address).get("/api/config").document
+    assert told == {"tool": "LD_LIBRARY_PATH=/first:/second"}

@@ -1,6 +1,6 @@
 -- Lets requests for the gateway in: so many at a time, and so many guesses of a password a second.
 -- lighttpd runs this three times for each: before it looks at the password, before it starts the
--- program, and when there is an answer. Other requests wait meanwhile, so nothing here may take long.
+-- program, and when there is an answer. All others wait meanwhile: nothing here may take long.
 
 local request = lighty.r
 local attributes, item = request.req_attr, request.req_item
@@ -202,7 +202,8 @@ if item.http_status ~= 0 then
   return answered(owner)
 end
 if (attributes["physical.path"] or "") == "" then
-  local isLogin = attributes["uri.path"]:find("^/api/command") and request.req_header["Authorization"]
+  local isLogin = attributes["uri.path"]:find("^/api/command")
+    and request.req_header["Authorization"]
   return isLogin and begin_login(owner) or 0
 end
 if variables[MARK] == "login" then
