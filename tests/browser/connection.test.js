@@ -15,14 +15,24 @@ const actions = [
   'Load…',
 ];
 
-/** Whether the parts that show values are grey; the alarm sign is one of them. */
+/**
+ * Whether the parts that show values are grey; the alarm sign is one of them. All are looked at in one
+ * moment: the page may replace them in the next.
+ */
 async function isGrey(page) {
-  assert.equal(await page.locator('.live').getByTestId('alarm-sign').count(), 1);
-  const filters = await page
-    .locator('.live')
-    .evaluateAll((parts) => parts.map((part) => getComputedStyle(part).filter));
+  const { signs, filters } = await page.evaluate(() => ({
+    signs: document.querySelectorAll('.live [data-testid="alarm-sign"]').length,
+    filters: [...document.querySelectorAll('.live')].map((part) => getComputedStyle(part).filter),
+  }));
+  assert.equal(signs, 1);
   assert.ok(filters.length > 0);
   return filters.every((filter) => filter === 'grayscale(1)');
+}
+
+/** Goes to another page by its link, and waits until it is there. */
+async function follow(page, name) {
+  await page.getByRole('link', { name, exact: true }).click();
+  await page.locator('nav a[aria-current="page"]').getByText(name, { exact: true }).waitFor();
 }
 
 async function allOff(page) {
@@ -55,10 +65,10 @@ browserTest(
       await allOff(page);
       await picture(page, 'lost');
       await button(page, 'Switch').click({ force: true });
-      await page.getByRole('link', { name: 'Status' }).click();
+      await follow(page, 'Status');
       await page.getByRole('region', { name: 'Channel 1' }).waitFor();
       assert.equal(await isGrey(page), true);
-      await page.getByRole('link', { name: 'Alarms' }).click();
+      await follow(page, 'Alarms');
       assert.equal(await isGrey(page), true);
       await page.getByRole('link', { name: 'Wall' }).click();
       await page.locator('.stale-mark').waitFor();

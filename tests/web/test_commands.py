@@ -389,7 +389,7 @@ def test_browser_that_goes_away(
 def test_two_at_a_time(simulator: StartSimulator, server: WebServer, browser: Browser) -> None:
     """The second waits for the first; reports wait for neither."""
     controller: Simulator = simulator()
-    controller.fault(kind="delay", seconds=0.5, call="Command")
+    controller.fault(kind="delay", seconds=2, call="Command")
     path = "/api/command/alarm-reset"
     login = {"Authorization": browser.authorization("POST", path)}
     head = {"Host": server.address, "Content-Length": "2", **HEADERS, **login}

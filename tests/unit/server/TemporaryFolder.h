@@ -10,8 +10,8 @@
 class TemporaryFolder {
  public:
   TemporaryFolder() {
-    char name[] = "/tmp/gc-server-XXXXXX";
-    mPath = ::mkdtemp(name) != nullptr ? name : "";
+    std::string name = std::filesystem::temp_directory_path() / "gc-server-XXXXXX";
+    mPath = ::mkdtemp(name.data()) != nullptr ? name : "";
   }
   ~TemporaryFolder() {
     std::error_code ignored;

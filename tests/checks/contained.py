@@ -1,0 +1,93 @@
+#!/usr/bin/env -S /usr/bin/python3 -B
+"""Runs a command, and ends whatever it has started: tests/checks/contained.py COMMAND...
+
+When the command has ended or a signal has come, no process of it goes on, whatever session it is in and
+whoever its parent was, and the folder that TMPDIR names for it is gone.
+"""
+
+import ctypes
+import os
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+from pathlib import Path
+
+PR_SET_CHILD_SUBREAPER = 36
+SIGNALS = (signal.SIGINT, signal.SIGTERM, signal.SIGHUP)
+# Seconds for processes to clean up after themselves.
+GRACE = 3
+
+
+def descendants():
+    """Orphans are among them: this process is their new parent."""
+    found, asked = [], [os.getpid()]
+    while asked:
+        for task in Path(f"/proc/{asked.pop()}/task").glob("*/children"):
+            try:
+                children = [int(child) for child in task.read_text().split()]
+            except OSError:
+                continue
+            found += children
+            asked += children
+    return found
+
+
+def reap():
+    try:
+        while os.waitpid(-1, os.WNOHANG)[0] != 0:
+            pass
+    except ChildProcessError:
+        pass
+
+
+def end_all():
+    deadline = time.monotonic() + GRACE
+    asked = set()
+    while True:
+        reap()
+        left = descendants()
+        if not left:
+            return
+        is_over = time.monotonic() > deadline
+        for process in left:
+            if is_over or process not in asked:
+                asked.add(process)
+                try:
+                    os.kill(process, signal.SIGKILL if is_over else signal.SIGTERM)
+                except ProcessLookupError:
+                    pass
+        signal.sigtimedwait([signal.SIGCHLD], 0.05)
+
+
+def main():
+    ctypes.CDLL(None).prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0)
+    before = signal.pthread_sigmask(signal.SIG_BLOCK, [*SIGNALS, signal.SIGCHLD])
+    folder = tempfile.mkdtemp(prefix="gc-")
+    try:
+        command = subprocess.Popen(
+            sys.argv[1:],
+            env={**os.environ, "TMPDIR": folder, "TEST_TMPDIR": folder},
+            preexec_fn=lambda: signal.pthread_sigmask(signal.SIG_SETMASK, before),
+        )
+        came = signal.SIGCHLD
+        while came == signal.SIGCHLD and command.poll() is None:
+            came = signal.sigwait([*SIGNALS, signal.SIGCHLD])
+            # Not the command itself, whose status is wanted.
+            for process in descendants():
+                if process != command.pid and came == signal.SIGCHLD:
+                    try:
+                        os.waitpid(process, os.WNOHANG)
+                    except ChildProcessError:
+                        pass
+        end_all()
+    finally:
+        shutil.rmtree(folder, ignore_errors=True)
+    code = 128 + came if came in SIGNALS else command.returncode
+    sys.exit(code if code >= 0 else 128 - code)
+
+
+if __name__ == "__main__":
+    main()
