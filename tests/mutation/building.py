@@ -6,6 +6,7 @@ import shlex
 import shutil
 import subprocess
 from collections import defaultdict
+from collections.abc import Collection
 from concurrent.futures import Executor
 from dataclasses import dataclass
 from pathlib import Path
@@ -52,11 +53,17 @@ class TestProgram:
         self.slow: list[str] = []
         """Names of tests that are asked last."""
 
+    def may_see(self, files: Collection[str]) -> bool:
+        """Which headers a program sees, only its compiler knows."""
+        sources = {unit.file for unit in self.units}
+        return any(file in sources or file.endswith(".h") for file in files)
+
 
 class Build:
     """The unit tests as they are, compiled from a copy of the tree."""
 
-    def __init__(self, area: Area, folder: Path, sanitized: bool):
+    def __init__(self, area: Area, wanted: Collection[str], folder: Path, sanitized: bool):
+        """`wanted`: the files that will be changed. Programs that see none of them are left out."""
         self.area = area
         self.folder = folder
         self.tree = folder / "tree"
@@ -66,8 +73,11 @@ class Build:
         shutil.copytree(ROOT, self.tree, ignore=ignored)
         (folder / "objects").mkdir()
         self.sanitized = sanitized
-        self.units = self._configure()
-        self.programs = [TestProgram(program, self.units) for program in area.programs]
+        units = self._configure()
+        programs = [TestProgram(program, units) for program in area.programs]
+        self.programs = [tested for tested in programs if tested.may_see(wanted)]
+        asked = {unit for tested in self.programs for unit in tested.units}
+        self.units = [unit for unit in units if unit in asked]
         self.changed = ("tests/unit", *area.folders)
         """Folders of which the workers have copies of their own."""
         commands = sorted({unit.command for unit in self.units})

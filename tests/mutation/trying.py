@@ -105,7 +105,7 @@ def try_all(
     folder = Path(tempfile.mkdtemp(prefix="gc-mutation-"))
     try:
         with ThreadPoolExecutor(jobs) as executor:
-            build = Build(area, folder, sanitized)
+            build = Build(area, {mutant.file for mutant in mutants}, folder, sanitized)
             build.compile_all(executor)
             workers: Queue[Worker] = Queue()
             for number in range(jobs):

@@ -1,7 +1,11 @@
 // Tables that downloads replace are kept, and given back.
 #include "Backups.h"
 
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
+
+#include <csignal>
 
 #include "Bench.h"
 
@@ -150,6 +154,34 @@ TEST_F(KeptTable, IsWholeOrNotThere) {
   EXPECT_EQ(ask("/api/backups/sequence/2").status, 404);
   ASSERT_EQ(put("/sequence", R"({"total":4})").status, 200);
   EXPECT_EQ(table(4), R"({"total":4})");
+}
+
+TEST_F(KeptTable, LeavesNothingThatIsNotWhole) {
+  rlimit before = {};
+  ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+  const rlimit small = {100, before.rlim_max};
+  const auto action = std::signal(SIGXFSZ, SIG_IGN);
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+  EXPECT_FALSE(keepBackup(path("data"), eOperation::eSequence, {}, std::string(200, ' ')));
+  ::setrlimit(RLIMIT_FSIZE, &before);
+  std::signal(SIGXFSZ, action);
+  const std::string folder = path("data/backups/sequence");
+  EXPECT_EQ(::access(folder.c_str(), F_OK), 0);
+  EXPECT_NE(::access((folder + "/.unfinished").c_str(), F_OK), 0);
+  EXPECT_NE(::access((folder + "/0000000001").c_str(), F_OK), 0);
+}
+
+TEST_F(KeptTable, IsNotFollowedElsewhere) {
+  ASSERT_EQ(put("/sequence", cSequence).status, 200);
+  write("elsewhere", "{\"number\":2}\n{\"total\":4}");
+  const std::string other = path("elsewhere");
+  const std::string unfinished = path("data/backups/sequence/.unfinished");
+  ASSERT_EQ(::symlink(other.c_str(), path("data/backups/sequence/0000000002").c_str()), 0);
+  EXPECT_EQ(list()["backups"].Size(), 1U);
+  EXPECT_EQ(ask("/api/backups/sequence/2").status, 404);
+  ASSERT_EQ(::symlink(other.c_str(), unfinished.c_str()), 0);
+  EXPECT_EQ(put("/sequence", R"({"total":5})").status, 500);
+  EXPECT_EQ(contentOf("elsewhere"), "{\"number\":2}\n{\"total\":4}");
 }
 
 TEST_F(KeptTable, IsForItsOwnerOnly) {
