@@ -111,7 +111,10 @@ TEST_F(AbortsAtATime, MakeNothingOfWhatIsTorn) {
   const std::string begun = std::to_string(dateOfCommands());
   keep(end + begun + " 2\n{}");
   EXPECT_EQ(turn.sharedAnswer(), "{}");
-  const std::string cTorn[] = {"",
+  const std::string own = end + begun + " 99";
+  const std::string cTorn[] = {end + begun + ' ' + std::to_string(own.size()),
+                               end + begun + " \n",
+                               "",
                                "\n",
                                "{}",
                                "\n{}",

@@ -1,6 +1,7 @@
 // Commands of which nobody is left who could tell how they ended.
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -183,6 +184,28 @@ TEST_F(Interrupted, ThatCouldNotBeKeptIsNotBegun) {
   EXPECT_NE(answer.detail().find("GC_WEB_DATA"), std::string::npos);
   EXPECT_EQ(contentOf("runs"), "");
   EXPECT_EQ(contentOf("log"), "");
+}
+
+TEST_F(Interrupted, ThatCouldNotBeWrittenLeavesNothing) {
+  rlimit before = {};
+  ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+  const rlimit small = {10, before.rlim_max};
+  const auto action = std::signal(SIGXFSZ, SIG_IGN);
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+  const BegunCommand begun(path("data"), "0123456789abcdef", std::string(20, 'x') + '\n');
+  ::setrlimit(RLIMIT_FSIZE, &before);
+  std::signal(SIGXFSZ, action);
+  EXPECT_FALSE(begun.isKept());
+  EXPECT_EQ(::access(path("data/begun").c_str(), F_OK), 0);
+  EXPECT_NE(::access(path("data/begun/0123456789abcdef").c_str(), F_OK), 0);
+}
+
+TEST_F(Interrupted, HasAFileOfItsOwn) {
+  const BegunCommand first(path("data"), "0123456789abcdef", "first\n");
+  ASSERT_TRUE(first.isKept());
+  const BegunCommand second(path("data"), "0123456789abcdef", "second\n");
+  EXPECT_FALSE(second.isKept());
+  EXPECT_EQ(contentOf("data/begun/0123456789abcdef"), "first\n");
 }
 
 /// What a service manager sends to all processes of a service.
