@@ -12,7 +12,6 @@ namespace {
 
 struct CommandRow {
   std::uint32_t number;
-  const char* name;
   bool (*isAllowed)(const Behaviour&);
   void (*handler)(Behaviour&);
   bool isStart;  ///< that it is refused can set off an alarm
@@ -27,18 +26,17 @@ bool isAlways(const Behaviour& /*aBehaviour*/) {
 }
 
 constexpr CommandRow cCommands[] = {
-    {0, "start run", [](const Behaviour& b) { return b.canStartRun(); },
-     [](Behaviour& b) { b.startRun(); }, true},
-    {1, "abort run", [](const Behaviour& b) { return b.isBusy(); },
-     [](Behaviour& b) { b.abortRun(); }, false},
-    {16, "start automation", [](const Behaviour& b) { return b.canStartAutomation(); },
+    {0, [](const Behaviour& b) { return b.canStartRun(); }, [](Behaviour& b) { b.startRun(); },
+     true},
+    {1, [](const Behaviour& b) { return b.isBusy(); }, [](Behaviour& b) { b.abortRun(); }, false},
+    {16, [](const Behaviour& b) { return b.canStartAutomation(); },
      [](Behaviour& b) { b.startAutomation(); }, true},
-    {17, "stop automation", [](const Behaviour& b) { return b.canStopAutomation(); },
+    {17, [](const Behaviour& b) { return b.canStopAutomation(); },
      [](Behaviour& b) { b.stopAutomation(); }, false},
-    {19, "insert sequence line", &canInsertLine, &insertLine, false},
-    {22, "clear sequence", &takesSettings, &clearSequence, false},
-    {26, "clear calibration", &takesSettings, &clearCalibration, false},
-    {35, "reset alarms", &isAlways, &resetAlarms, false},
+    {19, &canInsertLine, &insertLine, false},
+    {22, &takesSettings, &clearSequence, false},
+    {26, &takesSettings, &clearCalibration, false},
+    {35, &isAlways, &resetAlarms, false},
 };
 
 }  // namespace

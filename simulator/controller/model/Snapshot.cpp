@@ -36,10 +36,10 @@ rapidjson::Value Behaviour::describe(rapidjson::Document::AllocatorType& aAlloca
   snapshot.AddMember("time", std::min(std::floor(mNow + mNoiseBegin), cLongest), aAllocator);
   snapshot.AddMember("state", mPhase.state, aAllocator);
   if (mPhase.state == eRunning) {
-    snapshot.AddMember("elapsed", std::clamp(mNow - mPhase.since, 0.0, cLongest), aAllocator);
+    snapshot.AddMember("elapsed", std::min(mNow - mPhase.since, cLongest), aAllocator);
   }
   if (mPhase.activity != eActivity::eWaiting && std::isfinite(mPhase.until)) {
-    snapshot.AddMember("left", std::clamp(mPhase.until - mNow, 0.0, cLongest), aAllocator);
+    snapshot.AddMember("left", std::min(mPhase.until - mNow, cLongest), aAllocator);
   }
   snapshot.AddMember("undisturbed", undisturbed, aAllocator);
   snapshot.AddMember("held", held, aAllocator);

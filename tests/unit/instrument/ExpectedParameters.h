@@ -21,21 +21,22 @@ struct ExpectedSteps {
   std::uint32_t last;
   bool isReal;
   double highest;  ///< the lowest is 0
+  const char* unit;
 };
 
 constexpr ExpectedSteps cExpectedSteps[] = {
-    {"mSlotNr", 0, 10, false, 1},        {"mRunType", 1, 20, false, 3},
-    {"mRepeat", 1, 20, false, 999},      {"mStream", 1, 20, false, 46},
-    {"mCalib", 1, 20, false, 1},         {"mSolution", 1, 20, false, 10},
-    {"mFlushTime", 1, 20, true, 60},     {"mRT1", 1, 400, true, 60},
-    {"mRT2", 1, 400, true, 60},          {"mRT3", 1, 400, true, 60},
-    {"mRT4", 1, 400, true, 60},          {"mLevelAmt1", 1, 400, true, 1e6},
-    {"mLevelAmt2", 1, 400, true, 1e6},   {"mLevelAmt3", 1, 400, true, 1e6},
-    {"mLevelAmt4", 1, 400, true, 1e6},   {"mLinearCoef1", 1, 400, true, 1e6},
-    {"mLinearCoef2", 1, 400, true, 1e6}, {"mLinearCoef3", 1, 400, true, 1e6},
-    {"mLinearCoef4", 1, 400, true, 1e6}, {"mAlarmOn", 1, 38, false, 4},
-    {"mAlarmOnAll", 1, 38, false, 1},    {"mGroupID", 1, 38, false, 12},
-    {"mParamID", 1, 38, false, 400},     {"mTriggered", 1, 38, false, 1},
+    {"mSlotNr", 0, 10, false, 1, ""},        {"mRunType", 1, 20, false, 3, ""},
+    {"mRepeat", 1, 20, false, 999, ""},      {"mStream", 1, 20, false, 46, ""},
+    {"mCalib", 1, 20, false, 1, ""},         {"mSolution", 1, 20, false, 10, ""},
+    {"mFlushTime", 1, 20, true, 60, "min"},  {"mRT1", 1, 400, true, 60, "min"},
+    {"mRT2", 1, 400, true, 60, "min"},       {"mRT3", 1, 400, true, 60, "min"},
+    {"mRT4", 1, 400, true, 60, "min"},       {"mLevelAmt1", 1, 400, true, 1e6, ""},
+    {"mLevelAmt2", 1, 400, true, 1e6, ""},   {"mLevelAmt3", 1, 400, true, 1e6, ""},
+    {"mLevelAmt4", 1, 400, true, 1e6, ""},   {"mLinearCoef1", 1, 400, true, 1e6, ""},
+    {"mLinearCoef2", 1, 400, true, 1e6, ""}, {"mLinearCoef3", 1, 400, true, 1e6, ""},
+    {"mLinearCoef4", 1, 400, true, 1e6, ""}, {"mAlarmOn", 1, 38, false, 4, ""},
+    {"mAlarmOnAll", 1, 38, false, 1, ""},    {"mGroupID", 1, 38, false, 12, ""},
+    {"mParamID", 1, 38, false, 400, ""},     {"mTriggered", 1, 38, false, 1, ""},
 };
 
 constexpr ExpectedParameter cExpectedParameters[] = {

@@ -192,6 +192,10 @@ TEST(ScenarioFile, BoundsAreThoseOfTheParameters) {
 
 namespace {
 
+std::string stepMember(const std::string& aName, std::uint32_t aStep, const std::string& aValue) {
+  return "\"" + aName + "[" + std::to_string(aStep) + "]\": " + aValue;
+}
+
 /// As many lines, alarm rows, and peaks of a channel as there can be, and these parameters.
 std::string withFullTables(const std::string& aMembers, int aPeakChannel) {
   const auto rows = [](int aCount, const std::string& aRow) {
@@ -226,15 +230,15 @@ TEST(ScenarioFile, BoundsOfLinesPeaksAndRowsAreThoseOfTheParameters) {
     for (double bound : {0.0, row.highest}) {
       std::string every;
       for (std::uint32_t step = row.first; step <= row.last; ++step) {
-        every += (every.empty() ? "\"" : ", \"") + name + "[" + std::to_string(step) +
-                 "]\": " + number(bound);
+        every += every.empty() ? "" : ", ";
+        every += stepMember(name, step, number(bound));
       }
       EXPECT_EQ(full(every), "");
     }
     for (std::uint32_t step : {row.first, row.last}) {
       const std::string member = name + "[" + std::to_string(step) + "]";
       const auto with = [&](const std::string& aValue) {
-        return full("\"" + member + "\": " + aValue);
+        return full(stepMember(name, step, aValue));
       };
       EXPECT_EQ(with(number(-1.0)), "/parameters/" + member + ": too small");
       EXPECT_EQ(with(number(row.highest + 1.0)), "/parameters/" + member + ": too large");

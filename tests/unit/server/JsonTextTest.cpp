@@ -130,10 +130,11 @@ TEST(IsShallow, CountsObjectsAndArraysWithinEachOther) {
   EXPECT_TRUE(isShallow(std::string(100, '[') + std::string(100, ']')));
   EXPECT_FALSE(isShallow(std::string(101, '[') + std::string(101, ']')));
   EXPECT_FALSE(isShallow(std::string(1000000, '[') + std::string(1000000, ']')));
-  std::string objects = "1";
+  std::string objects;
   for (int n = 0; n < 100; ++n) {
-    objects = "{\"a\":" + objects + "}";
+    objects += "{\"a\":";
   }
+  objects += "1" + std::string(100, '}');
   EXPECT_TRUE(isShallow(objects));
   EXPECT_FALSE(isShallow("{\"a\":" + objects + "}"));
   EXPECT_FALSE(isShallow("[" + objects + "]"));
