@@ -34,8 +34,9 @@ std::int64_t lastBegun(const FileLock& aCommands) {
 
 bool markCommandBegun(const FileLock& aCommands) {
   // A date takes no space, which a full folder might not have.
+  const std::int64_t time = now();
   const std::array<timespec, 2> times = {
-      {{0, UTIME_OMIT}, {now() / 1000000000, now() % 1000000000}}};
+      {{0, UTIME_OMIT}, {time / 1000000000, static_cast<long>(time % 1000000000)}}};
   return ::futimens(aCommands.file(), times.data()) == 0;
 }
 

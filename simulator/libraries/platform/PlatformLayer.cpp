@@ -6,6 +6,9 @@
 
 namespace {
 
+// A controller outlives the dates that 32 bits hold.
+static_assert(sizeof(std::time_t) >= 8);
+
 template <class Number>
 void store(Number* place, Number value) {
   if (place != nullptr) {

@@ -155,7 +155,7 @@ TEST(VerdictOfTheTool, SaysHowFarADownloadGot) {
 TEST(VerdictOfTheTool, IsUnknownWhenTheToolDoesNotSay) {
   const struct {
     Outcome outcome;
-    bool isUnknown;
+    bool isUnknown = false;
   } cEnds[] = {
       {{false, false, false, 0, "", ""}, false},
       {{true, true, false, 0, "", ""}, true},
