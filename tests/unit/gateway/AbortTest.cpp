@@ -153,6 +153,20 @@ TEST_F(Aborted, IsEndedWhenTheInstrumentDoesNotAnswer) {
   EXPECT_EQ(logged("ended").size(), 2U);
 }
 
+TEST_F(Aborted, WaitsAsLongAsAnotherMayTake) {
+  limits.abort = std::chrono::seconds(60);
+  limits.otherCommand = std::chrono::seconds(0);
+  const FileLock other(path("abort-now.lock"));
+  ASSERT_TRUE(other.tryLock());
+  toolDoes(std::string("out ") + cAccepted);
+  setCommand("POST", "/abort", cNow);
+  const pid_t waiting = doElsewhere("waiting");
+  whenItWaits(waiting);
+  other.unlock();
+  expectGoodEnd(waiting);
+  EXPECT_EQ(Received(contentOf("waiting")).status, 200);
+}
+
 TEST_F(Aborted, SaysWhenAnotherDoesNotEnd) {
   limits.abort = std::chrono::milliseconds(10);
   limits.otherCommand = std::chrono::milliseconds(10);

@@ -1,4 +1,8 @@
 // What people read when something is refused, word by word.
+#include <sys/resource.h>
+
+#include <csignal>
+
 #include "Bench.h"
 #include "FileLock.h"
 
@@ -108,6 +112,21 @@ TEST_F(Told, IsWhatIsWrongWithAReport) {
   input = before;
   input.variables["GC_WEB_STATE"] = "/nothing";
   EXPECT_EQ(ask("/api/status").detail(), "GC_WEB_STATE is no folder to write to.");
+}
+
+TEST_F(Told, IsThatAFileCannotBeKept) {
+  rlimit before = {};
+  ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+  const rlimit small = {30000, before.rlim_max};
+  const auto action = std::signal(SIGXFSZ, SIG_IGN);
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+  const Received answer =
+      command("PUT", "/calibration", R"({"total": 0)" + std::string(40000, ' ') + '}');
+  ::setrlimit(RLIMIT_FSIZE, &before);
+  std::signal(SIGXFSZ, action);
+  EXPECT_EQ(answer.status, 500);
+  EXPECT_EQ(answer.detail(), "The file cannot be kept; nothing was done.");
+  EXPECT_EQ(contentOf("log"), "");
 }
 
 TEST_F(Told, IsWhyATableWasNotSent) {
