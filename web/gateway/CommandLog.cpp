@@ -129,10 +129,16 @@ std::string seenLine(const CommandEntry& aEntry) {
 }
 
 CommandLog::CommandLog(const std::string& aPath)
-    : mFolder(parentOf(aPath)),
-      mFile(::open(aPath.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC, 0640)) {}
+    : mPath(aPath), mFile(::open(aPath.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC, 0640)) {}
 
 bool CommandLog::add(const std::string& aLine) const {
+  if (isRotated()) {
+    // The old file may be compressed at this moment, and removed then with what is added to it.
+    const CommandLog present(mPath);
+    if (present.isOpen() && present.write(aLine, 0)) {
+      return true;
+    }
+  }
   return write(aLine, 0);
 }
 
@@ -140,17 +146,26 @@ bool CommandLog::addFirstOfTwo(const std::string& aLine) const {
   return write(aLine, aLine.size() + cRoomForTheEnd);
 }
 
+/// Whether the file has not the log's name any more.
+bool CommandLog::isRotated() const {
+  struct stat opened = {};
+  struct stat named = {};
+  return ::fstat(mFile.get(), &opened) != 0 || ::stat(mPath.c_str(), &named) != 0 ||
+         opened.st_dev != named.st_dev || opened.st_ino != named.st_ino;
+}
+
 bool CommandLog::write(const std::string& aLine, std::size_t aRoom) const {
   struct stat file = {};
   // An abort is logged beside another command; each holds the lock for one line.
-  if (::flock(mFile.get(), LOCK_EX) != 0 || ::fstat(mFile.get(), &file) != 0) {
+  if (::flock(mFile.get(), LOCK_EX) != 0 || ::fstat(mFile.get(), &file) != 0 ||
+      file.st_nlink == 0) {
     return false;
   }
   const std::string text = isTorn(mFile.get(), file.st_size) ? '\n' + aLine : aLine;
   const bool isWritten =
       setAside(mFile.get(), file.st_size, text.size() + aRoom) &&
       ::write(mFile.get(), text.data(), text.size()) == static_cast<ssize_t>(text.size()) &&
-      ::fdatasync(mFile.get()) == 0 && (file.st_size > 0 || syncFolder(mFolder));
+      ::fdatasync(mFile.get()) == 0 && (file.st_size > 0 || syncFolder(parentOf(mPath)));
   if (!isWritten) {
     static_cast<void>(::ftruncate(mFile.get(), file.st_size));
   }

@@ -32,8 +32,9 @@ class CommandLog {
   explicit CommandLog(const std::string& aPath);
 
   bool isOpen() const { return mFile.isOpen(); }
-  /// Adds a line behind all others, and to none that an interruption has left torn. True when it is
-  /// on the disk; otherwise nothing of it is in the file.
+  /// Adds a line behind all others, and to none that an interruption has left torn; in the new file
+  /// when the log has been rotated meanwhile. True when it is on the disk; otherwise nothing of it
+  /// is in the file.
   bool add(const std::string& aLine) const;
   /// The same, and sees to it that the line about the end will have room.
   bool addFirstOfTwo(const std::string& aLine) const;
@@ -41,6 +42,8 @@ class CommandLog {
  private:
   bool write(const std::string& aLine, std::size_t aRoom) const;
 
-  std::string mFolder;
+  bool isRotated() const;
+
+  std::string mPath;
   Descriptor mFile;
 };

@@ -164,6 +164,46 @@ TEST_F(LogOfCommands, HasNoEmptyLine) {
   EXPECT_EQ(contentOf("log"), "one\ntwo\n");
 }
 
+TEST_F(LogOfCommands, GoesOnInTheNewFileAfterARotation) {
+  for (const bool isKept : {true, false}) {
+    const CommandLog log(path("log"));
+    EXPECT_TRUE(log.addFirstOfTwo("begun\n"));
+    ASSERT_EQ(::rename(path("log").c_str(), path("log.1").c_str()), 0);
+    if (!isKept) {
+      ASSERT_EQ(::unlink(path("log.1").c_str()), 0);
+    }
+    EXPECT_TRUE(log.add("ended\n"));
+    EXPECT_EQ(contentOf("log"), "ended\n");
+    EXPECT_EQ(contentOf("log.1"), isKept ? "begun\n" : "");
+    ASSERT_EQ(::unlink(path("log").c_str()), 0);
+  }
+}
+
+/// There it has room; in a file without a name nobody would find it.
+TEST_F(LogOfCommands, StaysInTheOldFileWhenThereIsNoNewOne) {
+  const CommandLog log(path("log"));
+  EXPECT_TRUE(log.addFirstOfTwo("begun\n"));
+  ASSERT_EQ(::rename(path("log").c_str(), path("log.1").c_str()), 0);
+  ASSERT_EQ(::mkdir(path("log").c_str(), 0700), 0);
+  EXPECT_TRUE(log.add("ended\n"));
+  EXPECT_EQ(contentOf("log.1"), "begun\nended\n");
+  ASSERT_EQ(::unlink(path("log.1").c_str()), 0);
+  EXPECT_FALSE(log.add("ended\n"));
+}
+
+TEST_F(LogOfCommands, ThatIsRotatedHasBothLinesOfACommand) {
+  const std::string open = fifo("open");
+  toolDoes("await " + open + "\nout " + cAccepted);
+  limits.command = std::chrono::milliseconds(30);
+  answerCommand(input, limits, [&](const std::string&) {
+    EXPECT_EQ(logged("begun").size(), 1U);
+    EXPECT_EQ(::unlink(path("log").c_str()), 0);
+    letGoOn(whenAwaited(open));
+  });
+  EXPECT_EQ(logged("ended").size(), 1U);
+  EXPECT_TRUE(filesIn("data/begun").empty());
+}
+
 TEST_F(LogOfCommands, ThatCannotBeOpenedLetsNothingBegin) {
   toolDoes("note " + path("runs"));
   input.variables["GC_WEB_LOG"] = path("nothing/log");
