@@ -106,12 +106,14 @@ Answer judgeSilence(eOperation aOperation, std::optional<int> aFailure) {
 
 constexpr char cFileRefused[] = "Format Invalid";
 
+/// Whether the tool says that it did not get as far as the instrument. Two codes are for that;
+/// where a call has failed, they are the call's.
+bool isUnreached(unsigned aCode, std::optional<int> aFailure) {
+  return (aCode == 1 || aCode == 10053) && !aFailure.has_value();
+}
+
 /// Status of a printed result object.
 int judgeResult(unsigned aCode, const std::string& aMessage, bool aHasFailed) {
-  // The two codes with which the tool says that it did not get as far as the instrument.
-  if (aCode == 1 || aCode == 10053) {
-    return 503;
-  }
   // A file that is no sequence is refused with code 0. No other words tell anything.
   return aCode != 0 || aHasFailed || aMessage == cFileRefused ? 409 : 200;
 }
@@ -140,24 +142,28 @@ Answer judgeDocument(eOperation aOperation, const std::string& aOutput,
   const bool hasMessage = member != document.MemberEnd() && member->value.IsString();
   const std::string message = hasMessage ? member->value.GetString() : "";
   const unsigned number = code->value.GetUint();
+  if (isUnreached(number, aFailure)) {
+    return {503, aOutput, cResultSchema, "Retry-After: 5\r\n"};
+  }
   if (const auto answer =
           judgeUnanswered(aOperation, statusOf(number, message, aFailure), message)) {
     return *answer;
   }
-  const int status = judgeResult(number, message, aFailure.has_value());
-  return {status, aOutput, cResultSchema, status == 503 ? "Retry-After: 5\r\n" : ""};
+  return {judgeResult(number, message, aFailure.has_value()), aOutput, cResultSchema, ""};
 }
 
 }  // namespace
 
 Answer judge(eOperation aOperation, const Outcome& aOutcome) {
   if (!aOutcome.started) {
-    return problem(502, "The tool could not be started.");
+    return problem(502, "The tool could not be started; nothing was done.");
   }
   if (aOutcome.late) {
-    return outcomeUnknown(aOperation, 504,
-                          isReport(aOperation) ? "The instrument did not answer in time."
-                                               : "The command is still going on.");
+    // What is late is ended, but for commands that others may have to wait for.
+    const bool isEnded = isReport(aOperation) || isAbort(aOperation);
+    return outcomeUnknown(
+        aOperation, 504,
+        isEnded ? "The instrument did not answer in time." : "The command is still going on.");
   }
   if (aOutcome.tooMuch) {
     return outcomeUnknown(aOperation, 502, "The tool printed too much.");

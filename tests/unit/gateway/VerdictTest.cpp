@@ -53,6 +53,7 @@ constexpr Expected cDocuments[] = {
     {cRun, cNotReached, "", 503},
     {cRun, cNotStarted, "", 503},
     {eOperation::eStream, cNotReached, "", 503},
+    {cRun, R"({"ErrorCode": 1, "Msg": "Refused"})", "Execute failed 1.\n", 409},
 };
 
 TEST(VerdictOfTheTool, FollowsTheDocument) {
@@ -122,6 +123,7 @@ TEST(VerdictOfTheTool, IsUnknownWithoutTheInstrumentsWord) {
       {107, "Execute failed 107.\n", "it did not answer in time"},
       {108, "Execute failed 108.\n", "the connection was lost"},
       {109, "Execute failed 109.\n", "its answer was not understood"},
+      {10053, "Execute failed 10053.\n", "the connection was lost"},
       {4294967295U, "Execute failed -1.\n", "the client library failed"},
   };
   for (const auto& row : cStatuses) {
