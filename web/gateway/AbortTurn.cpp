@@ -62,6 +62,8 @@ std::optional<std::string> AbortTurn::sharedAnswer() const {
 }
 
 void AbortTurn::begin() {
+  // What is there if this one is killed must not be taken for its answer.
+  static_cast<void>(::ftruncate(mAborts.file(), 0));
   mIsAlone = mCommands.tryLock();
   mLastCommand = lastBegun(mCommands);
   if (mIsAlone) {

@@ -24,8 +24,9 @@ constexpr int cCannotExecute = 127;
 constexpr int cFarewells[] = {SIGPIPE, SIGTERM, SIGINT, SIGHUP};
 // Higher than any number that the tool finds its files under.
 constexpr int cOutOfTheWay = 16;
-// Longer than the gateway itself, which knows what to say when it ends the tool.
-constexpr std::chrono::seconds cAfterTheGateway{30};
+// Longer than the gateway itself, which knows what to say when it ends the tool; but shorter than
+// another abort waits for the one before (Limits::otherCommand).
+constexpr std::chrono::seconds cAfterTheGateway{4};
 
 /// Milliseconds that may be waited in one go; 0 when the time is over.
 int waitBefore(Clock::time_point aTime) {

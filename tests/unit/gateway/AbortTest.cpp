@@ -1,11 +1,13 @@
 // Aborts wait for no other command, and share the answer of one another.
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <fstream>
 
+#include "AbortTurn.h"
 #include "Bench.h"
 #include "FileLock.h"
 
@@ -148,6 +150,7 @@ TEST_F(Aborted, IsEndedWhenTheInstrumentDoesNotAnswer) {
   const Received answer = command("POST", "/abort", cNow);
   EXPECT_EQ(answer.status, 504);
   EXPECT_STREQ(answer.document()["outcome"].GetString(), "unknown");
+  EXPECT_EQ(answer.detail().rfind("The instrument did not answer in time.", 0), 0U);
   toolDoes(std::string("out ") + cAccepted);
   EXPECT_EQ(command("POST", "/abort", cNow).status, 200);
   EXPECT_EQ(logged("ended").size(), 2U);
@@ -178,6 +181,39 @@ TEST_F(Aborted, SaysWhenAnotherDoesNotEnd) {
   EXPECT_NE(answer.detail().find("not begun"), std::string::npos);
   EXPECT_EQ(contentOf("runs"), "");
   EXPECT_EQ(contentOf("log"), "");
+}
+
+/// The folder may have been kept from an earlier start of the system, whose clock was ahead.
+TEST_F(Aborted, SharesNoAnswerFromBeforeTheOther) {
+  const std::string open = fifo("open");
+  toolDoes("note " + path("runs") + "\nawait " + open);
+  {
+    const FileLock commands(path("command.lock"));
+    ASSERT_TRUE(markCommandBegun(commands));
+  }
+  struct stat mark = {};
+  ASSERT_EQ(::stat(path("command.lock").c_str(), &mark), 0);
+  const long long begun = mark.st_mtim.tv_sec * 1000000000LL + mark.st_mtim.tv_nsec;
+  write("abort-now.lock", "99999999999999999 " + std::to_string(begun) + " 3\nabc");
+  setCommand("POST", "/abort", cNow);
+  const pid_t first = doElsewhere();
+  const Descriptor end = whenAwaited(open);
+  toolDoes("note " + path("runs") + "\nout " + cAccepted);
+  const pid_t second = doElsewhere("second");
+  whenItWaits(second);
+  ::kill(first, SIGKILL);
+  EXPECT_EQ(::waitpid(first, nullptr, 0), first);
+  letGoOn(end);
+  expectGoodEnd(second);
+  EXPECT_EQ(contentOf("runs"), "run\nrun\n");
+}
+
+/// The next one waits for it, and would give up before its turn.
+TEST_F(Aborted, IsEndedInTimeForTheNextWithoutAGateway) {
+  toolDoes("describe 0");
+  const Received answer = command("POST", "/abort", cNow);
+  EXPECT_LT(std::chrono::seconds(answer.document()["alarm"].GetInt()),
+            limits.abort + Limits().otherCommand);
 }
 
 TEST_F(Aborted, MakesNothingOfATornAnswer) {
