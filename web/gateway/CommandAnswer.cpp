@@ -24,14 +24,24 @@
 
 namespace {
 
-constexpr char cNoState[] = "GC_WEB_STATE is no folder to write to; nothing was done.";
-constexpr char cNoLog[] = "GC_WEB_LOG cannot be written to; nothing was done.";
-constexpr char cNoData[] = "GC_WEB_DATA is no folder to write to; nothing was done.";
+constexpr char cNoState[] =
+    "The folder GC_WEB_STATE cannot be written to; nothing was done. Is it there, the web server's "
+    "own, and not full?";
+constexpr char cNoLog[] =
+    "The log of commands (GC_WEB_LOG) cannot be written to; nothing was done. Is its folder there, "
+    "the web server's own, and the disk not full?";
+constexpr char cNoData[] =
+    "The folder GC_WEB_DATA cannot be written to; nothing was done. Is it there, the web server's "
+    "own, and the disk not full?";
+constexpr char cTooLate[] =
+    "The machine was so slow that the command could not begin in time; nothing was done. Try "
+    "again.";
 
 /// A command that is asked for, and all that it needs on its way.
 struct Order {
   cgicc::CgiInput& input;
   const Limits& limits;
+  Clock::time_point asked = Clock::now();
   Settings settings = {};
   std::string body = {};
   CommandEntry entry = {};
@@ -94,13 +104,16 @@ std::optional<Answer> keepTable(const Order& aOrder) {
     return present.status == 503
                ? present
                : problem(present.status == 504 ? 504 : 502,
-                         "The present table could not be read, so none was sent.");
+                         "The present table could not be read, so none was sent: the instrument "
+                         "keeps the one that it has. Try again.");
   }
   const CommandEntry& entry = aOrder.entry;
   const auto download = tableFileOf(table, present.body);
   if (!download ||
       !keepBackup(aOrder.settings.data, table, {entry.id, entry.user, entry.address}, *download)) {
-    return problem(500, "The present table cannot be kept in GC_WEB_DATA, so none was sent.");
+    return problem(500,
+                   "The present table cannot be kept in GC_WEB_DATA, so none was sent: the "
+                   "instrument keeps the one that it has. Is the disk full?");
   }
   return std::nullopt;
 }
@@ -164,6 +177,15 @@ void begin(Order& order, const FileLock& aLock, const Reply& aReply) {
     aReply(render(problem(500, cNoLog)));
     return;
   }
+  if (Clock::now() > order.asked + order.limits.begin) {
+    // A disk can hold everything up. Who asked is told something else by then, and may ask again.
+    const Answer late = problem(500, cTooLate);
+    if (log.add(endedLine(entry, late.status, late.body))) {
+      begun.forget();
+    }
+    aReply(render(late));
+    return;
+  }
   carryOut(order, log, begun, aLock, aReply);
 }
 
@@ -174,7 +196,8 @@ void abort(Order& order, const FileLock& aLock, const FileLock& aCommands, const
   if (!aLock.tryLock()) {
     // The other is ended in that time.
     if (!aLock.lockUntil(Clock::now() + order.limits.abort + order.limits.otherCommand)) {
-      aReply(render(problem(504, "Another abort is still going on; this one was not begun.")));
+      aReply(render(
+          problem(504, "Another abort is still going on, so this one was not begun. Try again.")));
       return;
     }
     if (const std::optional<std::string> answer = turn.sharedAnswer()) {
@@ -192,7 +215,9 @@ void abort(Order& order, const FileLock& aLock, const FileLock& aCommands, const
 
 void command(Order& order, const FileLock& aLock, const Reply& aReply) {
   if (!aLock.lockUntil(Clock::now() + order.limits.otherCommand)) {
-    aReply(render(problem(409, "Another command is still going on.")));
+    aReply(render(problem(409,
+                          "Another command is still going on, so this one was not begun. Try "
+                          "again when it has ended.")));
     return;
   }
   ignoreFarewells();

@@ -27,6 +27,7 @@ struct Limits {
   std::chrono::milliseconds command{120000};     ///< then it goes on without the browser
   std::chrono::milliseconds hung{3600000};       ///< then the command is ended too: it never will
   std::chrono::milliseconds abort{20000};        ///< then it is ended, for the next one to try
+  std::chrono::milliseconds begin{29000};        ///< since the request; then no command begins
   std::chrono::milliseconds otherCommand{5000};  ///< waiting for one to end
   std::chrono::milliseconds otherStatus{25000};  ///< waiting for somebody else's answer
   std::chrono::milliseconds freshStatus{1000};   ///< how long an answer is shared

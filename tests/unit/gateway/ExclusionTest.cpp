@@ -46,11 +46,24 @@ TEST_F(CarriedOut, IsNotBegunWhileAnotherIs) {
     ASSERT_TRUE(other.tryLock());
     const Received answer = replyToCommand();
     EXPECT_EQ(answer.status, 409);
-    EXPECT_NE(answer.detail(), "");
+    EXPECT_NE(answer.detail().find("this one was not begun"), std::string::npos);
     EXPECT_EQ(contentOf("runs"), "");
     EXPECT_EQ(contentOf("log"), "");
   }
   EXPECT_EQ(replyToCommand().status, 200);
+}
+
+/// Whoever asked has given up by then.
+TEST_F(CarriedOut, IsNotWhenItCouldNotBeginInTime) {
+  toolDoes("note " + path("runs") + "\nout " + cAccepted);
+  limits.begin = std::chrono::milliseconds(-1);
+  const Received answer = replyToCommand();
+  EXPECT_EQ(answer.status, 500);
+  EXPECT_NE(answer.detail().find("nothing was done"), std::string::npos);
+  EXPECT_EQ(contentOf("runs"), "");
+  EXPECT_EQ(logged("begun").size(), 1U);
+  EXPECT_EQ(logged("ended").at(0)["status"], 500);
+  EXPECT_TRUE(filesIn("data/begun").empty());
 }
 
 TEST_F(CarriedOut, WaitsForAnotherToEnd) {

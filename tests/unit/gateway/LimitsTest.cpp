@@ -16,6 +16,11 @@ TEST(Limits, AreThoseOfTheManual) {
   EXPECT_EQ(limits.command, minutes(2));
   EXPECT_EQ(limits.hung, hours(1));
   EXPECT_EQ(limits.abort, seconds(20));
+  EXPECT_EQ(limits.begin, seconds(29));
+  // The web server gives up after 150 s.
+  EXPECT_LT(limits.begin + limits.command, seconds(150));
+  EXPECT_LT(limits.otherCommand + limits.report, limits.begin);
+  EXPECT_LT(limits.abort + limits.otherCommand, limits.begin);
   EXPECT_EQ(limits.otherCommand, seconds(5));
   EXPECT_EQ(limits.otherStatus, seconds(25));
   EXPECT_EQ(limits.freshStatus, milliseconds(1000));
