@@ -9,10 +9,14 @@ local function new_request(fields)
     req_attr = {
       ["request.remote-addr"] = fields.from or "192.0.2.7",
       ["request.method"] = fields.method or "POST",
+      ["uri.scheme"] = fields.plain and "http" or "https",
       ["uri.path"] = fields.path or "/api/command/login",
     },
     req_item = { http_status = 0 },
-    req_header = { Authorization = fields.login and "Digest" or nil },
+    req_header = {
+      Authorization = fields.login and 'Digest nc=1, response="' .. (fields.proof or "a1") .. '"'
+        or nil,
+    },
     req_env = {},
     resp_header = {},
   }
@@ -68,7 +72,10 @@ end
 local function ask(fields, verdict)
   local request = new_request(fields)
   local status = run(request)
-  if status == 0 and fields.login and verdict ~= "right" then
+  if status == 0 and fields.login and not request.req_header.Authorization then
+    request.resp_header["WWW-Authenticate"] = "Digest nonce=1"
+    status = 401
+  elseif status == 0 and fields.login and verdict ~= "right" then
     local stale = verdict == "stale" and ", stale=true" or ""
     request.resp_header["WWW-Authenticate"] = "Digest nonce=1" .. stale
     status = 401
@@ -295,6 +302,97 @@ function tests.logins_that_are_right_leave_no_line()
     guess(nil, "stale")
   end
   equal(#printed, 0)
+end
+
+local function login_once(proof, plain, from)
+  local status, request = ask({ login = true, plain = plain, proof = proof, from = from }, "right")
+  if status == 0 then
+    finish(request, 204)
+  end
+  return status
+end
+
+function tests.a_login_that_others_overhear_is_good_once()
+  equal(login_once("aa", true), 0)
+  equal(login_once("aa", true), 401)
+  equal(login_once("ab", true), 0)
+  equal(login_once("aa", true), 401)
+  equal(printed[1], "login: a login that was used before from 192.0.2.7")
+  -- They are no failures, and where nobody overhears them they may come again.
+  for _ = 1, 20 do
+    equal(login_once("aa", true), 401)
+    equal(login_once("ac", false), 0)
+  end
+  for _, own in ipairs({ "127.0.0.1", "127.9.9.9", "::1" }) do
+    equal(login_once("ad", true, own), 0)
+    equal(login_once("ad", true, own), 0)
+  end
+  for _, other in ipairs({ "128.0.0.1", "12.7.0.0", "1.127.0.0", "2001:db8::1", "::1:1" }) do
+    equal(login_once(other:gsub("%X", "f"), true, other), 0)
+    equal(login_once(other:gsub("%X", "f"), true, other), 401)
+  end
+  equal(login_once("ad", true), 0)
+end
+
+function tests.a_login_that_failed_is_not_used()
+  equal(ask({ login = true, plain = true, proof = "aa" }, "wrong"), 401)
+  equal(login_once("aa", true), 0)
+end
+
+function tests.a_login_is_remembered_for_ten_minutes_whenever_it_was()
+  for offset = 0, 1200, 30 do
+    restart()
+    login_once("aa", true)
+    for seconds = 30, offset, 30 do
+      time = time + 30
+      login_once(string.format("%x", seconds), true)
+    end
+    login_once("abc", true)
+    for seconds = 30, 600, 30 do
+      time = time + 30
+      login_once(string.format("f%x", seconds), true)
+    end
+    equal(login_once("abc", true), 401, offset)
+  end
+end
+
+function tests.a_login_that_nobody_asked_for_is_not_used()
+  -- As of a server without passwords, where anybody could fill the memory with them.
+  local request = new_request({ login = true, plain = true, proof = "aa" })
+  run(request)
+  request.req_attr["physical.path"] = "/program"
+  run(request)
+  equal(login_once("aa", true), 0)
+end
+
+function tests.logins_are_remembered_as_long_as_a_challenge_lives()
+  equal(login_once("aa", true), 0)
+  for _ = 1, 30 do
+    time = time + 20
+    equal(login_once(string.format("%x", time), true), 0)
+  end
+  equal(login_once("aa", true), 401)
+  time = time + 2000
+  equal(login_once("ab", true), 0)
+  equal(login_once("aa", true), 0)
+  time = time - 3000
+  equal(login_once("ac", true), 0)
+  equal(login_once("ac", true), 401)
+  equal(login_once("aa", true), 401)
+end
+
+function tests.a_limited_number_of_logins_is_remembered()
+  for n = 1, 45000 do
+    equal(login_once(string.format("%x", n), true), 0)
+  end
+  local kept = 0
+  for _, logins in ipairs({ gate.used, gate.used_before }) do
+    for _ in pairs(logins) do
+      kept = kept + 1
+    end
+  end
+  equal(kept, 15000)
+  equal(login_once(string.format("%x", 35001), true), 401)
 end
 
 -- Fills the places of one kind from as many addresses as it takes; returns how many there were.

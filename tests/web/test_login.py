@@ -84,12 +84,29 @@ def test_owner_who_allows_plain_http(simulator: StartSimulator, start_server: St
     server = start_server(*KNOWN_PROXY, OVER_HTTP)
     stranger = Browser(server.address)
     assert stranger.command("POST", "alarm-reset", {}, **STRANGER).status == 401
-    user = Browser(server.address, PASSWORD)
-    assert user.command("POST", "alarm-reset", {}, **STRANGER).status == 200
-    assert user.command("POST", "alarm-reset", {}, **SAFE).status == 200
-    assert user.command("POST", "alarm-reset", {}).status == 200
+    for way in (STRANGER, SAFE, {}):
+        user = Browser(server.address, PASSWORD)
+        assert user.command("POST", "alarm-reset", {}, **way).status == 200
     # The settings that every program gets are not lost by it.
     assert Browser(server.address).get("/api/alarms").status == 200
+
+
+def test_overheard_login_where_plain_http_is_allowed(
+    simulator: StartSimulator, start_server: StartServer
+) -> None:
+    """It is good once, whatever comes with it."""
+    simulator()
+    server = start_server(*KNOWN_PROXY, OVER_HTTP)
+    path = "/api/command/stream"
+    for _ in range(2):
+        login = {"Authorization": Browser(server.address, PASSWORD).authorization("PUT", path)}
+        headers = {**HEADERS, **STRANGER, **login}
+        statuses = [
+            Browser(server.address).request("PUT", path, b'{"stream": %d}' % stream, headers).status
+            for stream in (1, 1, 2, 3)
+        ]
+        assert statuses == [204, 401, 401, 401]
+    assert [line["command"] for line in server.commands()] == [["-V", "1"], ["-V", "1"]]
 
 
 def fail_until_refused(browser: Browser) -> tuple[int, Answer]:

@@ -20,11 +20,14 @@ local PLACES = {
 local FREE_FAILURES = 10 -- of one address; another is forgotten every second
 local ADDRESSES = 512 -- that are remembered, and once more as many
 local LINES = 60 -- in the log of errors, in a minute
+local LIFE = 600 -- seconds for which lighttpd takes a challenge
+local LOGINS = 10000 -- that are remembered, and once more as many
 
 -- Kept from one request to the next, as long as the server runs.
 local state = _G.gate
 if not state then
-  state = { taken = {}, failures = {}, older = {}, known = 0, minute = 0, lines = 0, unsaid = 0 }
+  state = { taken = {}, failures = {}, older = {}, known = 0, minute = 0, lines = 0, unsaid = 0,
+    used = {}, used_before = {}, uses = 0, since = 0 }
   _G.gate = state
 end
 
@@ -104,6 +107,24 @@ local function remember(owner, entry)
   state.known = state.known + 1
 end
 
+-- What proves the password in this request, where others can overhear it; else nil.
+local function proof()
+  local address = attributes["request.remote-addr"]
+  local isPrivate = attributes["uri.scheme"] == "https" or address:find("^127%.") or address == "::1"
+  return not isPrivate and request.req_header["Authorization"]:match('response="?(%x+)') or nil
+end
+
+-- Takes note of a proof that was accepted. Only who knows the password can add any.
+local function use(proven)
+  local age = lighty.c.time() - state.since
+  if age > LIFE or state.uses >= LOGINS then
+    state.used_before, state.used, state.uses = age > 2 * LIFE and {} or state.used, {}, 0
+    state.since = lighty.c.time()
+  end
+  state.used[proven] = true
+  state.uses = state.uses + 1
+end
+
 -- A password is a failure until it has proved to be right: many at a time are no way around.
 local function begin_login(owner)
   local entry = failures_of(owner) or { count = 0, time = lighty.c.time(), told = -1 }
@@ -116,6 +137,13 @@ local function begin_login(owner)
     end
     return refuse("Too many wrong passwords came from this address. Nothing was done; wait a "
       .. "few seconds and try again.")
+  end
+  local proven = proof()
+  if proven and (state.used[proven] or state.used_before[proven]) then
+    -- Sent again by whoever overheard it: as if it were not there.
+    request.req_header["Authorization"] = nil
+    log("a login that was used before from " .. attributes["request.remote-addr"])
+    return 0
   end
   entry.count = entry.count + 1
   variables[MARK] = "login"
@@ -209,5 +237,9 @@ end
 if variables[MARK] == "login" then
   forgive(owner)
   variables[MARK] = "in"
+  local proven = variables["REMOTE_USER"] and proof()
+  if proven then
+    use(proven)
+  end
 end
 return come_in(owner)
