@@ -41,9 +41,15 @@ TEST_F(Told, IsWhatIsWrongWithARequest) {
       {"PATH_INFO", "/nothing", 404, "There is no such command."},
       {"REQUEST_METHOD", "GET", 405, "Only POST can be asked for here."},
       {"GC_WEB_TOOL", "", 500, "GC_WEB_TOOL is not set."},
-      {"GC_WEB_STATE", "/nothing", 500, "GC_WEB_STATE is no folder to write to; nothing was done."},
-      {"GC_WEB_DATA", "/nothing", 500, "GC_WEB_DATA is no folder to write to; nothing was done."},
-      {"GC_WEB_LOG", "/nothing/log", 500, "GC_WEB_LOG cannot be written to; nothing was done."},
+      {"GC_WEB_STATE", "/nothing", 500,
+       "The folder GC_WEB_STATE cannot be written to; nothing was done. Is it there, the web "
+       "server's own, and not full?"},
+      {"GC_WEB_DATA", "/nothing", 500,
+       "The folder GC_WEB_DATA cannot be written to; nothing was done. Is it there, the web "
+       "server's own, and the disk not full?"},
+      {"GC_WEB_LOG", "/nothing/log", 500,
+       "The log of commands (GC_WEB_LOG) cannot be written to; nothing was done. Is its folder "
+       "there, the web server's own, and the disk not full?"},
   };
   for (const auto& row : cRows) {
     const auto good = input.variables;
@@ -96,10 +102,20 @@ TEST_F(Told, IsWhatIsInTheWay) {
   const FileLock aborts(path("abort-now.lock"));
   const FileLock status(path("status.answer"));
   ASSERT_TRUE(commands.tryLock() && aborts.tryLock() && status.tryLock());
-  EXPECT_EQ(replyToCommand().detail(), "Another command is still going on.");
+  EXPECT_EQ(
+      replyToCommand().detail(),
+      "Another command is still going on, so this one was not begun. Try again when it has ended.");
   EXPECT_EQ(command("POST", "/abort", R"({"when": "now"})").detail(),
-            "Another abort is still going on; this one was not begun.");
+            "Another abort is still going on, so this one was not begun. Try again.");
   EXPECT_EQ(ask("/api/status").detail(), "Somebody else's request for the status has not ended.");
+}
+
+TEST_F(Told, IsWhenTheMachineIsTooSlow) {
+  limits.begin = std::chrono::milliseconds(-1);
+  EXPECT_EQ(
+      replyToCommand().detail(),
+      "The machine was so slow that the command could not begin in time; nothing was done. Try "
+      "again.");
 }
 
 TEST_F(Told, IsWhatIsWrongWithAReport) {
@@ -133,12 +149,17 @@ TEST_F(Told, IsWhyATableWasNotSent) {
   toolDoes(std::string("out ") + cAccepted, R"({"ErrorCode": 5, "Msg": "No"})");
   const Received unread = command("PUT", "/calibration", R"({"total": 0})");
   EXPECT_EQ(unread.status, 502);
-  EXPECT_EQ(unread.detail(), "The present table could not be read, so none was sent.");
+  EXPECT_EQ(unread.detail(),
+            "The present table could not be read, so none was sent: the instrument keeps the one "
+            "that it has. Try again.");
   toolDoes(std::string("out ") + cAccepted);
   input.variables["GC_WEB_DATA"] = "/nothing";
   const Received unkept = command("PUT", "/calibration", R"({"total": 0})");
   EXPECT_EQ(unkept.status, 500);
-  EXPECT_EQ(unkept.detail(), "The present table cannot be kept in GC_WEB_DATA, so none was sent.");
+  EXPECT_EQ(
+      unkept.detail(),
+      "The present table cannot be kept in GC_WEB_DATA, so none was sent: the instrument keeps "
+      "the one that it has. Is the disk full?");
 }
 
 }  // namespace
