@@ -19,7 +19,7 @@ export type Answer<T> = (
 };
 
 /** Milliseconds that an answer may take: a little more than the gateway takes to say that there is none. */
-export const timeLimits = { status: 27_000, report: 25_000, command: 130_000 } as const;
+export const timeLimits = { status: 27_000, report: 25_000, command: 152_000 } as const;
 
 const textsOfStatus: Readonly<Record<number, string>> = {
   401: 'You are not signed in. Nothing was done.',
