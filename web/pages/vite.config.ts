@@ -17,5 +17,6 @@ export default defineConfig({
   server: { fs: { allow: ['../..'] } },
   preview: { headers: { 'Content-Security-Policy': "default-src 'self'" } },
   plugins: [gateway()],
-  test: { include: ['tests/**/*.test.ts'] },
+  // A busy machine is no fault of the pages.
+  test: { include: ['tests/**/*.test.{ts,tsx}'], testTimeout: 60_000 },
 });

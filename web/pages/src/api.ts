@@ -74,12 +74,9 @@ export function faultOf(status: number, body: unknown): Fault {
   return { status, text, detail: details.filter(Boolean).join(': ') };
 }
 
-async function parsed(response: Response): Promise<unknown> {
-  try {
-    return await response.json();
-  } catch {
-    return undefined;
-  }
+/** The document of an answer; undefined where there is none. */
+function parsed(response: Response): Promise<unknown> {
+  return response.json().catch(() => undefined);
 }
 
 async function request<T>(
@@ -98,7 +95,7 @@ async function request<T>(
       credentials: 'same-origin',
       signal: AbortSignal.timeout(limit),
     });
-    body = response.status === 204 ? null : await parsed(response);
+    body = await parsed(response);
   } catch (error) {
     const isLate = error instanceof DOMException && error.name === 'TimeoutError';
     const detail = isLate ? `No answer within ${limit / 1000} s` : 'The connection failed';
@@ -114,8 +111,8 @@ async function request<T>(
     const text = 'The answer is not what was asked for.';
     return { ok: false, fault: { status: response.status, text, detail: path }, ...interrupted };
   }
-  const age = Number(response.headers.get('Age') ?? 0);
-  return { ok: true, value, ageSeconds: age > 0 ? age : 0, ...interrupted };
+  const age = Number(response.headers.get('Age'));
+  return { ok: true, value, ageSeconds: Math.max(0, age) || 0, ...interrupted };
 }
 
 /** Asks for a report; `key` is a member that tells its document from any other. */

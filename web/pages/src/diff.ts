@@ -26,7 +26,7 @@ export interface TableDiff {
 /** A real that has been to the instrument and back may have lost its last digits. */
 function isSameValue(a: Value | undefined, b: Value | undefined): boolean {
   if (typeof a === 'number' && typeof b === 'number') {
-    return Math.abs(a - b) <= 1e-6 * Math.max(Math.abs(a), Math.abs(b));
+    return Math.abs(a - b) <= 1e-6 * Math.abs(a);
   }
   return a === b;
 }
@@ -56,12 +56,14 @@ function stepsBetween(
     }
   }
   const steps: Step[] = [];
-  for (let i = 0, j = 0; i < before.length || j < after.length;) {
-    if (i < before.length && j < after.length && isSame(before[i]!, after[j]!)) {
+  let i = 0;
+  let j = 0;
+  while (i < before.length && j < after.length) {
+    if (isSame(before[i]!, after[j]!)) {
       steps.push('same');
       i++;
       j++;
-    } else if (j >= after.length || (i < before.length && at(i + 1, j) >= at(i, j + 1))) {
+    } else if (at(i + 1, j) >= at(i, j + 1)) {
       steps.push('removed');
       i++;
     } else {
@@ -69,7 +71,14 @@ function stepsBetween(
       j++;
     }
   }
-  return steps;
+  const rest = (length: number, step: Step): Step[] => Array<Step>(length).fill(step);
+  return [...steps, ...rest(before.length - i, 'removed'), ...rest(after.length - j, 'added')];
+}
+
+/** A row, and its place in its table, from 1. */
+interface Place {
+  row: Values;
+  place: number;
 }
 
 /** The differences; removed and added rows that stand at the same place count as changed. */
@@ -83,21 +92,19 @@ export function diffTables(before: Table, after: Table, layout: Layout): TableDi
   const rows: RowChange[] = [];
   let i = 0;
   let j = 0;
-  let removed: number[] = [];
-  let added: number[] = [];
+  let removed: Place[] = [];
+  let added: Place[] = [];
   const flush = (): void => {
     for (let n = 0; n < Math.max(removed.length, added.length); n++) {
       const from = removed[n];
       const to = added[n];
-      const old = from === undefined ? undefined : before.rows[from];
-      const fresh = to === undefined ? undefined : after.rows[to];
       rows.push({
-        kind: old && fresh ? 'changed' : old ? 'removed' : 'added',
-        placeBefore: from === undefined ? 0 : from + 1,
-        placeAfter: to === undefined ? 0 : to + 1,
-        ...(old && { before: old }),
-        ...(fresh && { after: fresh }),
-        keys: old && fresh ? differingKeys(old, fresh, layout.columns) : [],
+        kind: from && to ? 'changed' : from ? 'removed' : 'added',
+        placeBefore: from?.place ?? 0,
+        placeAfter: to?.place ?? 0,
+        ...(from && { before: from.row }),
+        ...(to && { after: to.row }),
+        keys: from && to ? differingKeys(from.row, to.row, layout.columns) : [],
       });
     }
     removed = [];
@@ -109,9 +116,9 @@ export function diffTables(before: Table, after: Table, layout: Layout): TableDi
       i++;
       j++;
     } else if (step === 'removed') {
-      removed.push(i++);
+      removed.push({ row: before.rows[i]!, place: ++i });
     } else {
-      added.push(j++);
+      added.push({ row: after.rows[j]!, place: ++j });
     }
   }
   flush();

@@ -112,10 +112,11 @@ export class Editor {
     this.busy.value = 'Sending the table';
     const sent = await this.instrument.send(file);
     const after = await this.readNow('Reading the table back');
-    const refusal = sent.ok ? '' : this.instrument.describe(sent.fault);
+    const outcome = sent.ok
+      ? 'The instrument accepted the table.'
+      : this.instrument.describe(sent.fault);
     if (!after) {
-      const text = sent.ok ? 'The instrument accepted the table.' : refusal;
-      this.fail(`${text} It could not be read back: ${this.message.value?.text ?? ''}`);
+      this.fail(`${outcome} It could not be read back: ${this.message.value!.text}`);
       return;
     }
     this.base.value = after;
@@ -124,8 +125,8 @@ export class Editor {
       this.message.value = {
         kind: 'bad',
         text: isEmptyDiff(diff)
-          ? `${refusal} Even so the instrument now has the table.`
-          : `${refusal} The instrument does not have the table as it was sent. What it has differs:`,
+          ? `${outcome} Even so the instrument now has the table.`
+          : `${outcome} The instrument does not have the table as it was sent. What it has differs:`,
         ...(!isEmptyDiff(diff) && { diff }),
       };
     } else if (isEmptyDiff(diff)) {

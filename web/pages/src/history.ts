@@ -14,6 +14,7 @@ export class History {
   private readonly series = new Map<string, Float64Array>();
   private begin = 0;
   private count = 0;
+  private newest: number | undefined;
 
   constructor(private readonly capacity: number) {
     this.times = new Float64Array(capacity);
@@ -21,12 +22,13 @@ export class History {
 
   /** Adds a sample; `time` is in seconds and never less than the last one's. */
   add(time: number, values: ReadonlyMap<string, Real>): void {
-    const last = this.count === 0 ? time : this.times[this.place(this.count - 1)]!;
+    const last = this.newest ?? time;
+    this.newest = time;
     if (time - last > longestGap) {
       this.append((last + time) / 2, new Map());
     }
     this.append(time, values);
-    while (this.count > 0 && this.times[this.begin]! < time - historySeconds) {
+    while (this.times[this.begin]! < time - historySeconds) {
       this.begin = (this.begin + 1) % this.capacity;
       this.count--;
     }
@@ -35,27 +37,24 @@ export class History {
   /** The samples of one series, oldest first; null where it has no value. */
   points(name: string): Points {
     const column = this.series.get(name);
-    const points: Points = { times: [], values: [] };
-    for (let index = 0; index < this.count; index++) {
-      const place = this.place(index);
-      const value = column?.[place] ?? NaN;
-      points.times.push(this.times[place]!);
-      points.values.push(Number.isNaN(value) ? null : value);
-    }
-    return points;
+    const values = this.places().map((place) => column?.[place] ?? NaN);
+    return {
+      times: this.allTimes(),
+      values: values.map((value) => (Number.isNaN(value) ? null : value)),
+    };
   }
 
   /** All of it as a text, for the page that comes after this one. */
   save(): string {
     const names = [...this.series.keys()];
-    const times = this.points('').times;
-    return JSON.stringify({ times, series: names.map((name) => [name, this.points(name).values]) });
+    const series = names.map((name) => [name, this.points(name).values]);
+    return JSON.stringify({ times: this.allTimes(), series });
   }
 
   /** Takes up what `save` gave, up to the present; what is no such text is left. */
-  restore(text: string, now: number): void {
+  restore(text: string | null, now: number): void {
     try {
-      const { times, series } = JSON.parse(text) as {
+      const { times, series } = JSON.parse(String(text)) as {
         times: number[];
         series: [string, (number | null)[]][];
       };
@@ -68,6 +67,15 @@ export class History {
     } catch {
       // Without them the curves begin now.
     }
+  }
+
+  /** Where the samples are, oldest first. */
+  private places(): number[] {
+    return Array.from({ length: this.count }, (_, index) => this.place(index));
+  }
+
+  private allTimes(): number[] {
+    return this.places().map((place) => this.times[place]!);
   }
 
   private place(index: number): number {
@@ -83,8 +91,8 @@ export class History {
     const place = this.place(this.count);
     this.times[place] = time;
     for (const [name, column] of this.series) {
-      const value = values.get(name);
-      column[place] = typeof value === 'number' ? value : NaN;
+      // What is not available has no number.
+      column[place] = Number(values.get(name));
     }
     if (this.count < this.capacity) {
       this.count++;

@@ -11,10 +11,8 @@ export interface PollerOptions<T> {
 }
 
 export interface Poller {
-  /** Begins, or asks at once if no request is under way. */
+  /** Begins, or asks at once if no request is under way; to be called when the page is shown, too. */
   wake: () => void;
-  /** To be called when the page was hidden or shown. */
-  visibilityChanged: () => void;
 }
 
 export function createPoller<T>(options: PollerOptions<T>): Poller {
@@ -32,25 +30,16 @@ export function createPoller<T>(options: PollerOptions<T>): Poller {
       return;
     }
     isAsking = true;
-    isWanted = false;
     const begun = Date.now();
     try {
       options.take(await options.ask());
     } finally {
       isAsking = false;
       const wait = isWanted ? 0 : Math.max(0, begun + options.interval() - Date.now());
+      isWanted = false;
       timer = setTimeout(run, wait);
     }
   };
 
-  return {
-    wake: () => void run(),
-    visibilityChanged: () => {
-      if (options.isHidden()) {
-        clearTimeout(timer);
-      } else {
-        void run();
-      }
-    },
-  };
+  return { wake: () => void run() };
 }

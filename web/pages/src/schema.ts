@@ -37,7 +37,7 @@ function isOfType(value: unknown, type: string): boolean {
     case 'integer':
       return Number.isInteger(value);
     case 'number':
-      return typeof value === 'number' && Number.isFinite(value);
+      return Number.isFinite(value);
     default:
       return typeof value === type;
   }
@@ -66,15 +66,15 @@ export function problemsOf(value: unknown, schema: Schema, root: Schema, path = 
   if (schema.enum && !schema.enum.includes(value)) {
     return [{ path, text: `must be one of ${schema.enum.join(', ')}` }];
   }
-  if (schema.minimum !== undefined && (value as number) < schema.minimum) {
+  if ((value as number) < (schema.minimum ?? -Infinity)) {
     return [{ path, text: `must be at least ${schema.minimum}` }];
   }
-  if (schema.maximum !== undefined && (value as number) > schema.maximum) {
+  if ((value as number) > (schema.maximum ?? Infinity)) {
     return [{ path, text: `must be at most ${schema.maximum}` }];
   }
   if (schema.anyOf) {
     const each = schema.anyOf.map((one) => problemsOf(value, one, root, path));
-    return each.some((problems) => problems.length === 0) ? [] : (each[0] ?? []);
+    return each.find((problems) => problems.length === 0) ?? each[0]!;
   }
   if (Array.isArray(value)) {
     const { items } = schema;

@@ -65,63 +65,49 @@ export const actions = [
 ] as const;
 export type Action = (typeof actions)[number];
 
+/** What an action needs that the instrument takes only while the automation is idle. */
 interface Rule {
   /** States in which the instrument takes it. */
   states: readonly GcState[];
-  /** What the automation must be doing. */
-  automation: 'idle' | 'under way' | 'any';
   /** Why not, when the state is another one. */
   reason: string;
 }
 
-const quiet = ['Stabilizing', 'Ready', 'Not Ready', 'Wait Ext Rdy'] as const;
-const settings = [...quiet, 'Error', 'Recoverable Error'] as const;
+const quiet: readonly GcState[] = ['Stabilizing', 'Ready', 'Not Ready', 'Wait Ext Rdy'];
+const settings: readonly GcState[] = [...quiet, 'Error', 'Recoverable Error'];
 
 /** A state that nobody knows forbids what starts something, and never what stops it. */
-const rules: Readonly<Record<Action, Rule>> = {
-  'start-run': { states: ['Ready'], automation: 'idle', reason: 'A run starts only from Ready.' },
-  'start-automation': {
-    states: ['Ready'],
-    automation: 'idle',
-    reason: 'The automation starts only from Ready.',
-  },
-  'abort-now': { states: gcStates, automation: 'any', reason: '' },
-  'abort-after-run': { states: gcStates, automation: 'under way', reason: '' },
-  stream: {
-    states: settings,
-    automation: 'idle',
-    reason: 'The stream can be switched only while nothing runs.',
-  },
+const rules: Readonly<Record<Action, Rule | undefined>> = {
+  'start-run': { states: ['Ready'], reason: 'A run starts only from Ready.' },
+  'start-automation': { states: ['Ready'], reason: 'The automation starts only from Ready.' },
+  'abort-now': undefined,
+  'abort-after-run': undefined,
+  stream: { states: settings, reason: 'The stream can be switched only while nothing runs.' },
   solution: {
     states: quiet,
-    automation: 'idle',
     reason: 'A solution can be loaded only while nothing runs and there is no error.',
   },
-  'alarm-reset': { states: gcStates, automation: 'any', reason: '' },
+  'alarm-reset': undefined,
   'send-table': {
     states: settings,
-    automation: 'idle',
     reason: 'The instrument takes tables only while nothing runs.',
   },
 };
 
 /** Why the instrument would not take the action now; empty when it would. */
 export function reasonAgainst(action: Action, status: Status): string {
-  const rule = rules[action];
-  if (
-    action === 'abort-now' &&
-    isIdle(status) &&
-    (quiet as readonly string[]).includes(gcStateOf(status))
-  ) {
+  const state = gcStateOf(status);
+  if (action === 'abort-now' && isIdle(status) && quiet.includes(state)) {
     return 'Nothing is running.';
   }
-  if (rule.automation === 'under way' && isIdle(status)) {
+  if (action === 'abort-after-run' && isIdle(status)) {
     return 'The automation is not under way.';
   }
-  if (rule.automation === 'idle' && !isIdle(status)) {
+  const rule = rules[action];
+  if (rule && !isIdle(status)) {
     return `${rule.reason} The automation is: ${status.Auto_state}.`;
   }
-  if (!rule.states.includes(gcStateOf(status))) {
+  if (rule && !rule.states.includes(state)) {
     return `${rule.reason} The state is: ${status.GC_state}.`;
   }
   return '';

@@ -80,6 +80,10 @@ export function reasonNotTo(action: Action): string {
   return reasonAgainst(action, status.value);
 }
 
+function secondsSince(time: number): number {
+  return (Date.now() - time) / 1000;
+}
+
 function showProgress({ phase, text }: Progress): void {
   const kinds = { waiting: 'waiting', met: 'good', failed: 'bad', late: 'bad' } as const;
   notice.value = { kind: kinds[phase], text };
@@ -112,7 +116,7 @@ function takeStatus(answer: Answer<Status>, seconds: number): void {
   if (!answer.ok) {
     statusFault.value = answer.fault;
     if (following) {
-      showProgress(judgeUnanswered(following.follow, (now.value - following.since) / 1000));
+      showProgress(judgeUnanswered(following.follow, secondsSince(following.since)));
     }
     return;
   }
@@ -136,7 +140,7 @@ function takeStatus(answer: Answer<Status>, seconds: number): void {
   samples.value++;
   if (following) {
     const { follow, before, since } = following;
-    const progress = judge(follow, before, answer.value, (now.value - since) / 1000);
+    const progress = judge(follow, before, answer.value, secondsSince(since));
     showProgress(progress);
     if (progress.phase !== 'waiting') {
       following = undefined;
@@ -148,7 +152,7 @@ const poller = createPoller<{ answer: Answer<Status>; seconds: number }>({
   ask: async () => {
     const begun = Date.now();
     const answer = await getReport<Status>('/api/status', 'GC_state', timeLimits.status);
-    return { answer, seconds: (Date.now() - begun) / 1000 };
+    return { answer, seconds: secondsSince(begun) };
   },
   take: ({ answer, seconds }) => takeStatus(answer, seconds),
   interval: () => {
@@ -244,16 +248,17 @@ const placeOfHistory = (of: Status): string => `history of ${of.Application}`;
 
 function restoreHistory(of: Status): void {
   try {
-    history.restore(sessionStorage.getItem(placeOfHistory(of)) ?? '', Date.now() / 1000);
+    history.restore(sessionStorage.getItem(placeOfHistory(of)), Date.now() / 1000);
   } catch {
     // The browser keeps nothing for pages.
   }
 }
 
 function saveHistory(): void {
-  if (status.value) {
+  const place = status.value && placeOfHistory(status.value);
+  if (place) {
     try {
-      sessionStorage.setItem(placeOfHistory(status.value), history.save());
+      sessionStorage.setItem(place, history.save());
     } catch {
       // There is no room: the curves begin anew.
     }
@@ -264,7 +269,7 @@ function saveHistory(): void {
 export function start(): void {
   document.addEventListener('visibilitychange', () => {
     now.value = Date.now();
-    poller.visibilityChanged();
+    poller.wake();
   });
   window.addEventListener('pagehide', saveHistory);
   setInterval(() => {

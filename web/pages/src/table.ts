@@ -87,7 +87,7 @@ export function valueOf(text: string, kind: Column['kind']): Value {
 
 /** What is wrong with a cell's text; empty when nothing is. */
 export function cellProblem(text: string, column: Column, schema: Schema): string {
-  if (!column.isEditable || column.schema === undefined) {
+  if (column.schema === undefined) {
     return '';
   }
   const value = valueOf(text, column.kind);
@@ -102,26 +102,29 @@ export function cellProblem(text: string, column: Column, schema: Schema): strin
   if (problem) {
     return problem.text;
   }
-  if (column.minimum !== undefined && (value as number) < column.minimum) {
+  if ((value as number) < (column.minimum ?? -Infinity)) {
     return `must be at least ${column.minimum}`;
   }
-  if (column.maximum !== undefined && (value as number) > column.maximum) {
+  if ((value as number) > (column.maximum ?? Infinity)) {
     return `must be at most ${column.maximum}`;
   }
   return '';
 }
 
+type Cells = Readonly<Record<string, string>>;
+
+/** A cell that is not there is empty. */
+export function textIn(cells: Cells, { key }: Column): string {
+  return cells[key] ?? '';
+}
+
 export function problemsOfDraft(draft: Draft, layout: Layout): CellProblem[] {
-  const check = (
-    cells: Readonly<Record<string, string>>,
-    columns: readonly Column[],
-    rowId: number | null,
-  ): CellProblem[] =>
+  const check = (cells: Cells, columns: readonly Column[], rowId: number | null): CellProblem[] =>
     columns
-      .map(({ key }, n) => ({
+      .map((column) => ({
         rowId,
-        key,
-        text: cellProblem(cells[key] ?? '', columns[n]!, layout.schema),
+        key: column.key,
+        text: cellProblem(textIn(cells, column), column, layout.schema),
       }))
       .filter(({ text }) => text !== '');
   return [
@@ -132,8 +135,10 @@ export function problemsOfDraft(draft: Draft, layout: Layout): CellProblem[] {
 
 /** The values of a draft without problems. */
 export function tableOf(draft: Draft, layout: Layout): Table {
-  const values = (cells: Readonly<Record<string, string>>, columns: readonly Column[]): Values =>
-    Object.fromEntries(columns.map(({ key, kind }) => [key, valueOf(cells[key] ?? '', kind)]));
+  const values = (cells: Cells, columns: readonly Column[]): Values =>
+    Object.fromEntries(
+      columns.map((column) => [column.key, valueOf(textIn(cells, column), column.kind)]),
+    );
   return {
     header: values(draft.header, layout.header),
     rows: draft.rows.map((row) => values(row.cells, layout.columns)),

@@ -40,6 +40,37 @@ describe('reports', () => {
     expect((await getStatus()).interrupted).toBe(3);
   });
 
+  it.each([
+    [undefined, 0],
+    ['0', 0],
+    ['0.5', 0.5],
+    ['-3', 0],
+    ['long ago', 0],
+  ])('with Age: %s are %d s old', async (age, seconds) => {
+    answerWith(200, '{"GC_state": "Ready"}', age === undefined ? {} : { Age: age });
+    const answer = await getStatus();
+    expect(answer.ok && answer.ageSeconds).toBe(seconds);
+  });
+
+  it('come from the gateway itself, whatever the browser remembers', async () => {
+    const fetched = answerWith(200, '{"GC_state": "Ready"}');
+    await getStatus();
+    const [path, init] = fetched.mock.calls[0]!;
+    expect(path).toBe('/api/status');
+    expect(init).toMatchObject({ method: 'GET', cache: 'no-store', credentials: 'same-origin' });
+  });
+
+  it.each([
+    new DOMException('Gone', 'AbortError'),
+    Object.assign(new Error('Late'), { name: 'TimeoutError' }),
+  ])('that fail otherwise than by their time are lost: %s', async (error) => {
+    vi.stubGlobal('fetch', async () => {
+      throw error;
+    });
+    const answer = await getStatus();
+    expect(!answer.ok && answer.fault.detail).toBe('The connection failed');
+  });
+
   it.each(['<html>', '{"other": 1}', '[]', 'null', ''])('are not %j', async (body) => {
     answerWith(200, body);
     expect(await getStatus()).toEqual({
@@ -119,9 +150,21 @@ describe('commands', () => {
 
   it('succeed by the HTTP status, whatever the words', async () => {
     answerWith(200, '{"ErrorCode": 0, "Msg": "Refused"}');
-    expect((await sendCommand('PUT', 'solution', '{"solution":1}')).ok).toBe(true);
+    expect(await sendCommand('PUT', 'solution', '{"solution":1}')).toEqual({
+      ok: true,
+      value: { ErrorCode: 0, Msg: 'Refused' },
+      ageSeconds: 0,
+    });
     answerWith(204, null);
-    expect((await sendCommand('PUT', 'stream', '{"stream":1}')).ok).toBe(true);
+    expect(await sendCommand('PUT', 'stream', '{"stream":1}')).toEqual({
+      ok: true,
+      value: null,
+      ageSeconds: 0,
+    });
+    for (const status of [201, 203, 205, 199 + 100]) {
+      answerWith(status, null);
+      expect((await sendCommand('PUT', 'stream', '{"stream":1}')).ok).toBe(false);
+    }
     answerWith(409, '{"ErrorCode": 207, "Msg": "Accepted"}');
     expect((await sendCommand('PUT', 'solution', '{"solution":1}')).ok).toBe(false);
   });
@@ -166,6 +209,18 @@ describe('faults', () => {
       'Too Many Requests: Wait a few seconds and try again.',
     ],
     [401, undefined, 'You are not signed in. Nothing was done.', ''],
+    [404, null, 'The web server does not know this address. Is the gateway set up?', ''],
+    [413, {}, 'The file is too large.', ''],
+    [415, [], 'The gateway does not take this kind of file.', ''],
+    [422, 'no', 'The gateway does not take these values.', ''],
+    [
+      502,
+      { ErrorCode: 28 },
+      'The instrument or its tool did not give a usable answer.',
+      'error 28',
+    ],
+    [503, { ErrorCode: true }, 'The instrument is not reachable.', ''],
+    [504, 7, 'The instrument did not answer in time.', ''],
     [418, 'tea', 'The web server answered with HTTP status 418.', ''],
   ])('HTTP %d with %j', (status, body, text, detail) => {
     expect(faultOf(status, body)).toEqual({ status, text, detail });

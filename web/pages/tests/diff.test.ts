@@ -54,6 +54,55 @@ describe('difference', () => {
     ]);
   });
 
+  it('tells an exchange as the first removed, and added below', () => {
+    expect(compare(table(line(1), line(2)), table(line(2), line(1)))).toEqual([
+      'removed 1 0 ',
+      'added 0 2 ',
+    ]);
+  });
+
+  it('carries the rows that it tells', () => {
+    const rows = (before: Table, after: Table) =>
+      diffTables(before, after, layout).rows.map((row) => [row.before, row.after]);
+    expect(rows(table(line(1)), table(line(1, 2)))).toEqual([[line(1), line(1, 2)]]);
+    expect(rows(table(line(1)), table())).toEqual([[line(1), undefined]]);
+    expect(rows(table(), table(line(1)))).toEqual([[undefined, line(1)]]);
+  });
+
+  it('keeps as many rows as can be kept, and tells all others', () => {
+    const kept = (a: number[], b: number[]): number =>
+      a.length === 0 || b.length === 0
+        ? 0
+        : a[0] === b[0]
+          ? 1 + kept(a.slice(1), b.slice(1))
+          : Math.max(kept(a.slice(1), b), kept(a, b.slice(1)));
+    // Every table of up to four lines with two streams, and some longer ones.
+    const short = [0, 1, 2, 3, 4].flatMap((length) =>
+      Array.from({ length: 2 ** length }, (_, n) =>
+        Array.from({ length }, (_, place) => ((n >> place) & 1) + 1),
+      ),
+    );
+    const pairs = short.flatMap((a) => short.map((b) => [a, b] as const));
+    pairs.push([
+      [1, 2, 3, 4, 5, 3, 2],
+      [3, 4, 5, 1, 2, 3],
+    ]);
+    for (const [a, b] of pairs) {
+      const diff = diffTables(
+        table(...a.map((stream) => line(stream))),
+        table(...b.map((stream) => line(stream))),
+        layout,
+      );
+      const places = (place: 'placeBefore' | 'placeAfter'): number[] =>
+        diff.rows.map((row) => row[place]).filter((one) => one > 0);
+      const rest = (all: number[], told: number[]): number[] =>
+        all.filter((_, index) => !told.includes(index + 1));
+      const same = rest(a, places('placeBefore'));
+      expect([a, b, same]).toEqual([a, b, rest(b, places('placeAfter'))]);
+      expect([a, b, same.length]).toEqual([a, b, kept(a, b)]);
+    }
+  });
+
   it('tells all of it at once', () => {
     const before = table(line(1), line(2), line(3));
     const after = table(line(1, 4), line(3), line(5), line(6));
@@ -70,6 +119,8 @@ describe('difference', () => {
     expect(diffTables(table(line(1)), after, layout).header).toEqual([
       { label: 'Runs of the whole table', before: 1, after: 3 },
     ]);
+    expect(isEmptyDiff(diffTables(table(line(1)), after, layout))).toBe(false);
+    expect(isEmptyDiff(diffTables(table(line(1)), table(), layout))).toBe(false);
   });
 
   it('does not count the last digits that a real may lose on its way', () => {
@@ -77,6 +128,31 @@ describe('difference', () => {
     expect(compare(table(line(1)), table(rounded))).toEqual([]);
     const other = { ...line(1), Flush_time: 0.50001 };
     expect(compare(table(line(1)), table(other))).toEqual(['changed 1 1 Flush_time']);
+  });
+
+  it.each([
+    [1, 1.0000009, true],
+    [1, 1.0000011, false],
+    [1000, 1000.0009, true],
+    [1000, 1000.0011, false],
+    [-1000, -1000.0009, true],
+    [0.001, 0.0010000005, true],
+    [0, 0, true],
+    [0, 1e-9, false],
+    [0.5, '-', false],
+    ['-', 0.5, false],
+    ['-', '-', true],
+    ['2', 2, false],
+    [2, '2', false],
+  ])('counts a time of %j as the same as %j: %j', (before, after, isSame) => {
+    const withTime = (value: number | string): Table => table({ ...line(1), Flush_time: value });
+    expect(isEmptyDiff(diffTables(withTime(before), withTime(after), layout))).toBe(isSame);
+  });
+
+  it('tells a text that differs', () => {
+    expect(compare(table(line(1)), table({ ...line(1), Type: 'Blank' }))).toEqual([
+      'changed 1 1 Type',
+    ]);
   });
 
   it('does not count what the instrument computes', () => {

@@ -35,7 +35,10 @@ function build(kind: TableKind, document: object) {
   const edit = (rowId: number, key: string, text: string): void => {
     editor.draft.value = setCell(editor.draft.value!, rowId, key, text);
   };
-  return { editor, world, edit };
+  /** What was being done, one after the other. */
+  const steps: string[] = [];
+  editor.busy.subscribe((what) => steps.push(what));
+  return { editor, world, edit, steps };
 }
 
 const sequence = () => build(sequenceKind, load('docs/schemas/examples/sequence.json'));
@@ -45,6 +48,111 @@ const withStream = (table: Table, row: number, stream: number): Table => ({
 });
 
 describe('editor', () => {
+  it('has nothing to show before it has loaded', async () => {
+    const { editor } = sequence();
+    expect(editor.busy.value).toBe('');
+    expect(editor.problems.value).toEqual([]);
+    expect(editor.isDirty.value).toBe(false);
+    editor.import('mine.json', new TextEncoder().encode('{}').buffer as ArrayBuffer);
+    expect(editor.draft.value).toBeUndefined();
+    expect(editor.message.value).toBeUndefined();
+    const { editor: loaded } = sequence();
+    await loaded.load();
+    editor.draft.value = loaded.draft.value;
+    expect(editor.isDirty.value).toBe(false);
+    loaded.draft.value = undefined;
+    expect(loaded.isDirty.value).toBe(false);
+  });
+
+  it('says what it does', async () => {
+    const { editor, steps } = sequence();
+    await editor.load();
+    expect(steps.splice(0)).toEqual(['', 'Reading the table', '']);
+    await editor.prepare();
+    expect(steps.splice(0)).toEqual(['Comparing with the instrument', '']);
+    await editor.send();
+    expect(steps).toEqual([
+      'Looking whether the table has changed',
+      '',
+      'Sending the table',
+      'Reading the table back',
+      '',
+    ]);
+  });
+
+  it('keeps what it has when it cannot load', async () => {
+    const { editor, world, edit } = sequence();
+    await editor.load();
+    edit(0, 'Repeat', '9');
+    world.isReachable = false;
+    await editor.load();
+    expect(editor.message.value).toEqual({ kind: 'bad', text: 'The instrument is not reachable.' });
+    expect(editor.draft.value?.rows[0]?.cells.Repeat).toBe('9');
+    world.isReachable = true;
+    await editor.load();
+    expect(editor.message.value).toBeUndefined();
+    expect(editor.draft.value?.rows[0]?.cells.Repeat).toBe('2');
+  });
+
+  it('finds what is wrong with the cells', async () => {
+    const { editor, edit } = sequence();
+    await editor.load();
+    expect(editor.problems.value).toEqual([]);
+    edit(0, 'Repeat', 'many');
+    expect(editor.problems.value).toEqual([
+      { rowId: 0, key: 'Repeat', text: 'must be a whole number' },
+    ]);
+  });
+
+  it('sends no file that the gateway does not take', async () => {
+    for (const [size, count] of [
+      [65536, 1],
+      [65537, 0],
+    ] as const) {
+      const { editor, world } = build(
+        { ...sequenceKind, toFile: (table) => sequenceKind.toFile(table).padEnd(size) },
+        load('docs/schemas/examples/sequence.json'),
+      );
+      await editor.load();
+      await editor.send();
+      expect(world.sent).toHaveLength(count);
+      if (count === 0) {
+        expect(editor.message.value).toEqual({
+          kind: 'bad',
+          text: 'The table has 65537 octets; the gateway takes 65536. Nothing was sent.',
+        });
+      }
+    }
+  });
+
+  it('says when the instrument has the table although it refused', async () => {
+    const { editor, world, edit } = sequence();
+    await editor.load();
+    edit(1, 'Stream', '3');
+    world.refusal = { status: 409, text: 'The instrument refused.', detail: '' };
+    await editor.send();
+    expect(editor.message.value).toEqual({
+      kind: 'bad',
+      text: 'The instrument refused. Even so the instrument now has the table.',
+    });
+    world.keep = (sent) => {
+      world.isReachable = false;
+      return sent;
+    };
+    await editor.send();
+    expect(editor.message.value).toEqual({
+      kind: 'bad',
+      text: 'The instrument refused. It could not be read back: The instrument is not reachable.',
+    });
+  });
+
+  it('exports what is shown', async () => {
+    const { editor, edit } = sequence();
+    await editor.load();
+    edit(0, 'Repeat', '9');
+    expect((JSON.parse(editor.exported()) as { rows: Values[] }).rows[0]!.Repeat).toBe(9);
+  });
+
   it('loads, compares, sends, and reads back', async () => {
     const { editor, world, edit } = sequence();
     await editor.load();
@@ -148,6 +256,7 @@ describe('editor', () => {
     world.keep = (sent) => ({ ...sent, rows: sent.rows.slice(0, 2) });
     await editor.send();
     const message = editor.message.value!;
+    expect(message.kind).toBe('bad');
     expect(message.text).toBe(
       'The instrument refused. The instrument does not have the table as it was sent. What it has differs:',
     );
@@ -193,6 +302,10 @@ describe('editor', () => {
     const octets = (text: string) => new TextEncoder().encode(text).buffer as ArrayBuffer;
     editor.import('mine.json', octets('{"Table_repeat": 4, "total": 1, "rows": [{"Stream": 2}]}'));
     expect(editor.draft.value?.header.Table_repeat).toBe('4');
+    expect(editor.message.value).toEqual({
+      kind: 'good',
+      text: 'mine.json was read. Nothing has been sent yet.',
+    });
     expect(editor.isDirty.value).toBe(true);
     expect(world.sent).toEqual([]);
     editor.import('other.json', octets('{"total": 1}'));

@@ -19,6 +19,91 @@ const running = statusWith({
   Total_run_time: 180,
 });
 
+describe('a follow', () => {
+  it.each([
+    [
+      followRun('single', 2, ready),
+      ['Single run on stream 2', 'the run to begin', 'the run has begun', 'the run has not begun'],
+      30,
+      true,
+    ],
+    [
+      followRun('calibration', 2, ready),
+      [
+        'Calibration on stream 2',
+        'the calibration to begin',
+        'the calibration has begun',
+        'the calibration has not begun',
+      ],
+      30,
+      true,
+    ],
+    [
+      followAutomation(ready),
+      [
+        'Automation',
+        'the automation to begin',
+        'the automation has begun',
+        'the automation has not begun',
+      ],
+      30,
+      true,
+    ],
+    [
+      followAbortNow(),
+      [
+        'Abort now',
+        'the instrument to stop',
+        'the instrument has stopped',
+        'the instrument has not stopped',
+      ],
+      30,
+      false,
+    ],
+    [
+      followAbortAfterRun(running),
+      [
+        'Stop after this run',
+        'the present run to end',
+        'the automation has ended',
+        'the automation has not ended',
+      ],
+      239,
+      false,
+    ],
+    [
+      followStream(3),
+      ['Stream 3', 'the valve to move', 'the current stream is 3', 'the current stream is not 3'],
+      60,
+      true,
+    ],
+    [
+      followSolution(4),
+      [
+        'Solution 4',
+        'the instrument to take it up',
+        'the instrument is taking it up; it is ready again when that is done',
+        'nothing of it was seen',
+      ],
+      15,
+      false,
+    ],
+  ] as const)(
+    '%#: its words, its time, and whether an error ends it',
+    (follow, words, limit, ends) => {
+      const { name, awaited, done, notDone, limitSeconds, endsWithError } = follow;
+      expect([name, awaited, done, notDone]).toEqual(words);
+      expect(limitSeconds).toBe(limit);
+      expect(endsWithError).toBe(ends);
+    },
+  );
+
+  it('of the automation has a minute when the run is over its time', () => {
+    const late = statusWith({ Run_time: 200, Total_run_time: 180 });
+    expect(followAbortAfterRun(late).limitSeconds).toBe(60);
+  });
+});
+
 describe('following a command', () => {
   it('waits for a run to begin, and says so when it did', () => {
     const follow = followRun('single', 2, ready);
@@ -36,6 +121,15 @@ describe('following a command', () => {
     const follow = followRun('single', 1, ready);
     expect(judge(follow, ready, statusWith({ GC_state: 'Flushing' }), 1).phase).toBe('met');
     expect(judge(follow, ready, statusWith({ Last_counter: 1285 }), 1).phase).toBe('met');
+  });
+
+  it('takes the state of the automation for the begin of a calibration', () => {
+    const begun = statusWith({ Auto_state: 'Running Calibration' });
+    expect(judge(followRun('calibration', 1, ready), ready, begun, 1).phase).toBe('met');
+    expect(judge(followRun('single', 1, ready), ready, begun, 1).phase).toBe('waiting');
+    const flushing = statusWith({ GC_state: 'Flushing' });
+    expect(judge(followRun('calibration', 1, ready), ready, flushing, 1).phase).toBe('met');
+    expect(judge(followRun('calibration', 1, ready), ready, ready, 1).phase).toBe('waiting');
   });
 
   it('says when the effect did not come within its time', () => {

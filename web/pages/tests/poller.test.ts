@@ -53,6 +53,40 @@ describe('poller', () => {
     expect(ask).toHaveBeenCalledTimes(2);
   });
 
+  it('asks again at once when somebody wanted it meanwhile', async () => {
+    const { poller, ask, answer } = build();
+    poller.wake();
+    poller.wake();
+    await answer('before');
+    expect(ask).toHaveBeenCalledTimes(2);
+    await answer('wanted');
+    expect(ask).toHaveBeenCalledTimes(2);
+    await vi.advanceTimersByTimeAsync(5000);
+    expect(ask).toHaveBeenCalledTimes(3);
+  });
+
+  it('waits its interval when nobody wanted it', async () => {
+    const { poller, ask, answer } = build();
+    poller.wake();
+    await answer('first');
+    await vi.advanceTimersByTimeAsync(4999);
+    expect(ask).toHaveBeenCalledTimes(1);
+  });
+
+  it('is woken before its interval is over, and then waits a whole one', async () => {
+    const { poller, ask, answer } = build();
+    poller.wake();
+    await answer('first');
+    await vi.advanceTimersByTimeAsync(3000);
+    poller.wake();
+    expect(ask).toHaveBeenCalledTimes(2);
+    await answer('second');
+    await vi.advanceTimersByTimeAsync(4999);
+    expect(ask).toHaveBeenCalledTimes(2);
+    await vi.advanceTimersByTimeAsync(1);
+    expect(ask).toHaveBeenCalledTimes(3);
+  });
+
   it('goes by the interval that holds after the answer', async () => {
     const { poller, ask, answer, world } = build(5000);
     poller.wake();
@@ -67,11 +101,11 @@ describe('poller', () => {
     poller.wake();
     await answer('first');
     world.isHidden = true;
-    poller.visibilityChanged();
+    poller.wake();
     await vi.advanceTimersByTimeAsync(60_000);
     expect(ask).toHaveBeenCalledTimes(1);
     world.isHidden = false;
-    poller.visibilityChanged();
+    poller.wake();
     expect(ask).toHaveBeenCalledTimes(2);
   });
 
@@ -79,7 +113,7 @@ describe('poller', () => {
     const { poller, ask, answer, taken, world } = build();
     poller.wake();
     world.isHidden = true;
-    poller.visibilityChanged();
+    poller.wake();
     await answer('while hidden');
     await vi.advanceTimersByTimeAsync(60_000);
     expect(taken).toEqual(['while hidden']);

@@ -1,5 +1,5 @@
 import { describe, expect, it } from 'vitest';
-import { problemsOf, type Schema } from '../src/schema';
+import { problemsOf, schemaAt, type Schema } from '../src/schema';
 import { load } from './documents';
 
 const names = ['sequence-file', 'calibration-file'] as const;
@@ -63,6 +63,7 @@ describe('schema', () => {
     [{}, ['/Table_repeat is missing', '/total is missing']],
     [{ Table_repeat: 1.5, total: 0 }, ['/Table_repeat must be a whole number']],
     [{ Table_repeat: 2147483648, total: 0 }, ['/Table_repeat must be at most 2147483647']],
+    [{ Table_repeat: 2147483647, total: -2147483648 }, []],
     [{ Table_repeat: -2147483649, total: 0 }, ['/Table_repeat must be at least -2147483648']],
     [{ Table_repeat: 1, total: 0, Continuous: 1 }, ['/Continuous must be true or false']],
     [{ Table_repeat: 1, total: 0, rows: {} }, ['/rows must be a list']],
@@ -92,5 +93,71 @@ describe('schema', () => {
     ],
   ])('calibration file %j: %j', (value, expected) => {
     expect(check('calibration-file', value)).toEqual(expected);
+  });
+});
+
+describe('a schema of its own', () => {
+  const told = (value: unknown, schema: Schema): string[] =>
+    problemsOf(value, schema, schema).map(({ path, text }) => `${path} ${text}`);
+
+  it.each([
+    ['object', null, ' must be an object'],
+    ['object', 'a text', ' must be an object'],
+    ['object', 5, ' must be an object'],
+    ['object', {}, ''],
+    ['array', { length: 0 }, ' must be a list'],
+    ['array', [], ''],
+    ['string', 5, ' must be a text'],
+    ['string', '', ''],
+    ['boolean', 0, ' must be true or false'],
+    ['number', '5', ' must be a number'],
+    ['number', Infinity, ' must be a number'],
+    ['number', NaN, ' must be a number'],
+    ['number', 1.5, ''],
+    ['integer', 1.5, ' must be a whole number'],
+    ['null', 5, ' must be null'],
+  ])('of type %s: %j%s', (type, value, problem) => {
+    expect(told(value, { type })).toEqual(problem === '' ? [] : [problem]);
+  });
+
+  it.each([
+    [0, [' must be at least 1']],
+    [1, []],
+    [3, []],
+    [4, [' must be at most 3']],
+  ])('with bounds: %d', (value, problems) => {
+    expect(told(value, { type: 'integer', minimum: 1, maximum: 3 })).toEqual(problems);
+  });
+
+  it('with one bound has no other', () => {
+    expect(told(-1e300, { maximum: 3 })).toEqual([]);
+    expect(told(1e300, { minimum: 3 })).toEqual([]);
+  });
+
+  it('takes one of several, and else tells what the first one wants', () => {
+    const anyOf = [{ type: 'number' }, { enum: ['-'] }];
+    expect(told(5, { anyOf })).toEqual([]);
+    expect(told('-', { anyOf })).toEqual([]);
+    expect(told('x', { anyOf })).toEqual([' must be a number']);
+  });
+
+  it('looks into lists and objects only as far as it says something of them', () => {
+    expect(told([1, 'x'], { type: 'array' })).toEqual([]);
+    expect(told([1, 'x'], { items: { type: 'integer' } })).toEqual(['/1 must be a whole number']);
+    const schema = { required: ['a'], properties: { b: { type: 'string' } } };
+    expect(told({ b: 5 }, schema)).toEqual(['/a is missing', '/b must be a text']);
+    expect(told({ a: 5, c: 6 }, schema)).toEqual([]);
+    expect(told({ a: 5 }, {})).toEqual([]);
+    for (const value of [null, 5, 'text', true]) {
+      expect(told(value, schema)).toEqual([]);
+    }
+  });
+
+  it('must be there', () => {
+    const root = { definitions: { one: { type: 'string' } } };
+    expect(schemaAt(root, '#/definitions/one')).toEqual({ type: 'string' });
+    expect(schemaAt(root, '#')).toBe(root);
+    expect(() => schemaAt(root, '#/definitions/two')).toThrow('no schema at #/definitions/two');
+    expect(() => schemaAt(root, '#/other/two/three')).toThrow('no schema at #/other/two/three');
   });
 });

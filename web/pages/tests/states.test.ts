@@ -20,6 +20,8 @@ describe('state texts', () => {
     ['Wait Ext Rdy', 'Wait Ext Rdy'],
     ['Recoverable Error', 'Recoverable Error'],
     ['Something new', 'Unknown'],
+    ['Not 5s Ready', 'Unknown'],
+    ['Running 37', 'Unknown'],
   ])('reads %s as %s', (text, state) => {
     expect(gcStateOf(statusWith({ GC_state: text }))).toBe(state);
   });
@@ -35,6 +37,7 @@ describe('state texts', () => {
   it.each([
     ['Run Delay 90s', 'Run Delay'],
     ['Flushing Stream', 'Flushing Stream'],
+    ['Run Delay 90s and more', 'Run Delay 90s and more'],
     ['Running - Single Run', 'Running - Single Run'],
   ])('reads automation %s as %s', (text, state) => {
     expect(autoStateOf(statusWith({ Auto_state: text }))).toBe(state);
@@ -45,6 +48,7 @@ describe('state texts', () => {
     ['Running 2s', 'Running - Single Run', true],
     ['Ready', 'Run Delay 12s', true],
     ['Flushing', 'Idle', true],
+    ['Running 2s', 'Idle', true],
     ['Stabilizing', 'Idle', false],
   ])('%s with automation %s: running %s', (gc, automation, expected) => {
     expect(isRunning(statusWith({ GC_state: gc, Auto_state: automation }))).toBe(expected);
@@ -84,6 +88,15 @@ describe('which action is allowed', () => {
   it('says why not', () => {
     expect(reasonAgainst('start-run', statusWith({ GC_state: 'Stabilizing' }))).toBe(
       'A run starts only from Ready. The state is: Stabilizing.',
+    );
+    expect(reasonAgainst('start-automation', statusWith({ GC_state: 'Running 5s' }))).toBe(
+      'The automation starts only from Ready. The state is: Running 5s.',
+    );
+    expect(reasonAgainst('stream', statusWith({ GC_state: 'Cleaning 3 min' }))).toBe(
+      'The stream can be switched only while nothing runs. The state is: Cleaning 3 min.',
+    );
+    expect(reasonAgainst('solution', statusWith({ GC_state: 'Error' }))).toBe(
+      'A solution can be loaded only while nothing runs and there is no error. The state is: Error.',
     );
     expect(reasonAgainst('send-table', statusWith({ Auto_state: 'Run Delay 3s' }))).toBe(
       'The instrument takes tables only while nothing runs. The automation is: Run Delay 3s.',

@@ -40,6 +40,7 @@ describe('rows', () => {
       id: 3,
       cells: { Type: 'Analysis', Repeat: '1', Stream: '1', Slot: '0', Flush_time: '0' },
     });
+    expect(addRow(added, layout).rows.map(({ id }) => id)).toEqual([0, 1, 2, 3, 4]);
     let full = draft;
     for (let count = 0; count < 30; count++) {
       full = addRow(full, layout);
@@ -52,10 +53,13 @@ describe('rows', () => {
     const duplicated = duplicateRow(draft, layout, 0);
     expect(streams(duplicated)).toEqual(['4', '4', '1', '2']);
     expect(duplicated.rows.map(({ id }) => id)).toEqual([0, 3, 1, 2]);
+    expect(streams(duplicateRow(draft, layout, 1))).toEqual(['4', '1', '1', '2']);
+    expect(duplicateRow(draft, layout, 99)).toBe(draft);
   });
 
   it('move up and down, but not over the ends', () => {
     expect(streams(moveRow(draft, 2, -1))).toEqual(['4', '2', '1']);
+    expect(streams(moveRow(draft, 1, -1))).toEqual(['1', '4', '2']);
     expect(streams(moveRow(draft, 0, 1))).toEqual(['1', '4', '2']);
     expect(moveRow(draft, 0, -1)).toBe(draft);
     expect(moveRow(draft, 2, 1)).toBe(draft);
@@ -66,6 +70,21 @@ describe('rows', () => {
     const one = removeRow(removeRow(draft, layout, 0), layout, 2);
     expect(streams(one)).toEqual(['1']);
     expect(removeRow(one, layout, 1)).toBe(one);
+  });
+
+  it('have empty cells where there is nothing', () => {
+    const empty: Draft = { header: {}, rows: [{ id: 0, cells: { Stream: '2' } }], nextId: 1 };
+    expect(tableOf(empty, layout)).toEqual({
+      header: { Table_repeat: '', Continuous: false },
+      rows: [{ Type: '', Repeat: '', Stream: 2, Slot: '', Flush_time: '' }],
+    });
+    expect(problemsOfDraft(empty, layout).map(({ rowId, key }) => [rowId, key])).toEqual([
+      [null, 'Table_repeat'],
+      [0, 'Type'],
+      [0, 'Repeat'],
+      [0, 'Slot'],
+      [0, 'Flush_time'],
+    ]);
   });
 
   it('change in one cell, and leave the others alone', () => {
@@ -82,6 +101,7 @@ describe('rows', () => {
     );
     expect(addRow(calibration, peaks)).toBe(calibration);
     expect(duplicateRow(calibration, peaks, 0)).toBe(calibration);
+    expect(problemsOfDraft(calibration, peaks)).toEqual([]);
   });
 });
 
@@ -93,7 +113,31 @@ describe('texts of cells', () => {
     ['', 'integer', ''],
     ['0x10', 'integer', '0x10'],
     ['1.5', 'real', 1.5],
+    ['+5', 'integer', 5],
+    ['-12', 'integer', -12],
+    ['5-', 'integer', '5-'],
     ['.5', 'real', 0.5],
+    ['.125', 'real', 0.125],
+    ['12', 'real', 12],
+    ['12.', 'real', 12],
+    ['12.25', 'real', 12.25],
+    ['-1.5', 'real', -1.5],
+    ['+1.5', 'real', 1.5],
+    [' 1.5 ', 'real', 1.5],
+    ['x1.5', 'real', 'x1.5'],
+    ['1.5x', 'real', '1.5x'],
+    ['1e5', 'real', 100000],
+    ['1E+5', 'real', 100000],
+    ['2e-12', 'real', 2e-12],
+    ['1e', 'real', '1e'],
+    ['1exx', 'real', '1exx'],
+    ['1ex', 'real', '1ex'],
+    ['1.x', 'real', '1.x'],
+    ['.x', 'real', '.x'],
+    ['.', 'real', '.'],
+    [' a ', 'text', ' a '],
+    [' 5 ', 'choice', ' 5 '],
+    ['TRUE', 'flag', false],
     ['2e-5', 'real', 0.00002],
     ['1,5', 'real', '1,5'],
     ['-', 'real', '-'],
@@ -108,6 +152,16 @@ describe('texts of cells', () => {
     ['Repeat', '1.5', 'must be a whole number'],
     ['Repeat', '99999999999', 'must be at most 2147483647'],
     ['Repeat', '-1', 'must be at least 0'],
+    ['Repeat', '0', undefined],
+    ['Repeat', '2147483647', undefined],
+    ['Stream', '-1', 'must be at least 0'],
+    ['Stream', '0', undefined],
+    ['Slot', '-1', 'must be at least 0'],
+    ['Slot', '0', undefined],
+    ['Slot', '10', undefined],
+    ['Flush_time', '-0.001', 'must be at least 0'],
+    ['Flush_time', '0', undefined],
+    ['Flush_time', '1e30', undefined],
     ['Stream', '5', 'must be at most 4'],
     ['Stream', '4', undefined],
     ['Slot', '11', 'must be at most 10'],

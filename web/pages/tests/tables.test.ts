@@ -1,6 +1,8 @@
 import { describe, expect, it } from 'vitest';
 import { calibrationKind, readFile, sequenceKind } from '../src/tables';
 import { fileLimit } from '../src/documents';
+import type { Configuration } from '../src/documents';
+import { cellProblem, type Column } from '../src/table';
 import { load } from './documents';
 
 const octets = (text: string): ArrayBuffer => new TextEncoder().encode(text).buffer as ArrayBuffer;
@@ -10,6 +12,104 @@ const readSequence = (document: unknown) =>
   readFile(octets(JSON.stringify(document)), sequenceKind, sequence);
 const readCalibration = (document: unknown) =>
   readFile(octets(JSON.stringify(document)), calibrationKind, calibration);
+
+describe('layouts', () => {
+  const configuration = load<Configuration>('docs/schemas/examples/configuration.json');
+  const told = (columns: readonly Column[]) =>
+    columns.map(({ key, label, kind, isEditable, isCompared, minimum, maximum }) => [
+      key,
+      label,
+      kind,
+      isEditable,
+      isCompared,
+      minimum,
+      maximum,
+    ]);
+
+  it('of a sequence', () => {
+    const layout = sequenceKind.layout(configuration);
+    expect([sequenceKind.name, sequenceKind.title]).toEqual(['sequence', 'Sequence']);
+    expect([layout.rowName, layout.leastRows, layout.mostRows]).toEqual(['line', 1, 20]);
+    expect(told(layout.header)).toEqual([
+      ['Table_repeat', 'Runs of the whole table', 'integer', true, true, 0, undefined],
+      ['Continuous', 'Starts again after the last line', 'flag', true, true, undefined, undefined],
+    ]);
+    expect(told(layout.columns)).toEqual([
+      ['Type', 'Type', 'choice', true, true, undefined, undefined],
+      ['Repeat', 'Runs', 'integer', true, true, 0, undefined],
+      ['Stream', 'Stream', 'integer', true, true, 0, 4],
+      ['Slot', 'Solution', 'integer', true, true, 0, 10],
+      ['Flush_time', 'Flush time', 'real', true, true, 0, undefined],
+    ]);
+    expect(layout.columns[0]!.choices).toEqual([
+      'Analysis',
+      'Calibration',
+      'Blank',
+      'Verification',
+    ]);
+    expect(layout.emptyRow).toEqual({
+      Type: 'Analysis',
+      Repeat: 1,
+      Stream: 1,
+      Slot: 0,
+      Flush_time: 0,
+    });
+  });
+
+  it('of a sequence without a stream selector, or before that is known', () => {
+    const bare = sequenceKind.layout({ ...configuration, Stream_configured: false });
+    expect(bare.mostRows).toBe(1);
+    expect(bare.emptyRow).toEqual({
+      Type: 'Analysis',
+      Repeat: 1,
+      Stream: 0,
+      Slot: 0,
+      Flush_time: 0,
+    });
+    expect(bare.columns[2]!.maximum).toBeUndefined();
+    const unknown = sequenceKind.layout(undefined);
+    expect(unknown.mostRows).toBe(20);
+    expect(unknown.emptyRow.Stream).toBe(1);
+    expect(unknown.columns[2]!.maximum).toBeUndefined();
+  });
+
+  it('of a calibration', () => {
+    const layout = calibrationKind.layout(configuration);
+    expect([calibrationKind.name, calibrationKind.title]).toEqual(['calibration', 'Calibration']);
+    expect([layout.rowName, layout.leastRows, layout.mostRows]).toEqual(['peak', 0, 0]);
+    expect(layout.header).toEqual([]);
+    expect(layout.emptyRow).toEqual({});
+    expect(told(layout.columns)).toEqual([
+      ['Channel', 'Channel', 'integer', false, true, undefined, undefined],
+      ['ID', 'Peak', 'integer', false, true, undefined, undefined],
+      ['PkName', 'Name', 'text', false, true, undefined, undefined],
+      ['Level_amt', 'Amount, level 1', 'real', true, true, 0, undefined],
+      ['Ret_time', 'Retention time, s', 'real', false, false, undefined, undefined],
+      ['Linear', 'Linear coefficient', 'real', false, false, undefined, undefined],
+    ]);
+    const amount = layout.columns[3]!;
+    expect(cellProblem('-0.1', amount, layout.schema)).toBe('must be at least 0');
+    expect(cellProblem('0', amount, layout.schema)).toBe('');
+    expect(cellProblem('many', amount, layout.schema)).toBe('must be a number');
+  });
+});
+
+describe('reports', () => {
+  it('may leave members out', () => {
+    expect(sequenceKind.fromReport({ Table_repeat: 1, total: 2, rows: [{}] })).toEqual({
+      header: { Table_repeat: 1, Continuous: false },
+      rows: [{ Type: 'Analysis', Repeat: 0, Stream: 0, Slot: 0, Flush_time: 0 }],
+    });
+    expect(sequenceKind.fromReport({ Table_repeat: 1, total: 2 }).rows).toEqual([]);
+    expect(
+      calibrationKind.fromReport({ total: 1, rows: [{ Channel: 1, ID: 2, Level_amt: 3 }] }),
+    ).toEqual({
+      header: {},
+      rows: [{ Channel: 1, ID: 2, PkName: '', Ret_time: '-', Level_amt: 3, Linear: '-' }],
+    });
+    expect(calibrationKind.fromReport({ total: 0 })).toEqual({ header: {}, rows: [] });
+  });
+});
 
 describe('files', () => {
   it('of a sequence are the document', () => {
@@ -73,6 +173,19 @@ describe('files', () => {
     ]);
   });
 
+  it.each([0, -1])('of amounts whose total is %d set none', (total) => {
+    const rows = [{ Channel: 1, ID: 1, Level_amt: 99 }];
+    expect(readCalibration({ total, rows })).toEqual(calibration);
+    expect(readCalibration({ total })).toEqual(calibration);
+  });
+
+  it('may have 20 lines, and as many octets as the gateway takes', () => {
+    const lines = Array.from({ length: 20 }, () => ({}));
+    expect(readSequence({ Table_repeat: 1, total: 20, rows: lines }).rows).toHaveLength(20);
+    const text = '{"Table_repeat": 1, "total": 0}';
+    expect(readFile(octets(text.padEnd(65536)), sequenceKind, sequence).rows).toEqual([]);
+  });
+
   it.each([
     ['{', 'It is not JSON in UTF-8.'],
     ['', 'It is not JSON in UTF-8.'],
@@ -102,5 +215,9 @@ describe('files', () => {
     expect(() =>
       readCalibration({ total: 1, rows: [{ Channel: 3, ID: 1, Level_amt: 1 }] }),
     ).toThrow('The instrument has no peak 3/1 (channel/peak).');
+    const rows = Array.from({ length: 7 }, (_, n) => ({ Channel: 4, ID: n + 1, Level_amt: 1 }));
+    expect(() => readCalibration({ total: 7, rows })).toThrow(
+      'The instrument has no peak 4/1, 4/2, 4/3, 4/4, 4/5 (channel/peak).',
+    );
   });
 });

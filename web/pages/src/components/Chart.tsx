@@ -2,66 +2,13 @@
 import { useEffect, useLayoutEffect, useRef, useState } from 'preact/hooks';
 import uPlot from 'uplot';
 import 'uplot/dist/uPlot.min.css';
-import { channelKeys, type Status } from '../documents';
+import { choicesOf, summaryOf, timeSpan, valueSpan, type Choice, type Curve } from '../curves';
+import type { Real, Status } from '../documents';
 import { formatReal } from '../format';
 import type { Points } from '../history';
-import { quantities } from '../quantities';
 import { history, samples } from '../store';
 
-interface Curve {
-  /** Name in the history. */
-  name: string;
-  label: string;
-  isSetpoint: boolean;
-}
-
-interface Choice {
-  label: string;
-  decimals: number;
-  curves: Curve[];
-}
-
-/** What can be shown of an instrument with these channels. */
-function choicesOf(status: Status): Choice[] {
-  const installed = channelKeys
-    .map((key, index) => ({ key, label: `Channel ${index + 1}` }))
-    .filter(({ key }) => status[key]);
-  const pair = (name: string): Curve[] => [
-    { name: `${name}.Actual`, label: 'Actual', isSetpoint: false },
-    { name: `${name}.Setpoint`, label: 'Setpoint', isSetpoint: true },
-  ];
-  const single = (name: string, label: string): Curve[] => [{ name, label, isSetpoint: false }];
-  return [
-    ...quantities.flatMap(({ key: quantity, label, decimals }) => [
-      {
-        label: `${label}, all channels`,
-        decimals,
-        curves: installed.flatMap(({ key, label: name }) =>
-          single(`${key}.${quantity}.Actual`, name),
-        ),
-      },
-      ...installed.map(({ key, label: name }) => ({
-        label: `${label}, ${name.toLowerCase()}`,
-        decimals,
-        curves: pair(`${key}.${quantity}`),
-      })),
-    ]),
-    {
-      label: 'Auto zero, all channels',
-      decimals: 3,
-      curves: installed.flatMap(({ key, label }) => single(`${key}.Auto_zero`, label)),
-    },
-    ...(status.Sample_line_temp.Setpoint === '-'
-      ? []
-      : [{ label: 'Sample line temperature', decimals: 2, curves: pair('Sample_line_temp') }]),
-    { label: 'Ambient temperature', decimals: 0, curves: single('Ambient_temp', 'Ambient') },
-    { label: 'Ambient pressure', decimals: 2, curves: single('Ambient_press', 'Ambient') },
-  ];
-}
-
 const height = 240;
-/** The axis shows at least so much, however short the curves are. */
-const leastSeconds = 60;
 /** Seconds that may lie between two marks of the axis. */
 const timeSteps = [10, 30, 60, 120, 300, 600, 900, 1800];
 /** Line styles, so that curves are told apart without colour too. */
@@ -84,7 +31,11 @@ function optionsOf(choice: Choice, width: number): uPlot.Options {
     height,
     legend: { show: false },
     cursor: { show: false },
-    scales: { x: { range: spanOf }, y: { range: (_, low, high) => roomFor(low, high, choice) } },
+    scales: {
+      // By itself uPlot would make a day of a single sample.
+      x: { range: ({ data: [times] }) => timeSpan(times, Date.now() / 1000) },
+      y: { range: (_, low, high) => valueSpan(low, high, choice.decimals) },
+    },
     axes: [
       { ...axis, space: 90, incrs: timeSteps, values: [[1, '{HH}:{mm}:{ss}']] },
       { ...axis, size: 64, values },
@@ -100,22 +51,6 @@ function optionsOf(choice: Choice, width: number): uPlot.Options {
       })),
     ],
   };
-}
-
-/** The span of the time axis; uPlot would make a day of a single sample. */
-function spanOf({ data: [times] }: uPlot): [number, number] {
-  const last = times.at(-1) ?? Date.now() / 1000;
-  return [Math.min(times[0] ?? last, last - leastSeconds), last];
-}
-
-/** The span of the values, with room around them; steady values do not fill it with their noise. */
-function roomFor(low: number | null, high: number | null, choice: Choice): [number, number] {
-  if (low === null || high === null) {
-    return [0, 1];
-  }
-  const least = Math.min(10, 100 * 10 ** -choice.decimals);
-  const room = Math.max((high - low) * 0.1, (least - (high - low)) / 2);
-  return [low - room, high + room];
 }
 
 function dataOf(curves: readonly Points[]): uPlot.AlignedData {
@@ -163,17 +98,16 @@ function Numbers({ choice, points }: { choice: Choice; points: readonly Points[]
       </thead>
       <tbody>
         {choice.curves.map((curve, index) => {
-          const values = points[index]!.values.filter((value) => value !== null);
-          const last = points[index]!.values.at(-1) ?? '-';
-          const text = (value: number | '-'): string => formatReal(value, choice.decimals);
+          const { last, lowest, highest } = summaryOf(points[index]!);
+          const text = (value: Real): string => formatReal(value, choice.decimals);
           return (
             <tr key={curve.name}>
               <th scope="row">
                 <Sample curve={curve} index={index} /> {curve.label}
               </th>
               <td class="number">{text(last)}</td>
-              <td class="number">{text(values.length > 0 ? Math.min(...values) : '-')}</td>
-              <td class="number">{text(values.length > 0 ? Math.max(...values) : '-')}</td>
+              <td class="number">{text(lowest)}</td>
+              <td class="number">{text(highest)}</td>
             </tr>
           );
         })}

@@ -7,6 +7,7 @@ import {
   moveRow,
   removeRow,
   setCell,
+  textIn,
   type CellProblem,
   type Column,
   type Draft,
@@ -223,7 +224,7 @@ export function Grid({ caption, layout, draft, problems, onChange }: Props) {
 
   const cell = (row: Row, index: number, column: Column) => {
     const { key } = column;
-    const text = row.cells[key] ?? '';
+    const text = textIn(row.cells, column);
     if (!column.isEditable) {
       const isText = column.kind === 'text';
       return (

@@ -6,7 +6,7 @@ import { DiffTable } from '../components/DiffTable';
 import { CellInput, Grid } from '../components/Grid';
 import { isEmptyDiff } from '../diff';
 import type { Editor, Review } from '../editor';
-import { setCell } from '../table';
+import { setCell, textIn } from '../table';
 
 function save(name: string, text: string): void {
   const url = URL.createObjectURL(new Blob([text], { type: 'application/json' }));
@@ -31,7 +31,7 @@ function HeaderFields({ editor }: { editor: Editor }) {
             <CellInput
               id={`field-${key}`}
               column={column}
-              text={draft.header[key] ?? ''}
+              text={textIn(draft.header, column)}
               problemId={problemId}
               onInput={(text) => (editor.draft.value = setCell(draft, null, key, text))}
             />

@@ -1,0 +1,397 @@
+// @vitest-environment happy-dom
+import { signal } from '@preact/signals';
+import { act } from 'preact/test-utils';
+import { afterEach, beforeEach, describe, expect, it, vi } from 'vitest';
+import type { Configuration } from '../src/documents';
+import { Editor, type Sent } from '../src/editor';
+import { TablePage } from '../src/pages/TablePage';
+import type { Table } from '../src/table';
+import { calibrationKind, sequenceKind, type TableKind } from '../src/tables';
+import { load, statusWith } from './documents';
+import {
+  button,
+  field,
+  find,
+  press,
+  reasonOf,
+  rowsOf,
+  settle,
+  show,
+  textOf,
+  textsOf,
+  tick,
+  type,
+} from './dom';
+import { arrange, clear, setStatus } from './world';
+
+const unreachable = { status: 503, text: 'The instrument is not reachable.', detail: '' };
+
+/** What the instrument has, and what it says. */
+class World {
+  table: Table;
+  sent: string[] = [];
+  isReachable = true;
+  /** What is waited for before anything is read. */
+  until: Promise<void> = Promise.resolve();
+  send: (file: string) => Sent = (file) => {
+    this.table = this.kind.fromReport(JSON.parse(file) as object);
+    return { ok: true };
+  };
+
+  constructor(
+    readonly kind: TableKind,
+    document: object,
+  ) {
+    this.table = kind.fromReport(document);
+  }
+
+  editor(): Editor {
+    return new Editor(
+      this.kind,
+      {
+        read: async () => {
+          await this.until;
+          return this.isReachable
+            ? { ok: true, table: this.table }
+            : { ok: false, fault: unreachable };
+        },
+        send: async (file) => {
+          this.sent.push(file);
+          return this.send(file);
+        },
+        describe: ({ text }) => text,
+      },
+      signal<Configuration | undefined>(undefined),
+    );
+  }
+}
+
+const everyday = load<object>('tests/system/documents/sequence/everyday.json');
+const sequence = (): World => new World(sequenceKind, everyday);
+const message = (): string => textOf(find('[data-testid=table-message]'));
+const state = (): string => textOf(find('p[role=status]'));
+const dialog = (): string => textOf(find('dialog h2'));
+
+let world: World;
+let editor: Editor;
+
+async function open(one: World): Promise<void> {
+  world = one;
+  editor = world.editor();
+  await show(<TablePage editor={editor} hint="How to move." />);
+  await settle();
+}
+
+async function pressAndWait(name: string): Promise<void> {
+  await press(name);
+  await settle();
+}
+
+beforeEach(async () => void (await arrange()));
+afterEach(clear);
+
+describe('the page of a table', () => {
+  it('reads the table when it is opened, and says so', async () => {
+    let go = (): void => undefined;
+    const one = sequence();
+    one.until = new Promise((done) => (go = done));
+    await open(one);
+    expect(message()).toBe('Reading the table.');
+    expect(textsOf('table, button')).toEqual([]);
+    go();
+    await settle();
+    expect(message()).toBe('');
+    expect(state()).toBe('As on the instrument when it was read.');
+    expect(rowsOf('tbody')).toHaveLength(3);
+    expect(textOf(find('caption'))).toBe('Sequence');
+    expect(textsOf('p.dim')).toEqual(['How to move.']);
+    expect(textsOf('.toolbar button')).toEqual([
+      'Reload',
+      'Import…',
+      'Export',
+      'Compare and send…',
+    ]);
+    expect(find('.toolbar').getAttribute('aria-label')).toBe('Table');
+    expect(button('Compare and send…').className).toBe('primary');
+  });
+
+  it('does not read it again when one comes back to what was edited', async () => {
+    await open(sequence());
+    await type('Runs, line 1', '7');
+    await show(null);
+    world.isReachable = false;
+    await show(<TablePage editor={editor} hint="" />);
+    await settle();
+    expect(field('Runs, line 1').value).toBe('7');
+    expect(message()).toBe('');
+    expect(state()).toBe('Changed here, not sent.');
+  });
+
+  it('offers to try again when it could not be read', async () => {
+    const one = sequence();
+    one.isReachable = false;
+    await open(one);
+    expect(message()).toBe('The instrument is not reachable.');
+    expect(find('[data-testid=table-message] p').className).toBe('message bad');
+    expect(textsOf('button')).toEqual(['Try again']);
+    world.isReachable = true;
+    await pressAndWait('Try again');
+    expect(message()).toBe('');
+    expect(rowsOf('tbody')).toHaveLength(3);
+  });
+
+  it('reads it again on demand, and says that edits are lost by it', async () => {
+    await open(sequence());
+    await type('Runs, line 1', '7');
+    await pressAndWait('Discard and reload');
+    expect(field('Runs, line 1').value).toBe('2');
+    expect(textOf(button('Reload'))).toBe('Reload');
+  });
+
+  it('is off while something is under way', async () => {
+    await open(sequence());
+    expect(find<HTMLFieldSetElement>('fieldset').disabled).toBe(false);
+    expect(button('Import…').disabled).toBe(false);
+    let go = (): void => undefined;
+    world.until = new Promise((done) => (go = done));
+    await press('Reload');
+    expect(message()).toBe('Reading the table.');
+    expect(find('[data-testid=table-message] p').className).toBe('message waiting');
+    expect(find<HTMLFieldSetElement>('fieldset').disabled).toBe(true);
+    expect(button('Reload').disabled).toBe(true);
+    expect(button('Import…').disabled).toBe(true);
+    expect(reasonOf('Compare and send…')).toBe('Reading the table.');
+    go();
+    await settle();
+    expect(reasonOf('Compare and send…')).toBe('');
+    expect(button('Reload').disabled).toBe(false);
+  });
+
+  it('has the header above the rows', async () => {
+    await open(sequence());
+    expect(textsOf('.fields label')).toEqual([
+      'Runs of the whole table',
+      'Starts again after the last line',
+    ]);
+    await type('Runs of the whole table', '5');
+    await tick('Starts again after the last line', true);
+    expect(editor.draft.value?.header).toEqual({ Table_repeat: '5', Continuous: 'true' });
+    expect(field('Starts again after the last line').checked).toBe(true);
+    expect(state()).toBe('Changed here, not sent.');
+  });
+
+  it('says what is wrong, and sends and exports nothing of it', async () => {
+    await open(sequence());
+    await type('Runs of the whole table', '-1');
+    expect(textsOf('.fields .problem')).toEqual(['must be at least 0']);
+    const header = field('Runs of the whole table');
+    expect(textOf(document.getElementById(header.getAttribute('aria-describedby')!))).toBe(
+      'must be at least 0',
+    );
+    expect(reasonOf('Compare and send…')).toBe('1 cell is not right.');
+    expect(button('Export').disabled).toBe(true);
+    await type('Stream, line 1', 'x');
+    expect(reasonOf('Compare and send…')).toBe('2 cells are not right.');
+    await type('Runs of the whole table', '1');
+    expect(textsOf('.fields .problem')).toEqual([]);
+    await type('Stream, line 1', '1');
+    expect(reasonOf('Compare and send…')).toBe('');
+    expect(button('Export').disabled).toBe(false);
+  });
+});
+
+describe('sending', () => {
+  it('shows what would change, sends it, and says that it is there', async () => {
+    await open(sequence());
+    await type('Stream, line 2', '3');
+    await pressAndWait('Compare and send…');
+    expect(dialog()).toBe('Send the sequence?');
+    expect(textsOf('.dialog-body p')).toEqual(['This changes on the instrument:']);
+    expect(rowsOf('dialog tbody')).toEqual([
+      ['~ changed', '2', 'Analysis', '5', '1 → 3', '0', '1'],
+    ]);
+    await pressAndWait('Send');
+    expect(textsOf('dialog')).toEqual([]);
+    expect(world.sent).toHaveLength(1);
+    expect(message()).toBe('Sent, read back, and the same.');
+    expect(find('[data-testid=table-message] p').className).toBe('message good');
+    expect(state()).toBe('As on the instrument when it was read.');
+  });
+
+  it('can be given up', async () => {
+    await open(sequence());
+    await pressAndWait('Compare and send…');
+    expect(textsOf('.dialog-body p')).toEqual([
+      'The instrument already has this table. It would be written again.',
+    ]);
+    await press('Cancel');
+    expect(textsOf('dialog')).toEqual([]);
+    expect(world.sent).toEqual([]);
+  });
+
+  it('of a header that differs is no sending of the same', async () => {
+    await open(sequence());
+    await type('Runs of the whole table', '9');
+    await pressAndWait('Compare and send…');
+    expect(textsOf('.dialog-body p')).toEqual([
+      'This changes on the instrument:',
+      'Runs of the whole table: 2 → 9',
+    ]);
+  });
+
+  it('of amounts says that all are cleared first', async () => {
+    const peaks = load<object>('docs/schemas/examples/calibration.json');
+    await open(new World(calibrationKind, peaks));
+    await type('Amount, level 1, peak 2', '85');
+    await pressAndWait('Compare and send…');
+    expect(dialog()).toBe('Send the calibration?');
+    expect(textsOf('.dialog-body p')).toEqual([
+      'This changes on the instrument:',
+      'The instrument clears all amounts first. The amounts of all peaks are sent.',
+    ]);
+  });
+
+  it('waits for the state to allow it', async () => {
+    await open(sequence());
+    await pressAndWait('Compare and send…');
+    await setStatus(statusWith({ Auto_state: 'Run Delay 3s' }));
+    const reason =
+      'The instrument takes tables only while nothing runs. The automation is: Run Delay 3s.';
+    expect(reasonOf('Send')).toBe(reason);
+    expect(reasonOf('Compare and send…')).toBe(reason);
+    await press('Send');
+    expect(world.sent).toEqual([]);
+  });
+
+  it('shows what the instrument made of it', async () => {
+    await open(sequence());
+    await type('Stream, line 2', '3');
+    world.send = () => ({ ok: true });
+    await pressAndWait('Compare and send…');
+    await pressAndWait('Send');
+    expect(textsOf('[data-testid=table-message] p')).toEqual([
+      'The instrument accepted the table, but what it has now differs:',
+    ]);
+    expect(rowsOf('[data-testid=table-message] tbody')).toEqual([
+      ['~ changed', '2', 'Analysis', '5', '3 → 1', '0', '1'],
+    ]);
+  });
+});
+
+describe('a table that somebody else has changed', () => {
+  const changed = (): void => {
+    world.table = {
+      ...world.table,
+      rows: world.table.rows.map((row, n) => (n === 2 ? { ...row, Stream: 4 } : row)),
+    };
+  };
+
+  beforeEach(async () => {
+    await open(sequence());
+    await type('Runs, line 1', '9');
+    changed();
+    await pressAndWait('Compare and send…');
+  });
+
+  it('is shown, and nothing sent', async () => {
+    expect(dialog()).toBe('The instrument’s table has changed');
+    expect(textsOf('.dialog-body p')).toEqual([
+      'Nothing was sent. Since the table was loaded here, somebody has changed on the instrument:',
+    ]);
+    expect(rowsOf('dialog tbody')).toEqual([
+      ['~ changed', '3', 'Analysis', '3', '2 → 4', '0', '0.5'],
+    ]);
+    expect(textsOf('dialog button')).toEqual([
+      'Cancel',
+      'Load the instrument’s table',
+      'Keep my table and compare again',
+    ]);
+    await press('Cancel');
+    expect(textsOf('dialog')).toEqual([]);
+    expect(field('Runs, line 1').value).toBe('9');
+  });
+
+  it('can be loaded', async () => {
+    await pressAndWait('Load the instrument’s table');
+    expect(textsOf('dialog')).toEqual([]);
+    expect(field('Runs, line 1').value).toBe('2');
+    expect(field('Stream, line 3').value).toBe('4');
+  });
+
+  it('can be written over, after another look', async () => {
+    await pressAndWait('Keep my table and compare again');
+    expect(dialog()).toBe('Send the sequence?');
+    expect(rowsOf('dialog tbody').map(([, line]) => line)).toEqual(['1', '3']);
+  });
+});
+
+describe('files', () => {
+  const pick = async (file?: File): Promise<HTMLInputElement> => {
+    const input = field('File to import');
+    Object.defineProperty(input, 'files', { value: file ? [file] : [], configurable: true });
+    let value = 'C:\\fakepath\\mine.json';
+    Object.defineProperty(input, 'value', {
+      get: () => value,
+      set: (text: string) => (value = text),
+      configurable: true,
+    });
+    await act(async () => void input.dispatchEvent(new Event('change', { bubbles: true })));
+    // The file is read by the browser, in its own time.
+    await vi.waitFor(() => expect(message()).not.toBe('Reading'));
+    return input;
+  };
+
+  it('are chosen with the browser', async () => {
+    await open(sequence());
+    const clicked = vi.fn();
+    field('File to import').addEventListener('click', clicked);
+    await press('Import…');
+    expect(clicked).toHaveBeenCalledTimes(1);
+    expect(field('File to import').accept).toBe('.json,application/json');
+  });
+
+  it('are read into the table, and not sent', async () => {
+    await open(sequence());
+    const text = '{"Table_repeat": 4, "total": 1, "rows": [{"Stream": 2}]}';
+    const input = await pick(new File([text], 'mine.json'));
+    await vi.waitFor(() =>
+      expect(message()).toBe('mine.json was read. Nothing has been sent yet.'),
+    );
+    expect(field('Stream, line 1').value).toBe('2');
+    expect(rowsOf('tbody')).toHaveLength(1);
+    expect(world.sent).toEqual([]);
+    // The same file can be chosen again.
+    expect(input.value).toBe('');
+  });
+
+  it('may not be chosen after all', async () => {
+    await open(sequence());
+    await pick();
+    await settle();
+    expect(message()).toBe('');
+  });
+
+  it('are saved under the name of the table', async () => {
+    await open(sequence());
+    await type('Runs of the whole table', '8');
+    const blobs: Blob[] = [];
+    vi.spyOn(URL, 'createObjectURL').mockImplementation((blob) => {
+      blobs.push(blob as Blob);
+      return 'blob:1';
+    });
+    const revoke = vi.spyOn(URL, 'revokeObjectURL').mockImplementation(() => undefined);
+    const saved: string[][] = [];
+    vi.spyOn(HTMLAnchorElement.prototype, 'click').mockImplementation(function (
+      this: HTMLAnchorElement,
+    ) {
+      expect(revoke).not.toHaveBeenCalled();
+      saved.push([this.href, this.download]);
+    });
+    await press('Export');
+    expect(saved).toEqual([['blob:1', 'sequence.json']]);
+    expect(revoke).toHaveBeenCalledWith('blob:1');
+    expect(blobs.map((blob) => blob.type)).toEqual(['application/json']);
+    expect(JSON.parse(await blobs[0]!.text())).toEqual({ ...everyday, Table_repeat: 8 });
+    vi.restoreAllMocks();
+  });
+});

@@ -1,0 +1,60 @@
+// What the store holds when a part of a page is shown by itself.
+import { render } from 'preact';
+import { act } from 'preact/test-utils';
+import { vi } from 'vitest';
+import type { Configuration, Status } from '../src/documents';
+import * as store from '../src/store';
+import { load, statusWith } from './documents';
+import { Gateway } from './gateway';
+
+export const exampleConfiguration = load<Configuration>('docs/schemas/examples/configuration.json');
+
+// A browser makes a text of a number before it looks for the option.
+const selectValue = Object.getOwnPropertyDescriptor(HTMLSelectElement.prototype, 'value')!;
+Object.defineProperty(HTMLSelectElement.prototype, 'value', {
+  ...selectValue,
+  set(value: unknown) {
+    selectValue.set!.call(this, String(value));
+  },
+});
+
+export function setHidden(isHidden: boolean): void {
+  Object.defineProperty(document, 'hidden', { value: isHidden, configurable: true });
+}
+
+/** Lets the status be fresh, or so many seconds old. */
+export function setAge(seconds: number): Promise<void> {
+  return act(() => {
+    const present = Date.now();
+    store.now.value = present;
+    store.statusTime.value = present - seconds * 1000;
+  });
+}
+
+export function setStatus(status: Status | undefined): Promise<void> {
+  return act(() => {
+    store.status.value = status;
+  });
+}
+
+/** A fresh status and the configuration, and a gateway that nobody asks for the status. */
+export async function arrange(status: Status | undefined = statusWith()): Promise<Gateway> {
+  setHidden(true);
+  store.configuration.value = exampleConfiguration;
+  await setStatus(status);
+  await setAge(0);
+  return new Gateway();
+}
+
+export async function clear(): Promise<void> {
+  setHidden(true);
+  await act(() => render(null, document.body));
+  store.status.value = undefined;
+  store.statusTime.value = 0;
+  store.statusFault.value = undefined;
+  store.configuration.value = undefined;
+  store.notice.value = undefined;
+  store.isSignedIn.value = false;
+  store.interruptions.value = [];
+  vi.unstubAllGlobals();
+}
