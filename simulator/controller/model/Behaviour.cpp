@@ -159,8 +159,7 @@ std::uint32_t Behaviour::stepsOf(eTable aTable, std::uint32_t aChannel) const {
 bool Behaviour::isThere(std::size_t aSlot) const {
   const Slot slot = slotAt(aSlot);
   const eTable table = slot.row->table;
-  return table == eTable::eNone || table == eTable::eSlots ||
-         slot.step <= stepsOf(table, slot.member == 0 ? 1 : slot.member);
+  return table == eTable::eNone || slot.step <= stepsOf(table, slot.member == 0 ? 1 : slot.member);
 }
 
 bool Behaviour::takesSettings() const {

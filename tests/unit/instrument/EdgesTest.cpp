@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <model/Parameters.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -123,6 +124,17 @@ TEST(Values, AreRoundedAsTheyCountDown) {
   EXPECT_EQ(flushing.state(119.5), eFlushing);
   EXPECT_EQ(flushing.state(120.0), eReady);
   EXPECT_EQ(flushing.counter(120.0), 1284);
+}
+
+TEST(Start, InAnIdleStateFollowsFromTheValuesAtOnce) {
+  for (int state : {3, 4, 8, 9}) {
+    Bench bench(scenarioWith("everyday", {{"mGC_State", state}}));
+    EXPECT_EQ(bench.state(0.0), eReady) << state;
+    Bench service(scenarioWith("everyday", {{"mGC_State", state}, {"mServiceSwitch", 1}}));
+    EXPECT_EQ(service.state(0.0), eNotReady) << state;
+    service.set(0.0, "mServiceSwitch", 0);
+    EXPECT_EQ(service.state(0.0), eReady) << state;
+  }
 }
 
 TEST(Solutions, AreLoadedInIdleStatesOnly) {

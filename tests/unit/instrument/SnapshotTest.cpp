@@ -380,6 +380,22 @@ TEST(Snapshot, OfOneThatHoldsNothingMayLeaveTheRestOut) {
   Bench busy(with(R"({"time": 0, "state": 8, "left": 7})"));
   EXPECT_EQ(busy.state(6.5), 8);
   EXPECT_EQ(busy.state(7.0), 4);
+  Bench soon(with(R"({"time": 0, "state": 8, "left": 0.5})"));
+  EXPECT_EQ(soon.state(0.25), 8);
+  EXPECT_EQ(soon.state(0.5), 4);
+  Bench stabilizing(with(R"({"time": 0, "state": 3, "left": 0.5})"));
+  EXPECT_EQ(stabilizing.state(0.25), 3);
+  EXPECT_EQ(stabilizing.state(0.5), 4);
+  Bench never(with(R"({"time": 0, "state": 3})"));
+  EXPECT_EQ(never.state(1e12), 3);
+  never.set(1e12, "mServiceSwitch", 1);  // what is set decides anew
+  EXPECT_EQ(never.state(1e12), 8);
+  // Nothing ends at once that would release what is held.
+  for (const char* start : {R"("state": 8)", R"("state": 3, "left": 0)", R"("state": 4)"}) {
+    Bench held(with(R"({"time": 0, "held": ["mGC_CurRunTime"], )" + std::string(start) + "}"));
+    EXPECT_EQ(held.runTime(5.0), 11) << start;
+    EXPECT_EQ(held.state(5.0), 4) << start;
+  }
   Bench octets(with(R"({"time": 0, "state": 4, "octets": {"siteInformation": "41ff"}})"));
   EXPECT_EQ(textOf(octets, 2), "A\xff");
 }
