@@ -164,11 +164,13 @@ class Interleaving:
         ended = {line["id"] for line in log if line["event"] == "ended"}
         interrupted = Browser(self._server.address).get("/api/unfinished").document["interrupted"]
         assert ended <= set(begun)
-        assert len(begun) + len(ended) == len(log), "a line stands twice"
+        shared = sum(line["event"] == "shared" for line in log)
+        assert len(begun) + len(ended) + shared == len(log), "a line stands twice"
         assert {line["id"] for line in interrupted} >= set(begun) - ended, "nobody tells of one"
         # A gateway that is killed just before the log's first line is told of too: on the safe side.
         assert all(begun.get(line["id"], line) == line for line in interrupted)
         self.result.counts["begun"] += len(begun)
+        self.result.counts["shared"] += shared
         self.result.counts["interrupted"] += len(interrupted)
         for line in interrupted:
             body = json.dumps({"id": line["id"]}).encode()

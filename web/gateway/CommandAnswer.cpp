@@ -201,6 +201,8 @@ void abort(Order& order, const FileLock& aLock, const FileLock& aCommands, const
       return;
     }
     if (const std::optional<std::string> answer = turn.sharedAnswer()) {
+      // Who asked for it too. It has been done, whether the log takes that or not.
+      CommandLog(order.settings.log).add(sharedLine(order.entry));
       aReply(*answer);
       return;
     }

@@ -75,6 +75,14 @@ std::string endLine(Writer& writer, rapidjson::StringBuffer& line) {
   return line.GetString();
 }
 
+std::string lineAbout(const char* aEvent, const CommandEntry& aEntry) {
+  rapidjson::StringBuffer line;
+  Writer writer(line);
+  beginLine(writer, aEvent, aEntry);
+  addCommand(writer, aEntry.call);
+  return endLine(writer, line);
+}
+
 /// Whether the last octet is not the end of a line.
 bool isTorn(int aFile, off_t aSize) {
   char last = '\n';
@@ -103,11 +111,11 @@ std::string newCommandId() {
 }
 
 std::string begunLine(const CommandEntry& aEntry) {
-  rapidjson::StringBuffer line;
-  Writer writer(line);
-  beginLine(writer, "begun", aEntry);
-  addCommand(writer, aEntry.call);
-  return endLine(writer, line);
+  return lineAbout("begun", aEntry);
+}
+
+std::string sharedLine(const CommandEntry& aEntry) {
+  return lineAbout("shared", aEntry);
 }
 
 std::string endedLine(const CommandEntry& aEntry, int aStatus, const std::string& aDocument) {

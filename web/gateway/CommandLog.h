@@ -23,6 +23,9 @@ std::string begunLine(const CommandEntry& aEntry);
 /// `aStatus`: of the answer. `aDocument`: how it went; JSON, or empty.
 std::string endedLine(const CommandEntry& aEntry, int aStatus, const std::string& aDocument);
 
+/// An abort that was asked for while the same was being done, and has its answer.
+std::string sharedLine(const CommandEntry& aEntry);
+
 /// Somebody has taken note that the command was interrupted. The entry has no call.
 std::string seenLine(const CommandEntry& aEntry);
 

@@ -85,6 +85,12 @@ TEST_F(Aborted, SharesTheAnswerOfOneThatIsUnderWay) {
   EXPECT_EQ(contentOf("second"), contentOf("first"));
   EXPECT_EQ(Received(contentOf("first")).status, 200);
   EXPECT_EQ(logged("begun").size(), 1U);
+  const auto shared = logged("shared");
+  ASSERT_EQ(shared.size(), 1U);
+  EXPECT_STREQ(shared[0]["user"].GetString(), "anna");
+  EXPECT_STREQ(shared[0]["command"][1].GetString(), "now");
+  EXPECT_NE(shared[0]["id"], logged("begun")[0]["id"]);
+  EXPECT_EQ(linesOf("log").size(), 3U);
 }
 
 TEST_F(Aborted, DoesNotShareTheAnswerOfOneThatHasEnded) {
