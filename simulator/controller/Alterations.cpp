@@ -112,15 +112,15 @@ void alter(const Fault& aFault, Reply& reply) {
       reply.octets.clear();
       reply.hang = true;
       break;
-    case eFault::eDelay:
-      reply.seconds = aFault.seconds;
-      break;
     case eFault::eShort:
       shorten(reply.octets);
       break;
     case eFault::eTruncate:
       reply.octets.resize(reply.octets.size() / 2);
       reply.close = true;
+      break;
+    case eFault::eDelay:
+      reply.seconds = aFault.seconds;
       break;
     default:
       break;

@@ -12,6 +12,8 @@
 #include <csignal>
 #include <cstdlib>
 #include <ctime>
+#include <set>
+#include <string>
 
 #include "Bench.h"
 
@@ -41,6 +43,18 @@ TEST_F(LogOfCommands, HasALineBeforeAndALineAfter) {
                           R"("document":{"ErrorCode":0,"Msg":"Accepted"}})");
   EXPECT_EQ(id.size(), 16U);
   EXPECT_EQ(id.find_first_not_of("0123456789abcdef"), std::string::npos);
+}
+
+TEST_F(LogOfCommands, KnowsEveryCommandByANumberOfItsOwn) {
+  std::set<std::string> ids;
+  std::set<char> digits;
+  for (int i = 0; i < 1000; ++i) {
+    const std::string id = newCommandId();
+    EXPECT_EQ(id.size(), 16U);
+    EXPECT_TRUE(ids.insert(id).second) << id;
+    digits.insert(id.begin(), id.end());
+  }
+  EXPECT_EQ(std::string(digits.begin(), digits.end()), "0123456789abcdef");
 }
 
 TEST_F(LogOfCommands, TellsTheTimeInUtc) {

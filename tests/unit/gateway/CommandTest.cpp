@@ -22,6 +22,7 @@ const Good cGood[] = {
     {"POST", "/abort", R"({"when": "after-run"})", {"-A", "auto"}},
     {"PUT", "/stream", R"({"stream": 2})", {"-V", "2"}},
     {"PUT", "/stream", R"({"stream": 46})", {"-V", "46"}},
+    {"PUT", "/stream", R"({"stream": 0})", {"-V", "0"}},
     {"PUT", "/solution", R"({"solution": 0})", {"-M", "0"}},
     {"PUT", "/solution", " {\"solution\" : 10}\n", {"-M", "10"}},
     {"POST", "/alarm-reset", "{}", {"-P"}},
@@ -143,6 +144,14 @@ TEST_F(CommandRequest, RefusesABodyOfAnotherShape) {
     EXPECT_EQ(answer.status, row.status) << row.body;
     EXPECT_EQ(answer.detail().rfind(row.place, 0), 0U) << row.body << answer.body;
   }
+  for (const char* path : {"/stream", "/solution"}) {
+    for (const char* body : {"[]", "5", "null"}) {
+      EXPECT_EQ(command("PUT", path, body).detail(), "The document is not of its schema: type.");
+    }
+  }
+  EXPECT_EQ(command("POST", "/seen", "[]").detail(), "The document is not of its schema: type.");
+  EXPECT_EQ(command("POST", "/seen", "{}").detail(),
+            "The document is not of its schema: required id.");
   for (const char* body : {R"({"stream": 47})", R"({"stream": -1})", R"({"solution": 1})", "{}",
                            R"({"stream": 1, "stream": 2})", R"({"stream": true})"}) {
     EXPECT_EQ(command("PUT", "/stream", body).status, 422) << body;

@@ -65,9 +65,9 @@ TEST_F(Said, IsNothingWhenNothingIsSaid) {
 }
 
 TEST_F(Said, IsOneLineOfPlainCharacters) {
-  toolDoes("err a\x1B[2J\xFF\\\t~\x7F\nerr b\nexit 1");
+  toolDoes("err a\x1B[2J\xFF\\\t~\x7F \x1F\nerr b\nexit 1");
   const std::string said = during([&] { command("POST", "/alarm-reset", "{}"); });
-  EXPECT_NE(said.find(R"(: a\x1b[2J\xff\x5c\x09~\x7f | b)"), std::string::npos) << said;
+  EXPECT_NE(said.find(R"(: a\x1b[2J\xff\x5c\x09~\x7f \x1f | b)"), std::string::npos) << said;
   EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 1);
 }
 
@@ -86,6 +86,7 @@ TEST_F(Said, OfAReportIsToldOnceAMinute) {
   struct stat mark = {};
   const std::string name = path("configuration.told");
   ASSERT_EQ(::stat(name.c_str(), &mark), 0);
+  EXPECT_EQ(mark.st_mode & 0777U, 0600U);
   const struct {
     long seconds;
     bool isTold;

@@ -1,5 +1,6 @@
 // What people read when something is refused, word by word.
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 #include <csignal>
 
@@ -58,6 +59,20 @@ TEST_F(Told, IsWhatIsWrongWithARequest) {
     EXPECT_EQ(answer.status, row.status);
     EXPECT_EQ(answer.detail(), row.detail);
     input.variables = good;
+  }
+}
+
+TEST_F(Told, IsThatALockCannotBeMade) {
+  const struct {
+    const char* lock;
+    const char* body;
+  } cRows[] = {{"command.lock", R"({"when": "now"})"},
+               {"abort-after-run.lock", R"({"when": "after-run"})"}};
+  for (const auto& row : cRows) {
+    ASSERT_EQ(::mkdir(path(row.lock).c_str(), 0700), 0);
+    const Received answer = command("POST", "/abort", row.body);
+    EXPECT_EQ(answer.status, 500);
+    EXPECT_EQ(answer.detail(), "GC_WEB_STATE is no folder to write to; nothing was done.");
   }
 }
 

@@ -193,6 +193,39 @@ TEST(VerdictOfTheTool, ASwitchedStreamHasNoContent) {
   EXPECT_EQ(answer.headers.at("Cache-Control"), "no-store");
 }
 
+TEST(VerdictOfTheTool, IsToldInTheseWords) {
+  const std::string unknown = std::string(" ") + cNotKnown;
+  const std::string complaint(300, 'x');
+  const struct {
+    eOperation operation;
+    Outcome outcome;
+    std::string detail;
+  } cEnds[] = {
+      {cRun, {false, false, false, 0, "", ""}, "The tool could not be started."},
+      {cReport, {true, true, false, 0, "", ""}, "The instrument did not answer in time."},
+      {cRun, {true, true, false, 0, "", ""}, "The command is still going on." + unknown},
+      {cReport, {true, false, true, 0, "", ""}, "The tool printed too much."},
+      {cReport, {true, false, false, SIGKILL, "", ""}, "The tool was ended by signal 9."},
+      {cReport,
+       {true, false, false, 3 << 8, "", "Why\nx"},
+       "The tool ended with exit status 3. Why"},
+      {cReport,
+       {true, false, false, 3 << 8, "", complaint},
+       "The tool ended with exit status 3. " + complaint.substr(100)},
+      {cReport, {true, false, false, 0, "", ""}, "The tool printed nothing."},
+      {cReport,
+       {true, false, false, 0, "x", ""},
+       "What the tool printed is not one JSON document."},
+      {cRun,
+       {true, false, false, 0, "{}", ""},
+       "What the tool printed has no ErrorCode." + unknown},
+      {cRun, {true, false, false, 0, "", "Execute failed 28."}, "The instrument refused it."},
+  };
+  for (const auto& row : cEnds) {
+    EXPECT_EQ(Received(render(judge(row.operation, row.outcome))).detail(), row.detail);
+  }
+}
+
 TEST(VerdictOfTheTool, FollowsTheEndOfTheRun) {
   const struct {
     Outcome outcome;

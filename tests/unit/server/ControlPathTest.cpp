@@ -60,6 +60,17 @@ TEST(PrepareControlFolder, LeavesOtherFoldersAlone) {
   EXPECT_EQ(error, "");
 }
 
+TEST(PrepareControlFolder, MakesTheUsersOwn) {
+  const std::string folder = cOwnPath.substr(0, cOwnPath.rfind('/'));
+  const bool wasThere = ::access(folder.c_str(), F_OK) == 0;
+  std::string error;
+  EXPECT_TRUE(prepareControlFolder(cOwnPath, error)) << error;
+  EXPECT_EQ(::access(folder.c_str(), F_OK), 0);
+  if (!wasThere) {
+    ::rmdir(folder.c_str());
+  }
+}
+
 TEST(MakePrivateFolder, MakesItAndFindsIt) {
   const TemporaryFolder folder;
   const std::string path = folder.path("own");
