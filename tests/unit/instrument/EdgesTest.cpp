@@ -113,6 +113,12 @@ TEST(Values, AreRoundedAsTheyCountDown) {
   EXPECT_EQ(bench.real(100.0, 0, 162), 0.488);  // time does not go back
   Bench cleaning(scenarioWith("everyday", {{"mGC_State", 10}, {"mGC_CleaningTimeLeft", 3}}));
   EXPECT_EQ(cleaning.integer(0.0, 0, 96), 3);
+  EXPECT_EQ(cleaning.autoState(0.0), 0);
+  Bench initializing("warming-up");
+  EXPECT_EQ(initializing.autoState(0.0), 0);
+  EXPECT_EQ(initializing.autoState(30.0), 0);
+  Bench inError("error");
+  EXPECT_EQ(inError.autoState(0.0), 0);
   EXPECT_EQ(cleaning.integer(59.5, 0, 96), 3);
   EXPECT_EQ(cleaning.integer(60.0, 0, 96), 2);
   EXPECT_EQ(cleaning.integer(179.5, 0, 96), 1);

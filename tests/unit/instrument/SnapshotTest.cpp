@@ -258,6 +258,18 @@ TEST(Snapshot, OfWhatWasLeftOutIsAScenario) {
   }
 }
 
+TEST(Snapshot, ShowsPeaksAsTheScenarioHasThem) {
+  Bench bench;
+  const rapidjson::Document document = parsed(bench.snapshot(0.0));
+  const rapidjson::Value& peaks = document["peaks"];
+  ASSERT_EQ(peaks.Size(), 11U);
+  EXPECT_STREQ(peaks[10]["name"].GetString(), "n-Hexane");
+  EXPECT_EQ(peaks[10]["channel"].GetInt(), 2);
+  EXPECT_EQ(peaks[10]["retentionTime"].GetDouble(), 2.62);
+  EXPECT_EQ(peaks[1]["levelAmount"].GetDouble(), 84.95);
+  EXPECT_EQ(peaks[0]["linearCoefficient"].GetDouble(), 0.0000214);
+}
+
 TEST(Snapshot, HoldsWhatAnOperatorHolds) {
   Bench bench;
   bench.set(0.0, "mColumnTemp1", 99.5);
