@@ -26,6 +26,8 @@ class Mutant:
     line: str
     old: str
     new: str
+    place: str = ""
+    """As Stryker names it."""
 
     def __str__(self) -> str:
         return f"{self.file}: {self.line}\n{self.old} => {self.new}"
@@ -40,6 +42,12 @@ def cut(lines: list[str], location: dict[str, dict[str, int]]) -> str:
     return "\n".join(text)
 
 
+def place_of(file: str, location: dict[str, dict[str, int]]) -> str:
+    start, end = location["start"], location["end"]
+    # Columns count from 1 in a report, and from 0 in a place.
+    return f"{file}:{start['line']}:{start['column'] - 1}-{end['line']}:{end['column'] - 1}"
+
+
 def read_report(report: dict) -> list[tuple[Mutant, str]]:
     """The mutants in the order of the text, with their verdicts; ignored ones are left out."""
     found = []
@@ -52,7 +60,9 @@ def read_report(report: dict) -> list[tuple[Mutant, str]]:
                 old = one_line(cut(lines, mutant["location"]))
                 new = one_line(mutant["replacement"]) or "nothing"
                 line = lines[number - 1].strip()
-                found.append((Mutant(file, number, mutant["mutatorName"], line, old, new), verdict))
+                place = place_of(file, mutant["location"])
+                kind = mutant["mutatorName"]
+                found.append((Mutant(file, number, kind, line, old, new, place), verdict))
     return sorted(found, key=lambda one: (one[0].file, one[0].number))
 
 

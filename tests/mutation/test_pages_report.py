@@ -33,6 +33,8 @@ def test_mutants_are_printed_with_their_line() -> None:
     )
     assert str(first) == "src/a.ts: const a = 1 + 2;\n1 + 2 => 1 - 2"
     assert str(second) == "src/a.ts: if (a > 3) {\n{ stop(); } => {}"
+    assert first.place == "src/a.ts:1:10-1:15"
+    assert second.place == "src/a.ts:2:11-4:1"
     assert (killed, survived) == ("killed", "survived")
 
 

@@ -6,7 +6,7 @@ import { interruptions, isSignedIn, notice, status, statusFault, statusTime } fr
 import { statusWith } from './documents';
 import { button, find, press, reasonOf, settle, show, textOf, textsOf } from './dom';
 import type { Gateway } from './gateway';
-import { arrange, clear, setAge, setStatus } from './world';
+import { arrange, clear, setAge, setHidden, setStatus } from './world';
 
 let gateway: Gateway;
 const running = statusWith({
@@ -119,6 +119,7 @@ describe('the notice', () => {
       notice.value = { kind: 'waiting', text: 'Reset: being sent.' };
     });
     expect(at('notice')).toBe('Reset: being sent.');
+    expect(find('[data-testid=notice]').getAttribute('role')).toBe('status');
     expect(find('[data-testid=notice] p').className).toBe('message waiting');
     await act(() => {
       notice.value = { kind: 'bad', text: 'Reset: refused.' };
@@ -227,6 +228,25 @@ describe('stopping', () => {
     await settle();
     expect(aborts()).toEqual([['POST', { when: 'after-run' }]]);
     expect(notice.value).toEqual({ kind: 'waiting', text: 'Stop after this run: accepted.' });
+  });
+
+  it.each([
+    ['Abort now…', 'Running 5s', 'Idle', /^Abort now: accepted\. Waiting for/],
+    ['Abort now…', 'Ready', 'Idle', /^Abort now: the instrument has stopped/],
+    ['Stop after this run', 'Running 5s', 'Idle', /^Stop after this run: the automation has ended/],
+  ])('%s is over when the state is %s, automation %s', async (name, gc, automation, text) => {
+    await setStatus(running);
+    await show(<Header />);
+    setHidden(false);
+    const answer = gateway.hold('/api/status');
+    await press(name);
+    if (name === 'Abort now…') {
+      await press('Abort now');
+    }
+    await settle();
+    answer(statusWith({ GC_state: gc, Auto_state: automation }));
+    await settle();
+    expect(notice.value?.text).toMatch(text);
   });
 
   it('cannot be confirmed when nothing runs any more', async () => {

@@ -73,6 +73,7 @@ describe('which action is allowed', () => {
     ['Stabilizing', 'Idle', settings],
     ['Not Ready', 'Idle', settings],
     ['Wait Ext Rdy', 'Idle', settings],
+    ['Error', 'Idle', ['abort-now', 'stream', 'alarm-reset', 'send-table']],
     ['Recoverable Error', 'Idle', ['abort-now', 'stream', 'alarm-reset', 'send-table']],
     ['Unrecoverable Error', 'Idle', ['abort-now', 'alarm-reset']],
     ['Initializing', 'Idle', ['abort-now', 'alarm-reset']],

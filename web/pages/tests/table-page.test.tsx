@@ -336,8 +336,6 @@ describe('files', () => {
       configurable: true,
     });
     await act(async () => void input.dispatchEvent(new Event('change', { bubbles: true })));
-    // The file is read by the browser, in its own time.
-    await vi.waitFor(() => expect(message()).not.toBe('Reading'));
     return input;
   };
 
@@ -354,8 +352,10 @@ describe('files', () => {
     await open(sequence());
     const text = '{"Table_repeat": 4, "total": 1, "rows": [{"Stream": 2}]}';
     const input = await pick(new File([text], 'mine.json'));
-    await vi.waitFor(() =>
-      expect(message()).toBe('mine.json was read. Nothing has been sent yet.'),
+    // The file is read by the browser, in its own time.
+    await vi.waitFor(
+      () => expect(message()).toBe('mine.json was read. Nothing has been sent yet.'),
+      60_000,
     );
     expect(field('Stream, line 1').value).toBe('2');
     expect(rowsOf('tbody')).toHaveLength(1);

@@ -2,6 +2,7 @@ import { describe, expect, it } from 'vitest';
 import type { Configuration } from '../src/documents';
 import {
   addRow,
+  cellProblem,
   draftOf,
   duplicateRow,
   moveRow,
@@ -173,6 +174,12 @@ describe('texts of cells', () => {
   ])('%s %j: %s', (key, text, expected) => {
     const [problem] = problemsOfDraft(setCell(draft, 1, key, text), layout);
     expect(problem).toEqual(expected && { rowId: 1, key, text: expected });
+  });
+
+  it('have bounds of their own', () => {
+    const column = { ...layout.columns[1]!, minimum: 5, maximum: 7 };
+    const told = ['4', '5', '7', '8'].map((text) => cellProblem(text, column, layout.schema));
+    expect(told).toEqual(['must be at least 5', '', '', 'must be at most 7']);
   });
 
   it('are checked in the header too', () => {

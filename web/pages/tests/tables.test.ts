@@ -177,6 +177,7 @@ describe('files', () => {
     const rows = [{ Channel: 1, ID: 1, Level_amt: 99 }];
     expect(readCalibration({ total, rows })).toEqual(calibration);
     expect(readCalibration({ total })).toEqual(calibration);
+    expect(readCalibration({ total: 3 })).toEqual(calibration);
   });
 
   it('may have 20 lines, and as many octets as the gateway takes', () => {
