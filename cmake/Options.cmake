@@ -4,12 +4,8 @@ target_compile_options(gc_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
   -fvisibility=hidden -fvisibility-inlines-hidden)
 # A request lives for milliseconds, most of them in the loader: short symbol tables, no lazy
-# binding machinery, and read-only relocations as hardening that costs nothing more.
-define_property(TARGET PROPERTY GC_HARDENED INHERITED BRIEF_DOCS "Whether relocations end read-only")
-set_property(DIRECTORY PROPERTY GC_HARDENED ON)
-target_link_options(gc_options INTERFACE
-  -Wl,--hash-style=gnu -Wl,-O1 -Wl,--as-needed
-  $<$<BOOL:$<TARGET_PROPERTY:GC_HARDENED>>:-Wl,-z,relro,-z,now>)
+# binding machinery.
+target_link_options(gc_options INTERFACE -Wl,--hash-style=gnu -Wl,-O1 -Wl,--as-needed)
 
 set(GC_SANITIZE "" CACHE STRING "Sanitizers, as in -fsanitize=")
 if(GC_SANITIZE)
@@ -23,6 +19,26 @@ if(GC_SANITIZE)
   target_link_options(gc_options INTERFACE -fsanitize=${GC_SANITIZE})
 endif()
 
+# What Debian's hardening=+all gives, and the processor's own protection of branches where it has one;
+# tests/checks/hardening looks at what has come out.
+include(CheckPIESupported)
+check_pie_supported()
+target_compile_options(gc_options INTERFACE
+  -fstack-protector-strong -fstack-clash-protection -Wformat -Werror=format-security)
+target_link_options(gc_options INTERFACE -Wl,-z,relro,-z,now)
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|i.86)$")
+  target_compile_options(gc_options INTERFACE -fcf-protection)
+elseif(CMAKE_SYSTEM_PROCESSOR STREQUAL "aarch64")
+  target_compile_options(gc_options INTERFACE -mbranch-protection=standard)
+endif()
+# Only an optimised build can be fortified; the sanitizers check more. Then the C library marks results
+# that must be used, and g++ does not take a cast to void for an answer; clang++ sees [[nodiscard]].
+string(TOUPPER "${CMAKE_BUILD_TYPE}" gc_build_type)
+if(NOT GC_SANITIZE AND
+    "${CMAKE_CXX_FLAGS} ${CMAKE_CXX_FLAGS_${gc_build_type}}" MATCHES "-O[123gs]")
+  target_compile_options(gc_options INTERFACE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -Wno-unused-result)
+endif()
+
 # For programs without shared libraries. The sanitizers' are shared; not every processor's C library
 # can put a static program at an address of chance.
 include(CheckLinkerFlag)
@@ -34,3 +50,20 @@ elseif(GC_CAN_STATIC_PIE)
 else()
   set(GC_STATIC -static)
 endif()
+
+# Compiled once for all clones of the project on this machine: paths are relative to the clone.
+option(GC_CACHE_COMPILATIONS "Compile through ccache, if there is one" ON)
+find_program(GC_CCACHE ccache)
+if(GC_CACHE_COMPILATIONS AND GC_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env
+    CCACHE_BASEDIR=${CMAKE_SOURCE_DIR} CCACHE_SLOPPINESS=pch_defines,time_macros ${GC_CCACHE})
+  add_compile_options(-fdebug-prefix-map=${CMAKE_BINARY_DIR}=.)
+endif()
+
+# The headers of libraries take longer to compile than the tests that include them.
+option(GC_PRECOMPILE "Precompile headers of libraries for the tests" OFF)
+function(gc_precompile target)
+  if(GC_PRECOMPILE)
+    target_precompile_headers(${target} PRIVATE ${ARGN})
+  endif()
+endfunction()
