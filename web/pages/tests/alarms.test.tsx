@@ -3,7 +3,7 @@ import { act } from 'preact/test-utils';
 import { afterEach, beforeEach, describe, expect, it, vi } from 'vitest';
 import type { Alarm, Alarms } from '../src/documents';
 import { AlarmsPage } from '../src/pages/Alarms';
-import { statusFault } from '../src/store';
+import { notice, statusFault } from '../src/store';
 import { load, statusWith } from './documents';
 import { find, press, reasonOf, rowsOf, settle, show, textOf, textsOf } from './dom';
 import type { Gateway } from './gateway';
@@ -76,6 +76,10 @@ describe('the alarms', () => {
     [{ total: 0 }, ['No alarm is defined, or alarms are switched off.']],
     [{ total: 4, rows: [] }, ['No alarm is defined, or alarms are switched off.']],
     [{ ...example, total: 40 }, ['The instrument has 40 alarms; the first 5 are shown.']],
+    [
+      { total: 2, rows: example.rows!.slice(0, 1) },
+      ['The instrument has 2 alarms; the first 1 are shown.'],
+    ],
     [example, []],
   ])('in number: %#', async (alarms, texts) => {
     await open(alarms);
@@ -187,7 +191,9 @@ describe('the reset', () => {
       { method: 'POST', path: '/api/command/alarm-reset', body: {} },
     ]);
     expect(document.querySelector('dialog')).toBeNull();
+    expect(notice.value).toEqual({ kind: 'good', text: 'Reset of all alarms: accepted.' });
     expect(asked()).toBe(2);
+    expect(find('[data-testid=reset-outcome]').getAttribute('role')).toBe('status');
     expect(outcome()).toBe('All alarms are reset, and none came back.');
     expect(find('[data-testid=reset-outcome] p').className).toBe('message good');
     expect(textsOf('h2')).toEqual(['Active (0)', 'Not active (5)']);

@@ -298,5 +298,7 @@ describe('the lines of a sequence', () => {
       'The table is run 2 times.',
       'The instrument has 30 lines; the first 3 are shown.',
     ]);
+    await show(<SequenceLines sequence={{ ...sequence, total: 2, rows: [{}] }} />);
+    expect(textsOf('p')[1]).toBe('The instrument has 2 lines; the first 1 are shown.');
   });
 });

@@ -53,6 +53,14 @@ describe('poller', () => {
     expect(ask).toHaveBeenCalledTimes(2);
   });
 
+  it('asks again at once after an answer that took longer than the interval', async () => {
+    const { poller, ask, answer } = build(1000);
+    poller.wake();
+    await vi.advanceTimersByTimeAsync(10_000);
+    await answer('late');
+    expect(ask).toHaveBeenCalledTimes(2);
+  });
+
   it('asks again at once when somebody wanted it meanwhile', async () => {
     const { poller, ask, answer } = build();
     poller.wake();

@@ -16,10 +16,10 @@ export function Dialog({ title, onClose, actions, children }: Props) {
   const ref = useRef<HTMLDialogElement>(null);
   const id = useId();
   useLayoutEffect(() => {
-    const dialog = ref.current;
-    dialog?.showModal();
-    dialog?.querySelector<HTMLElement>('.actions button')?.focus();
-    return () => dialog?.close();
+    const dialog = ref.current!;
+    dialog.showModal();
+    dialog.querySelector<HTMLElement>('.actions button')!.focus();
+    return () => dialog.close();
   }, []);
   const cancel = (event: Event): void => {
     event.preventDefault();

@@ -19,9 +19,9 @@ function Change({ before, after }: { before: Value | undefined; after: Value | u
 function Cell({ change, name }: { change: RowChange; name: string }) {
   const { before, after, keys } = change;
   return keys.includes(name) ? (
-    <Change before={before?.[name]} after={after?.[name]} />
+    <Change before={before![name]} after={after![name]} />
   ) : (
-    <>{text((after ?? before)?.[name])}</>
+    <>{text((after ?? before)![name])}</>
   );
 }
 
