@@ -21,17 +21,24 @@ SIGNALS = (signal.SIGINT, signal.SIGTERM, signal.SIGHUP)
 GRACE = 3
 
 
+def children_of(process):
+    """None of one that has ended meanwhile."""
+    found = []
+    try:
+        for task in os.listdir(f"/proc/{process}/task"):
+            found += Path(f"/proc/{process}/task/{task}/children").read_text().split()
+    except OSError:
+        pass
+    return [int(child) for child in found]
+
+
 def descendants():
     """Orphans are among them: this process is their new parent."""
     found, asked = [], [os.getpid()]
     while asked:
-        for task in Path(f"/proc/{asked.pop()}/task").glob("*/children"):
-            try:
-                children = [int(child) for child in task.read_text().split()]
-            except OSError:
-                continue
-            found += children
-            asked += children
+        children = children_of(asked.pop())
+        found += children
+        asked += children
     return found
 
 
@@ -82,8 +89,8 @@ def main():
                         os.waitpid(process, os.WNOHANG)
                     except ChildProcessError:
                         pass
-        end_all()
     finally:
+        end_all()
         shutil.rmtree(folder, ignore_errors=True)
     code = 128 + came if came in SIGNALS else command.returncode
     sys.exit(code if code >= 0 else 128 - code)

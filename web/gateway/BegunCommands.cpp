@@ -60,9 +60,9 @@ void BegunCommand::forget() const {
 
 UnfinishedCommands findUnfinished(const std::string& aDataFolder) {
   UnfinishedCommands unfinished;
-  const std::string path = folderOf(aDataFolder);
-  for (const std::string& name : namesIn(path)) {
-    const Found found = look(path + '/' + name);
+  const std::string folder = folderOf(aDataFolder);
+  for (const std::string& name : namesIn(folder)) {
+    const Found found = look(std::string(folder).append("/").append(name));
     if (!found.line.empty()) {
       (found.goesOn ? unfinished.goingOn : unfinished.interrupted).push_back(found.line);
     }

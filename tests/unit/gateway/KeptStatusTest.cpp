@@ -13,8 +13,9 @@
 namespace {
 
 constexpr std::int64_t cSecond = 1000;
-constexpr std::int64_t cHour = 3600 * cSecond;
-constexpr std::int64_t cYear = 365 * 24 * cHour;
+constexpr std::int64_t cMinute = cSecond * 60;
+constexpr std::int64_t cHour = cMinute * 60;
+constexpr std::int64_t cYear = cHour * 24 * 365;
 constexpr char cKept[] = "Status: 200 OK\r\n\r\n{\"kept\": 1}";
 constexpr std::size_t cLength = sizeof cKept - 1;
 
@@ -55,7 +56,7 @@ class KeptStatus : public ::testing::TestWithParam<std::int64_t> {
 };
 
 INSTANTIATE_TEST_SUITE_P(AfterTheStart, KeptStatus,
-                         testing::Values(11 * cSecond, 20 * cSecond, 14 * 60 * cSecond, cYear,
+                         testing::Values(11 * cSecond, 20 * cSecond, 14 * cMinute, cYear,
                                          20 * cYear, 100 * cYear));
 
 TEST_P(KeptStatus, HasItsAgeInSeconds) {
