@@ -72,7 +72,10 @@ TEST_F(Told, IsThatALockCannotBeMade) {
     ASSERT_EQ(::mkdir(path(row.lock).c_str(), 0700), 0);
     const Received answer = command("POST", "/abort", row.body);
     EXPECT_EQ(answer.status, 500);
-    EXPECT_EQ(answer.detail(), "GC_WEB_STATE is no folder to write to; nothing was done.");
+    EXPECT_EQ(
+        answer.detail(),
+        "The folder GC_WEB_STATE cannot be written to; nothing was done. Is it there, the web "
+        "server's own, and not full?");
   }
 }
 

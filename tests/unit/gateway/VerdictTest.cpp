@@ -201,7 +201,7 @@ TEST(VerdictOfTheTool, IsToldInTheseWords) {
     Outcome outcome;
     std::string detail;
   } cEnds[] = {
-      {cRun, {false, false, false, 0, "", ""}, "The tool could not be started."},
+      {cRun, {false, false, false, 0, "", ""}, "The tool could not be started; nothing was done."},
       {cReport, {true, true, false, 0, "", ""}, "The instrument did not answer in time."},
       {cRun, {true, true, false, 0, "", ""}, "The command is still going on." + unknown},
       {cReport, {true, false, true, 0, "", ""}, "The tool printed too much."},
