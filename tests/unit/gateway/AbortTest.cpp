@@ -157,6 +157,7 @@ TEST_F(Aborted, IsEndedWhenTheInstrumentDoesNotAnswer) {
   EXPECT_EQ(answer.status, 504);
   EXPECT_STREQ(answer.document()["outcome"].GetString(), "unknown");
   EXPECT_EQ(answer.detail().rfind("The instrument did not answer in time.", 0), 0U);
+  limits = Limits();
   toolDoes(std::string("out ") + cAccepted);
   EXPECT_EQ(command("POST", "/abort", cNow).status, 200);
   EXPECT_EQ(logged("ended").size(), 2U);
