@@ -10,7 +10,7 @@ import { isOtherInstrument, isRunning, reasonAgainst, type Action } from './stat
 /** Seconds between two requests for the status. */
 const intervals = { running: 1, quiet: 5 } as const;
 
-/** How many intervals without a good answer make the values stale. */
+/** How many intervals, or requests, without a good answer make the values stale. */
 const staleIntervals = 3;
 
 /** Milliseconds after which a command without an answer may be waiting for a password. */
@@ -63,8 +63,18 @@ const planned = signal<number>(intervals.quiet);
  */
 const answerSeconds = signal<readonly number[]>([]);
 
+/** How many requests in a row have brought no good answer. */
+const missed = signal(0);
+
 export const isStale = computed(
-  () => ageSeconds.value > staleIntervals * planned.value + Math.max(0, ...answerSeconds.value),
+  () =>
+    missed.value >= staleIntervals ||
+    ageSeconds.value > staleIntervals * planned.value + Math.max(0, ...answerSeconds.value),
+);
+
+/** When the last good answer was true, in milliseconds, once three answers were missed. */
+export const lostSince = computed(() =>
+  isStale.value && statusTime.value > 0 ? statusTime.value : undefined,
 );
 
 /** Why the action cannot be taken now; empty when it can. */
@@ -115,11 +125,13 @@ function takeStatus(answer: Answer<Status>, seconds: number): void {
   }
   if (!answer.ok) {
     statusFault.value = answer.fault;
+    missed.value++;
     if (following) {
       showProgress(judgeUnanswered(following.follow, secondsSince(following.since)));
     }
     return;
   }
+  missed.value = 0;
   answerSeconds.value = [seconds, ...answerSeconds.value].slice(0, 4);
   const wasLost = statusFault.value !== undefined;
   if (status.value && isOtherInstrument(status.value, answer.value)) {

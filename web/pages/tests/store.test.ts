@@ -135,11 +135,40 @@ describe('age', () => {
     await pass(0);
     expect(store.isStale.value).toBe(false);
     gateway.lose('/api/status');
-    await pass(15_000);
+    await pass(14_999);
     expect(store.isStale.value).toBe(false);
-    await pass(1000);
+    await pass(1);
     expect(store.isStale.value).toBe(true);
     expect(store.reasonNotTo('alarm-reset')).toBe(unknownState);
+  });
+
+  it('makes them stale after three answers that were none, and tells since when', async () => {
+    // A slow answer allows for slow ones, but not for three that say that there is none.
+    const answer = gateway.hold('/api/status');
+    store.start();
+    await pass(20_000);
+    answer(running);
+    gateway.answer('/api/status', {}, 503);
+    await pass(0);
+    const last = Date.now();
+    await pass(1000);
+    expect(store.isStale.value).toBe(false);
+    expect(store.lostSince.value).toBeUndefined();
+    await pass(2000);
+    expect(store.isStale.value).toBe(true);
+    expect(store.lostSince.value).toBe(last);
+    gateway.answer('/api/status', running);
+    await pass(1000);
+    expect(store.isStale.value).toBe(false);
+    expect(store.lostSince.value).toBeUndefined();
+  });
+
+  it('is of nothing before there was an answer', async () => {
+    gateway.answer('/api/status', {}, 503);
+    store.start();
+    await pass(30_000);
+    expect(store.isStale.value).toBe(true);
+    expect(store.lostSince.value).toBeUndefined();
   });
 
   it('makes them stale after three seconds in a run', async () => {
@@ -147,6 +176,17 @@ describe('age', () => {
     store.start();
     await pass(0);
     gateway.lose('/api/status');
+    await pass(2999);
+    expect(store.isStale.value).toBe(false);
+    await pass(1);
+    expect(store.isStale.value).toBe(true);
+  });
+
+  it('makes them stale when nothing at all is answered in three seconds more', async () => {
+    gateway.answer('/api/status', running);
+    store.start();
+    await pass(0);
+    gateway.hold('/api/status');
     await pass(3000);
     expect(store.isStale.value).toBe(false);
     await pass(1000);
@@ -164,16 +204,15 @@ describe('age', () => {
     // The slow one, and three quick ones.
     await pass(2000);
     expect(asked()).toBe(4);
-    gateway.lose('/api/status');
+    const late = gateway.hold('/api/status');
     await pass(7000);
     expect(store.isStale.value).toBe(false);
     await pass(1000);
     expect(store.isStale.value).toBe(true);
+    late(running);
     gateway.answer('/api/status', running);
-    await pass(2000);
-    gateway.lose('/api/status');
-    await pass(4000);
-    expect(store.isStale.value).toBe(true);
+    await pass(0);
+    expect(store.isStale.value).toBe(false);
   });
 
   it('forgets a slow answer after four others', async () => {
