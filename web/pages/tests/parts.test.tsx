@@ -6,7 +6,7 @@ import { DiffTable } from '../src/components/DiffTable';
 import { Now } from '../src/components/Now';
 import { Progress } from '../src/components/Progress';
 import { SequenceLines } from '../src/components/SequenceLines';
-import { diffTables } from '../src/diff';
+import { diffTables, type RowChange } from '../src/diff';
 import type { Sequence } from '../src/documents';
 import type { Table } from '../src/table';
 import { calibrationKind, sequenceKind } from '../src/tables';
@@ -193,6 +193,19 @@ describe('differences', () => {
     const after = { ...before, header: { Continuous: false } };
     await show(<DiffTable diff={diffTables(before, after, layout)} layout={layout} />);
     expect(textsOf('p')).toEqual(['Runs of the whole table: 1 →']);
+  });
+
+  it('can have a column more', async () => {
+    const after = { ...before, rows: [{ ...line, Repeat: 7 }] };
+    const extra = { label: 'Factor', of: ({ kind }: RowChange) => `so ${kind}` };
+    const diff = diffTables(before, after, layout);
+    await show(<DiffTable diff={diff} layout={layout} extra={extra} />);
+    expect(rowsOf('table').map((row) => row.at(-1))).toEqual([
+      'Factor',
+      'so changed',
+      'so removed',
+      'so removed',
+    ]);
   });
 
   it('of peaks have no column for what the instrument computes', async () => {

@@ -4,7 +4,7 @@ import { act } from 'preact/test-utils';
 import { afterEach, beforeEach, describe, expect, it, vi } from 'vitest';
 import type { Configuration } from '../src/documents';
 import { Editor, type Sent } from '../src/editor';
-import { TablePage } from '../src/pages/TablePage';
+import { TablePage, type TablePicture } from '../src/pages/TablePage';
 import type { Table } from '../src/table';
 import { calibrationKind, sequenceKind, type TableKind } from '../src/tables';
 import { load, statusWith } from './documents';
@@ -197,6 +197,30 @@ describe('the page of a table', () => {
     await type('Stream, line 1', '1');
     expect(reasonOf('Compare and send…')).toBe('');
     expect(button('Export').disabled).toBe(false);
+  });
+});
+
+describe('a picture beside the table', () => {
+  it('is told the row that the focus is in', async () => {
+    const rows: (number | undefined)[] = [];
+    const Picture: TablePicture = ({ editor: one, focusedRow }) => {
+      rows.push(focusedRow);
+      return <p class="picture">{one.draft.value!.rows.length} lines</p>;
+    };
+    const world = sequence();
+    const editor = world.editor();
+    await show(<TablePage editor={editor} hint="" picture={Picture} />);
+    await settle();
+    expect(textsOf('.beside > .picture')).toEqual(['3 lines']);
+    expect(rows.at(-1)).toBeUndefined();
+    await act(() => field('Runs, line 2').focus());
+    expect(rows.at(-1)).toBe(1);
+    await act(() => field('Stream, line 3').focus());
+    expect(rows.at(-1)).toBe(2);
+    await press('Delete line 1');
+    expect(rows.at(-1)).toBe(0);
+    await act(() => button('Export').focus());
+    expect(rows.at(-1)).toBeUndefined();
   });
 });
 

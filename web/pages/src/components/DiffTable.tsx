@@ -25,7 +25,20 @@ function Cell({ change, name }: { change: RowChange; name: string }) {
   );
 }
 
-export function DiffTable({ diff, layout }: { diff: TableDiff; layout: Layout }) {
+/** A column of a table's own, beside those of its layout. */
+export interface ExtraColumn {
+  label: string;
+  /** What it says of a row; empty when nothing. */
+  of: (change: RowChange) => string;
+}
+
+interface Props {
+  diff: TableDiff;
+  layout: Layout;
+  extra?: ExtraColumn | undefined;
+}
+
+export function DiffTable({ diff, layout, extra }: Props) {
   const columns = layout.columns.filter(({ isCompared }) => isCompared);
   return (
     <>
@@ -46,6 +59,7 @@ export function DiffTable({ diff, layout }: { diff: TableDiff; layout: Layout })
                     {label}
                   </th>
                 ))}
+                {extra && <th scope="col">{extra.label}</th>}
               </tr>
             </thead>
             <tbody>
@@ -58,6 +72,7 @@ export function DiffTable({ diff, layout }: { diff: TableDiff; layout: Layout })
                       <Cell change={change} name={key} />
                     </td>
                   ))}
+                  {extra && <td class="number">{extra.of(change)}</td>}
                 </tr>
               ))}
             </tbody>

@@ -21,6 +21,8 @@ interface Props {
   draft: Draft;
   problems: readonly CellProblem[];
   onChange: (draft: Draft) => void;
+  /** Told the row that the focus is in, or that it is in none. */
+  onFocusRow?: ((rowId: number | undefined) => void) | undefined;
 }
 
 interface Place {
@@ -99,7 +101,7 @@ function isAtEdge(element: HTMLInputElement | HTMLSelectElement, isLeft: boolean
   return isAll || (start === end && start === (isLeft ? 0 : value.length));
 }
 
-export function Grid({ caption, layout, draft, problems, onChange }: Props) {
+export function Grid({ caption, layout, draft, problems, onChange, onFocusRow }: Props) {
   const body = useRef<HTMLTableSectionElement>(null);
   const wanted = useRef<Place>();
   const hasRowTools = layout.mostRows > 0;
@@ -272,7 +274,11 @@ export function Grid({ caption, layout, draft, problems, onChange }: Props) {
         </thead>
         <tbody ref={body}>
           {draft.rows.map((row, index) => (
-            <tr key={row.id}>
+            <tr
+              key={row.id}
+              onFocusIn={() => onFocusRow?.(row.id)}
+              onFocusOut={() => onFocusRow?.(undefined)}
+            >
               {hasRowTools && <th scope="row">{index + 1}</th>}
               {layout.columns.map((column) => cell(row, index, column))}
               {hasRowTools && tools(row, index)}

@@ -1,8 +1,9 @@
 // Editing the sequence or the calibration.
-import { useEffect, useRef } from 'preact/hooks';
+import type { ComponentType } from 'preact';
+import { useEffect, useRef, useState } from 'preact/hooks';
 import { ActionButton } from '../components/ActionButton';
 import { Confirm, Dialog } from '../components/Dialog';
-import { DiffTable } from '../components/DiffTable';
+import { DiffTable, type ExtraColumn } from '../components/DiffTable';
 import { CellInput, Grid } from '../components/Grid';
 import { isEmptyDiff } from '../diff';
 import type { Editor, Review } from '../editor';
@@ -47,7 +48,8 @@ function HeaderFields({ editor }: { editor: Editor }) {
   );
 }
 
-function ReviewDialog({ editor, review }: { editor: Editor; review: Review }) {
+function ReviewDialog(props: { editor: Editor; review: Review; extra: ExtraColumn | undefined }) {
+  const { editor, review, extra } = props;
   const close = (): void => {
     editor.review.value = undefined;
   };
@@ -71,7 +73,7 @@ function ReviewDialog({ editor, review }: { editor: Editor; review: Review }) {
         <p>
           Nothing was sent. Since the table was loaded here, somebody has changed on the instrument:
         </p>
-        <DiffTable diff={review.diff} layout={layout} />
+        <DiffTable diff={review.diff} layout={layout} extra={extra} />
       </Dialog>
     );
   }
@@ -89,7 +91,7 @@ function ReviewDialog({ editor, review }: { editor: Editor; review: Review }) {
       ) : (
         <p>This changes on the instrument:</p>
       )}
-      <DiffTable diff={review.diff} layout={layout} />
+      <DiffTable diff={review.diff} layout={layout} extra={extra} />
       {editor.kind.name === 'calibration' && (
         <p>The instrument clears all amounts first. The amounts of all peaks are sent.</p>
       )}
@@ -97,13 +99,15 @@ function ReviewDialog({ editor, review }: { editor: Editor; review: Review }) {
   );
 }
 
-function MessageLine({ editor }: { editor: Editor }) {
+function MessageLine({ editor, extra }: { editor: Editor; extra: ExtraColumn | undefined }) {
   const message = editor.message.value;
   return (
     <div role="status" data-testid="table-message">
       {editor.busy.value && <p class="message waiting">{editor.busy.value}.</p>}
       {message && <p class={`message ${message.kind}`}>{message.text}</p>}
-      {message?.diff && <DiffTable diff={message.diff} layout={editor.layout.value} />}
+      {message?.diff && (
+        <DiffTable diff={message.diff} layout={editor.layout.value} extra={extra} />
+      )}
     </div>
   );
 }
@@ -160,16 +164,30 @@ function Toolbar({ editor }: { editor: Editor }) {
   );
 }
 
-export function TablePage({ editor, hint }: { editor: Editor; hint: string }) {
+/** What shows the table as a picture; `focusedRow` counts from 0. */
+export type TablePicture = ComponentType<{ editor: Editor; focusedRow: number | undefined }>;
+
+interface Props {
+  editor: Editor;
+  hint: string;
+  /** Beside the table. */
+  picture?: TablePicture;
+  /** In the comparisons. */
+  extra?: ExtraColumn;
+}
+
+export function TablePage({ editor, hint, picture: Picture, extra }: Props) {
+  const [focusedId, setFocusedId] = useState<number>();
   useEffect(() => {
     if (!editor.draft.value) {
       void editor.load();
     }
   }, []);
   const draft = editor.draft.value;
+  const focused = draft?.rows.findIndex(({ id }) => id === focusedId) ?? -1;
   return (
     <>
-      <MessageLine editor={editor} />
+      <MessageLine editor={editor} extra={extra} />
       {draft ? (
         <>
           <Toolbar editor={editor} />
@@ -180,13 +198,19 @@ export function TablePage({ editor, hint }: { editor: Editor; hint: string }) {
           </p>
           <fieldset disabled={editor.busy.value !== ''}>
             <HeaderFields editor={editor} />
-            <Grid
-              caption={editor.kind.title}
-              layout={editor.layout.value}
-              draft={draft}
-              problems={editor.problems.value}
-              onChange={(changed) => (editor.draft.value = changed)}
-            />
+            <div class={Picture && 'beside'}>
+              <Grid
+                caption={editor.kind.title}
+                layout={editor.layout.value}
+                draft={draft}
+                problems={editor.problems.value}
+                onChange={(changed) => (editor.draft.value = changed)}
+                onFocusRow={setFocusedId}
+              />
+              {Picture && (
+                <Picture editor={editor} focusedRow={focused < 0 ? undefined : focused} />
+              )}
+            </div>
           </fieldset>
           <p class="dim">{hint}</p>
         </>
@@ -197,7 +221,9 @@ export function TablePage({ editor, hint }: { editor: Editor; hint: string }) {
           </button>
         )
       )}
-      {editor.review.value && <ReviewDialog editor={editor} review={editor.review.value} />}
+      {editor.review.value && (
+        <ReviewDialog editor={editor} review={editor.review.value} extra={extra} />
+      )}
     </>
   );
 }
