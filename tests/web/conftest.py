@@ -45,6 +45,7 @@ def start_server(address: str, bin_dir: Path, folder: Path) -> Iterator[StartSer
             tool: Path = system.TOOL,
             scripts: Path = CONFIGURATION,
             libraries: str = "",
+            units: str = "",
         ) -> WebServer:
             """`lines`: further ones of the configuration. `passwords`: somebody may act."""
             every = []
@@ -53,7 +54,8 @@ def start_server(address: str, bin_dir: Path, folder: Path) -> Iterator[StartSer
                 every += [f'var.passwords = "{folder}/passwords"']
                 every += [f'include "{CONFIGURATION}/login.conf"']
             every += lines
-            started = WebServer(folder / "web", bin_dir, tool, address, every, scripts, libraries)
+            places = (folder / "web", bin_dir, tool, address)
+            started = WebServer(*places, every, scripts, libraries, units)
             running.callback(started.stop)
             return started
 

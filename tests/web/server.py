@@ -149,7 +149,7 @@ class WebServer:
 
     `folder`: for all that it keeps. `instrument`: the address of the controller, and its own.
     `lines`: further ones of its configuration. `scripts`: folder of its Lua scripts.
-    `libraries`: where the tool finds the maker's.
+    `libraries`: where the tool finds the maker's. `units`: of the instrument's values.
     """
 
     def __init__(
@@ -161,6 +161,7 @@ class WebServer:
         lines: list[str],
         scripts: Path = CONFIGURATION,
         libraries: str = "",
+        units: str = "",
     ) -> None:
         self.address = instrument
         self.state = folder / "state"
@@ -183,6 +184,7 @@ class WebServer:
             "logs": self.logs,
             "scripts": scripts,
             "libraries": libraries,
+            "units": units,
             "names": r"gc\.example",
         }
         settings = [f'var.{name} = "{value}"' for name, value in variables.items()]

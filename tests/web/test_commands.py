@@ -125,7 +125,7 @@ def test_file(
 
 
 COMMANDS_BY_METHOD = {
-    "POST": ["run", "abort", "alarm-reset", "login", "seen"],
+    "POST": ["run", "abort", "alarm-reset", "login", "logout", "seen"],
     "PUT": ["stream", "solution", "sequence", "calibration"],
 }
 
@@ -220,6 +220,18 @@ def test_login(untouched: str, server: WebServer, browser: Browser) -> None:
     assert Browser(server.address).command("POST", "login", {}).status == 401
     answer = browser.command("POST", "login", {})
     assert (answer.status, answer.body) == (204, b"")
+    assert answer.headers["X-GC-User"] == "operator"
+    assert server.commands() == []
+
+
+def test_logout(untouched: str, server: WebServer, browser: Browser) -> None:
+    """A refusal without a challenge: a browser forgets the password and asks for no other. It is no
+    wrong password, however often it comes."""
+    for _ in range(30):
+        answer = browser.command("POST", "logout", {})
+        assert answer.expect_problem(401)["detail"] == "You are signed out."
+        assert answer.headers["WWW-Authenticate"] is None
+    assert browser.command("POST", "login", {}).status == 204
     assert server.commands() == []
 
 

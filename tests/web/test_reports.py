@@ -5,7 +5,7 @@ from pathlib import Path
 
 import pytest
 from conftest import StartServer, StartSimulator
-from programs import REPORTS, Tool
+from programs import REPORTS, SCHEMAS, Tool, validate
 from server import Browser, WebServer
 
 # Written out here, not taken from the gateway.
@@ -38,6 +38,34 @@ def test_what_the_tool_prints(
         link = f'</schemas/{REPORTS[option]}.schema.json>; rel="describedby"'
         assert answer.headers["Link"] == link
         assert answer.headers["Cache-Control"] == "no-store"
+
+
+def test_units(tool: Tool, simulator: StartSimulator, start_server: StartServer) -> None:
+    """Those that the owner names are behind what the tool prints, and nowhere else."""
+    controller = simulator()
+    browser = Browser(start_server(units="temperature=°C, amount=mol %").address)
+    answer = browser.get("/api/config")
+    validate("configuration", answer.document)
+    assert answer.document["units"] == {"temperature": "°C", "amount": "mol %"}
+    printed = tool("-s", controller.address, "-g").stdout
+    units = ',"units":{"temperature":"°C","amount":"mol %"}'.encode()
+    assert answer.body.replace(units, b"") == printed
+    assert b"units" not in browser.get("/api/status").body
+
+
+def test_units_that_cannot_be_read(simulator: StartSimulator, start_server: StartServer) -> None:
+    simulator()
+    browser = Browser(start_server(units="temperature: °C").address)
+    answer = browser.get("/api/config")
+    assert "GC_WEB_UNITS" in answer.expect_problem(500)["detail"]
+    assert browser.get("/api/status").status == 200
+
+
+def test_version(untouched: str, browser: Browser) -> None:
+    answer = browser.get("/api/about")
+    validate("about", answer.document)
+    cmake = (SCHEMAS.parents[1] / "CMakeLists.txt").read_text(encoding="utf-8")
+    assert answer.document["version"] == re.findall(r"project\(GC_Web VERSION ([\d.]+)", cmake)[0]
 
 
 def test_schema_that_an_answer_names(simulator: StartSimulator, browser: Browser) -> None:

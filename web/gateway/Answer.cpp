@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <cstddef>
+#include <cstring>
 
 #include "Json.h"
 
@@ -21,6 +22,7 @@ constexpr StatusRow cStatuses[] = {
     {200, "OK"},
     {204, "No Content"},
     {400, "Bad Request"},
+    {401, "Unauthorized"},
     {403, "Forbidden"},
     {404, "Not Found"},
     {405, "Method Not Allowed"},
@@ -94,6 +96,21 @@ std::string render(const Answer& aAnswer) {
 std::string withHeader(const std::string& aRendered, const std::string& aHeader) {
   std::string text = aRendered;
   return text.insert(text.find('\n') + 1, aHeader);
+}
+
+std::string percentEncoded(const std::string& aOctets) {
+  constexpr char cDigits[] = "0123456789ABCDEF";
+  constexpr char cPlain[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
+  std::string text;
+  for (const char octet : aOctets) {
+    if (octet != '\0' && std::strchr(cPlain, octet) != nullptr) {
+      text += octet;
+    } else {
+      const auto value = static_cast<unsigned char>(octet);
+      text += {'%', cDigits[value / 16U], cDigits[value % 16U]};
+    }
+  }
+  return text;
 }
 
 std::string withoutBody(const std::string& aRendered) {

@@ -30,6 +30,9 @@ std::string render(const Answer& aAnswer);
 /// A rendered answer with one more header, which is ended by CRLF.
 std::string withHeader(const std::string& aRendered, const std::string& aHeader);
 
+/// Octets in percent-encoding (RFC 3986), all but letters, digits and "-._~".
+std::string percentEncoded(const std::string& aOctets);
+
 /// What is sent for HEAD: as rendered, without the body.
 std::string withoutBody(const std::string& aRendered);
 

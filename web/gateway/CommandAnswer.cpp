@@ -249,23 +249,45 @@ Answer takeNote(Order& order, const std::string& aId) {
   return {204, "", "", ""};
 }
 
+/// What is for the gateway itself to do.
+Answer answerWithoutTool(Order& order, const Command& aCommand) {
+  switch (aCommand.purpose) {
+    case ePurpose::eSeen:
+      return takeNote(order, aCommand.id);
+    case ePurpose::eLogout:
+      // A browser forgets a password that was refused, and without a challenge asks for no other.
+      return problem(401, "You are signed out.");
+    case ePurpose::eLogin:
+    case ePurpose::eTool:
+      break;
+  }
+  return {204, "", "", ""};
+}
+
+/// The rendered answer, which tells the browser whom it has sent the password of: it does not say
+/// so itself. Names in percent-encoding, as they may hold any octets.
+std::string withUser(const std::string& aRendered, const std::string& aUser) {
+  return aUser.empty() ? aRendered
+                       : withHeader(aRendered, "X-GC-User: " + percentEncoded(aUser) + "\r\n");
+}
+
 }  // namespace
 
 void answerCommand(cgicc::CgiInput& input, const Limits& aLimits, const Reply& aReply) {
   Order order{input, aLimits};
+  const std::string user = input.getenv("REMOTE_USER");
   const Reply reply = [&](const std::string& aRendered) {
-    aReply(order.settings.data.empty() ? aRendered : withInterruptions(aRendered, order.settings));
+    const std::string named = withUser(aRendered, user);
+    aReply(order.settings.data.empty() ? named : withInterruptions(named, order.settings));
   };
   Command asked;
   if (const std::optional<Answer> fault = readRequest(order, asked)) {
     reply(render(*fault));
     return;
   }
-  order.entry = {newCommandId(), input.getenv("REMOTE_USER"), input.getenv("REMOTE_ADDR"),
-                 asked.call};
+  order.entry = {newCommandId(), user, input.getenv("REMOTE_ADDR"), asked.call};
   if (asked.purpose != ePurpose::eTool) {
-    reply(render(asked.purpose == ePurpose::eSeen ? takeNote(order, asked.id)
-                                                  : Answer{204, "", "", ""}));
+    reply(render(answerWithoutTool(order, asked)));
     return;
   }
   const eOperation operation = asked.call.operation;

@@ -31,6 +31,7 @@ constexpr CommandRow cCommands[] = {
     {"/api/command/alarm-reset", "POST", ePurpose::eTool, eBody::eAlarmReset, cNothingSchema,
      nullptr},
     {"/api/command/login", "POST", ePurpose::eLogin, eBody::eLogin, cNothingSchema, nullptr},
+    {"/api/command/logout", "POST", ePurpose::eLogout, eBody::eLogout, cNothingSchema, nullptr},
     {"/api/command/seen", "POST", ePurpose::eSeen, eBody::eSeen, cSeenSchema, nullptr},
     {"/api/command/sequence", "PUT", ePurpose::eTool, eBody::eSequence, nullptr, "sequence-file"},
     {"/api/command/calibration", "PUT", ePurpose::eTool, eBody::eCalibration, nullptr,

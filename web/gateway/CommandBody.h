@@ -9,9 +9,10 @@
 #include "Settings.h"
 
 enum class ePurpose {
-  eTool,   ///< something for the tool to do
-  eLogin,  ///< nothing, of somebody who may command
-  eSeen,   ///< an interrupted command has been taken note of
+  eTool,    ///< something for the tool to do
+  eLogin,   ///< nothing, of somebody who may command
+  eLogout,  ///< that the browser forgets who somebody is
+  eSeen,    ///< an interrupted command has been taken note of
 };
 
 enum class eBody {
@@ -21,6 +22,7 @@ enum class eBody {
   eSolution,
   eAlarmReset,
   eLogin,
+  eLogout,
   eSeen,
   eSequence,
   eCalibration

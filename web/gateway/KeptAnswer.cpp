@@ -1,4 +1,4 @@
-// Answers about what the gateway itself keeps: unfinished commands, backups of tables.
+// Answers about the gateway itself: its version, unfinished commands, backups of tables.
 #include "KeptAnswer.h"
 
 #include <rapidjson/document.h>
@@ -15,6 +15,9 @@
 namespace {
 
 constexpr char cUnfinished[] = "/api/unfinished";
+constexpr char cAbout[] = "/api/about";
+
+constexpr char cVersion[] = R"({"version":")" GC_WEB_VERSION R"("})";
 
 struct BackupsRow {
   const char* path;
@@ -68,13 +71,13 @@ Answer answerUnfinished(const Settings& aSettings) {
 }  // namespace
 
 bool isKeptPath(const std::string& aPath) {
-  return aPath == cUnfinished || findBackups(aPath) != nullptr;
+  return aPath == cUnfinished || aPath == cAbout || findBackups(aPath) != nullptr;
 }
 
 Answer answerKept(const std::string& aPath, const Settings& aSettings) {
   const BackupsRow* row = findBackups(aPath);
   if (row == nullptr) {
-    return answerUnfinished(aSettings);
+    return aPath == cAbout ? Answer{200, cVersion, "about", ""} : answerUnfinished(aSettings);
   }
   const std::string list = row->path;
   if (aPath == list) {

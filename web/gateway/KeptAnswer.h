@@ -1,4 +1,4 @@
-// Answers about what the gateway itself keeps: unfinished commands, backups of tables.
+// Answers about the gateway itself: its version, unfinished commands, backups of tables.
 #pragma once
 
 #include <string>

@@ -10,6 +10,7 @@
 #include "Request.h"
 #include "SharedStatus.h"
 #include "ToolProcess.h"
+#include "Units.h"
 #include "Verdict.h"
 
 namespace {
@@ -31,7 +32,7 @@ std::string askTool(cgicc::CgiInput& input, const Settings& aSettings, const Lim
   tool.waitUntil(Clock::now() + aLimits.report);
   const Answer answer = judge(aOperation, tool.outcome());
   diagnose(input, aSettings, aOperation, answer.status, tool.outcome().errors);
-  return render(answer);
+  return render(withUnits(answer, aSettings.units));
 }
 
 bool hasBody(cgicc::CgiInput& input) {

@@ -38,6 +38,7 @@ std::optional<Answer> readRows(cgicc::CgiInput& input, const SettingRow (&aRows)
 
 std::optional<Answer> readReportSettings(cgicc::CgiInput& input, Settings& settings) {
   settings.libraries = input.getenv("GC_WEB_LIBRARY_PATH");
+  settings.units = input.getenv("GC_WEB_UNITS");
   return readRows(input, cReportSettings, settings);
 }
 

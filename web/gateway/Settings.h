@@ -18,6 +18,7 @@ struct Settings {
   std::string state;      ///< a folder in memory
   std::string data;       ///< a folder on the disk
   std::string libraries;  ///< may be empty
+  std::string units;      ///< of the instrument's values, as Units.h reads them; may be empty
   std::string log;        ///< this and what follows is for commands only
   std::string schemas;
 };

@@ -77,6 +77,13 @@ TEST(RenderedAnswer, CanBeChanged) {
   EXPECT_EQ(withoutBody(rendered) + "{}", rendered);
 }
 
+TEST(PercentEncoded, IsAllButPlainOctets) {
+  const std::string plain = "ABCXYZabcxyz0189-._~";
+  EXPECT_EQ(percentEncoded(plain), plain);
+  EXPECT_EQ(percentEncoded("a b%\"/\r\n"), "a%20b%25%22%2F%0D%0A");
+  EXPECT_EQ(percentEncoded(std::string("\0\xC3\xBC\xFF", 4)), "%00%C3%BC%FF");
+}
+
 TEST(Sent, IsAllOfIt) {
   int ends[2] = {-1, -1};
   ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);

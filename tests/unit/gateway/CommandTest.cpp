@@ -67,6 +67,33 @@ TEST_F(CommandRequest, LogsInWhoeverMayCommandAndDoesNothing) {
   EXPECT_EQ(contentOf("log"), "");
 }
 
+TEST_F(CommandRequest, LogsOutWithARefusalThatAsksForNothing) {
+  toolDoes("note " + path("runs"));
+  const Received answer = command("POST", "/logout", "{}");
+  EXPECT_EQ(answer.status, 401);
+  EXPECT_EQ(answer.reason, "Unauthorized");
+  EXPECT_EQ(answer.detail(), "You are signed out.");
+  EXPECT_EQ(answer.headers.count("WWW-Authenticate"), 0U);
+  EXPECT_EQ(command("POST", "/logout", R"({"a": 1})").status, 422);
+  EXPECT_EQ(command("PUT", "/logout", "{}").headers.at("Allow"), "POST");
+  EXPECT_EQ(contentOf("runs"), "");
+  EXPECT_EQ(contentOf("log"), "");
+}
+
+TEST_F(CommandRequest, TellsWhoHasGivenIt) {
+  toolDoes(std::string("out ") + cAccepted);
+  EXPECT_EQ(command("POST", "/alarm-reset", "{}").headers.at("X-GC-User"), "anna");
+  EXPECT_EQ(command("POST", "/login", "{}").headers.at("X-GC-User"), "anna");
+  EXPECT_EQ(command("POST", "/logout", "{}").headers.at("X-GC-User"), "anna");
+  EXPECT_EQ(command("POST", "/run", "{}").headers.at("X-GC-User"), "anna");
+  input.variables["REMOTE_USER"] = "an na\r\nSet-Cookie: a";
+  EXPECT_EQ(command("POST", "/login", "{}").headers.at("X-GC-User"),
+            "an%20na%0D%0ASet-Cookie%3A%20a");
+  input.variables.erase("REMOTE_USER");
+  EXPECT_EQ(command("POST", "/login", "{}").headers.count("X-GC-User"), 0U);
+  EXPECT_EQ(report("/api/status").headers.count("X-GC-User"), 0U);
+}
+
 TEST_F(CommandRequest, HasOneMethodForEachPath) {
   toolDoes("note " + path("runs"));
   for (const Good& row : cGood) {

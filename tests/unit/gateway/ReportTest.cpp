@@ -82,6 +82,16 @@ TEST_F(ReportRequest, SendsNoBodyForHead) {
   }
 }
 
+TEST_F(ReportRequest, TellsTheVersion) {
+  toolDoes("note " + path("runs"));
+  const Received answer = report("/api/about");
+  EXPECT_EQ(answer.status, 200);
+  EXPECT_EQ(answer.body, R"({"version":")" GC_VERSION R"("})");
+  EXPECT_EQ(answer.headers.at("Link"), "</schemas/about.schema.json>; rel=\"describedby\"");
+  EXPECT_EQ(report("/api/about/").status, 404);
+  EXPECT_EQ(contentOf("runs"), "");
+}
+
 TEST_F(ReportRequest, TakesNoQueryAndNoBody) {
   input.variables["QUERY_STRING"] = "a=b";
   EXPECT_EQ(report("/api/config").status, 400);
