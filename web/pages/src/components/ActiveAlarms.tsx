@@ -1,0 +1,42 @@
+// The active alarms by name, or why they have none.
+import { alarmSummary } from '../alarms';
+import { describeFault } from '../store';
+
+/** Nothing while there is no alarm: the sign says that. */
+export function ActiveAlarms() {
+  const summary = alarmSummary.value;
+  switch (summary.kind) {
+    case 'unknown':
+    case 'none':
+      return null;
+    case 'asking':
+      return <p class="alarm-names">Which alarms are active is being asked.</p>;
+    case 'unnamed':
+      return (
+        <p class="alarm-names">
+          Which alarms are active is not known: {describeFault(summary.fault)}
+        </p>
+      );
+    case 'named':
+      return (
+        <div class="alarm-names">
+          {summary.names.length === 0 ? (
+            <p>
+              {summary.isWhole
+                ? 'The alarm table names none at present: the alarm may have just ended.'
+                : 'None of the alarms that can be shown is active: it is a later one.'}
+            </p>
+          ) : (
+            <ul aria-label="Active alarms">
+              {summary.names.map((name, index) => (
+                <li key={index} class="text">
+                  {name}
+                </li>
+              ))}
+            </ul>
+          )}
+          {summary.fault && <p>This may have changed: {describeFault(summary.fault)}</p>}
+        </div>
+      );
+  }
+}
