@@ -52,12 +52,24 @@ export interface ChannelConfiguration {
   Gas: string;
 }
 
+/** Units of the reports, as far as the web server's owner names them. */
+export interface Units {
+  temperature?: string;
+  pressure?: string;
+  ambient_pressure?: string;
+  retention_time?: string;
+  flush_time?: string;
+  amount?: string;
+  auto_zero?: string;
+}
+
 export interface Configuration extends Record<ChannelKey, ChannelConfiguration> {
   Inst_name: string;
   Site_info: string;
   Inst_serial: number;
   Stream_configured: boolean;
   Stream_max: number;
+  units?: Units;
 }
 
 export interface Alarm {

@@ -33,7 +33,6 @@ export function deviationOf(
 /** A span of time: `37 s`, `2 min 05 s`, `1 h 02 min`. */
 export function formatSpan(seconds: number): string {
   const whole = Math.max(0, Math.floor(seconds));
-  const two = (part: number): string => String(part).padStart(2, '0');
   if (whole < 60) {
     return `${whole} s`;
   }
@@ -41,6 +40,44 @@ export function formatSpan(seconds: number): string {
     return `${Math.floor(whole / 60)} min ${two(whole % 60)} s`;
   }
   return `${Math.floor(whole / 3600)} h ${two(Math.floor((whole % 3600) / 60))} min`;
+}
+
+const two = (part: number): string => String(part).padStart(2, '0');
+
+const months = [
+  'January',
+  'February',
+  'March',
+  'April',
+  'May',
+  'June',
+  'July',
+  'August',
+  'September',
+  'October',
+  'November',
+  'December',
+];
+
+/** A time of day in the browser's zone: `14:32:07`. */
+export function formatTime(time: number): string {
+  return `${formatMinute(time)}:${two(new Date(time).getSeconds())}`;
+}
+
+function formatMinute(time: number): string {
+  const date = new Date(time);
+  return `${two(date.getHours())}:${two(date.getMinutes())}`;
+}
+
+/** A time of day without seconds, with the date if that is not today's: `14:32 on 5 March`. */
+export function formatMoment(time: number, present: number): string {
+  const date = new Date(time);
+  const today = new Date(present);
+  if (date.toDateString() === today.toDateString()) {
+    return formatMinute(time);
+  }
+  const year = date.getFullYear() === today.getFullYear() ? '' : ` ${date.getFullYear()}`;
+  return `${formatMinute(time)} on ${date.getDate()} ${months[date.getMonth()]}${year}`;
 }
 
 /** Where the automation stands; its three numbers are 0 when it is not under way. */

@@ -1,5 +1,12 @@
 import { describe, expect, it } from 'vitest';
-import { deviationOf, formatPosition, formatReal, formatSpan } from '../src/format';
+import {
+  deviationOf,
+  formatMoment,
+  formatPosition,
+  formatReal,
+  formatSpan,
+  formatTime,
+} from '../src/format';
 
 describe('values', () => {
   it('has a fixed number of decimals and a real minus sign', () => {
@@ -58,5 +65,22 @@ describe('deviation', () => {
     expect(deviationOf({ Setpoint: '-', Actual: '-' }, 0.5, 2)).toEqual(expected);
     expect(deviationOf({ Setpoint: 60, Actual: '-' }, 0.5, 2)).toEqual(expected);
     expect(deviationOf({ Setpoint: '-', Actual: 60 }, 0.5, 2)).toEqual(expected);
+  });
+});
+
+it('shows a time of day', () => {
+  expect(formatTime(new Date(2026, 2, 5, 4, 3, 7).getTime())).toBe('04:03:07');
+  expect(formatTime(new Date(2026, 2, 5, 14, 32, 50, 999).getTime())).toBe('14:32:50');
+});
+
+describe('a moment', () => {
+  const present = new Date(2026, 10, 21, 23, 30);
+  it.each([
+    [new Date(2026, 10, 21, 0, 5), '00:05'],
+    [new Date(2026, 10, 22, 0, 5), '00:05 on 22 November'],
+    [new Date(2026, 0, 1, 12, 0), '12:00 on 1 January'],
+    [new Date(2027, 11, 31, 12, 0), '12:00 on 31 December 2027'],
+  ])('%s', (time, text) => {
+    expect(formatMoment(time.getTime(), present.getTime())).toBe(text);
   });
 });

@@ -1,0 +1,37 @@
+// When run and automation are expected to end, as terms and what is said of them.
+import type { ReadonlySignal } from '@preact/signals';
+import { expectedAutomationEnd, expectedRunEnd } from '../expected';
+import { describeEnd, type End } from '../schedule';
+import { now } from '../store';
+
+/** What is said of an end; `isBrief` where there is no room for reasons. */
+export function EndText({ of, isBrief }: { of: ReadonlySignal<End>; isBrief?: boolean }) {
+  const end = of.value;
+  const hasReason = !isBrief && 'why' in end;
+  return (
+    <>
+      <span class="number">{describeEnd(end, now.value) || '–'}</span>
+      {hasReason && <small class="dim"> ({end.why})</small>}
+    </>
+  );
+}
+
+/** For the inside of a `dl`; always both, as what comes and goes would move what is below. */
+export function ExpectedEnd({ isBrief }: { isBrief?: boolean }) {
+  return (
+    <>
+      <div>
+        <dt>Run ends</dt>
+        <dd data-testid="run-end">
+          <EndText of={expectedRunEnd} isBrief={isBrief ?? false} />
+        </dd>
+      </div>
+      <div>
+        <dt>Automation ends</dt>
+        <dd data-testid="automation-end">
+          <EndText of={expectedAutomationEnd} isBrief={isBrief ?? false} />
+        </dd>
+      </div>
+    </>
+  );
+}

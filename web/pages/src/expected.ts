@@ -1,0 +1,38 @@
+// When run and automation are expected to end, as all pages show it.
+import { computed } from '@preact/signals';
+import { endOfAutomation, endOfRun, type End } from './schedule';
+import { sequence } from './sequence';
+import { configuration, status, statusTime } from './store';
+
+/** Milliseconds by which whole seconds and the way of an answer shift an end that is the same. */
+const jitter = 3000;
+
+/** Keeps a time as long as it stays about the same: one that alternates cannot be read. */
+function steady(shown: End, next: End): End {
+  return 'time' in shown &&
+    'time' in next &&
+    shown.kind === next.kind &&
+    Math.abs(shown.time - next.time) < jitter
+    ? { ...next, time: shown.time }
+    : next;
+}
+
+function steadily(find: () => End): () => End {
+  let shown: End = { kind: 'none' };
+  return () => (shown = steady(shown, find()));
+}
+
+const none: End = { kind: 'none' };
+
+export const expectedRunEnd = computed<End>(
+  steadily(() => (status.value ? endOfRun(status.value, statusTime.value) : none)),
+);
+
+export const expectedAutomationEnd = computed<End>(
+  steadily(() => {
+    const unit = configuration.value?.units?.flush_time;
+    return status.value
+      ? endOfAutomation(status.value, sequence.value, statusTime.value, unit)
+      : none;
+  }),
+);

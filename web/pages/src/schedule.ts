@@ -1,0 +1,213 @@
+// When a run and the automation will end, as far as status and sequence tell.
+import type { Real, Sequence, Status } from './documents';
+import { formatMoment } from './format';
+import { autoStateOf, gcStateOf, isIdle } from './states';
+
+/** Seconds that a unit of time stands for, by the names an owner may give it. */
+const secondsOfUnit: ReadonlyMap<string | undefined, number> = new Map([
+  ['s', 1],
+  ['sec', 1],
+  ['seconds', 1],
+  ['min', 60],
+  ['minutes', 60],
+  ['h', 3600],
+  ['hours', 3600],
+]);
+
+/** A time of the instrument in seconds; undefined if its unit, or itself, is not known. */
+export function secondsOf(time: Real | undefined, unit: string | undefined): number | undefined {
+  if (time === 0) {
+    return 0;
+  }
+  const factor = secondsOfUnit.get(unit);
+  return typeof time === 'number' && factor ? Math.max(0, time) * factor : undefined;
+}
+
+/** A line's part of a pass through the table: flushing, and after it the runs. */
+export interface Block {
+  /** Counts from 1, as the status does. */
+  line: number;
+  /** Seconds; undefined if nobody knows. */
+  flush: number | undefined;
+  runs: number;
+  /** Seconds of all its runs; delays between them are in no report. */
+  seconds: number;
+}
+
+/** What a pass through the table consists of, without lines that are passed over. */
+export function blocksOf(sequence: Sequence, runSeconds: number, flushUnit?: string): Block[] {
+  return (sequence.rows ?? []).flatMap(({ Repeat: runs = 0, Flush_time }, index) =>
+    runs > 0
+      ? {
+          line: index + 1,
+          flush: secondsOf(Flush_time, flushUnit),
+          runs,
+          seconds: runs * runSeconds,
+        }
+      : [],
+  );
+}
+
+export type End =
+  /** There is nothing that could end. */
+  | { kind: 'none' }
+  | { kind: 'at'; time: number }
+  /** The least: something on the way takes a time that nobody knows. */
+  | { kind: 'not-before'; time: number; why: string }
+  /** It goes on until somebody stops it. */
+  | { kind: 'never' }
+  | { kind: 'unknown'; why: string };
+
+/** Seconds that the present run has left; undefined when there is none. */
+function runLeft(status: Status): number | undefined {
+  return gcStateOf(status) === 'Running'
+    ? Math.max(0, status.Total_run_time - status.Run_time)
+    : undefined;
+}
+
+/** When the present run ends; `time` is that of the status, in milliseconds. */
+export function endOfRun(status: Status, time: number): End {
+  const left = runLeft(status);
+  if (left === undefined) {
+    return { kind: 'none' };
+  }
+  if (status.Total_run_time <= 0) {
+    return { kind: 'unknown', why: 'the instrument tells no run time' };
+  }
+  return status.Run_time > status.Total_run_time
+    ? { kind: 'unknown', why: 'the run takes longer than its run time' }
+    : { kind: 'at', time: time + left * 1000 };
+}
+
+/** What comes after the present run. */
+export interface Remaining {
+  /** Runs in all, and lines in the present pass that have one of them. */
+  runs: number;
+  lines: number;
+  /** Passes through the table after the present one. */
+  passes: number;
+  /** Seconds of all that, as far as it is known. */
+  seconds: number;
+  /** Whether a flush time on the way is of unknown length. */
+  hasUnknownFlush: boolean;
+  /** Whether the table goes on beyond the rows that are known. */
+  isCut: boolean;
+}
+
+/** The instrument counts no further; assumed, as no report tells. */
+const lastPass = 999;
+
+const sum = (blocks: readonly Block[], of: (block: Block) => number): number =>
+  blocks.reduce((total, block) => total + of(block), 0);
+const secondsIn = (block: Block): number => (block.flush ?? 0) + block.seconds;
+
+/** What is left after the present run; undefined if status and sequence do not fit together. */
+export function remainingOf(
+  status: Status,
+  sequence: Sequence,
+  flushUnit?: string,
+): Remaining | undefined {
+  const { Seq_line: line, Line_replicate: replicate, Seq_replicate: pass } = status;
+  const whole = blocksOf(sequence, status.Total_run_time, flushUnit);
+  const current = whole.find((block) => block.line === line);
+  const passes = sequence.Table_repeat - pass;
+  const isCounted = pass >= 1 && (pass < lastPass || passes <= 0);
+  if (!current || replicate < 1 || replicate > current.runs || passes < 0 || !isCounted) {
+    return undefined;
+  }
+  const own = current.runs - replicate;
+  const later = whole.filter((block) => block.line > line);
+  const ahead = passes > 0 ? whole : later;
+  const allRuns = (blocks: readonly Block[]): number => sum(blocks, ({ runs }) => runs);
+  return {
+    runs: own + allRuns(later) + passes * allRuns(whole),
+    lines: later.length + (own > 0 ? 1 : 0),
+    passes,
+    seconds: own * status.Total_run_time + sum(later, secondsIn) + passes * sum(whole, secondsIn),
+    hasUnknownFlush: ahead.some(({ flush }) => flush === undefined),
+    isCut: sequence.total > (sequence.rows ?? []).length,
+  };
+}
+
+/** Seconds before the next run begins, if one is waited for; what is not counted is 0. */
+function waitOf(status: Status): { seconds: number; isExact: boolean } | undefined {
+  const [, seconds] = /^(?:Run Delay|Flushing Stream) (\d+)s$/.exec(status.Auto_state) ?? [];
+  const state = autoStateOf(status);
+  return ['Run Delay', 'Flushing Stream'].includes(state)
+    ? // Flushing is counted in whole minutes.
+      { seconds: Number(seconds ?? 0), isExact: state === 'Run Delay' }
+    : undefined;
+}
+
+/** Seconds until the present run, or the one that is waited for, is over. */
+function presentLeft(status: Status): { seconds: number; isExact: boolean } {
+  const left = runLeft(status);
+  if (left !== undefined) {
+    return { seconds: left, isExact: endOfRun(status, 0).kind === 'at' };
+  }
+  const wait = waitOf(status);
+  return wait
+    ? { seconds: wait.seconds + status.Total_run_time, isExact: wait.isExact }
+    : { seconds: 0, isExact: false };
+}
+
+/** When the automation ends, if nobody stops it; `time` is that of the status, in milliseconds. */
+export function endOfAutomation(
+  status: Status,
+  sequence: Sequence | undefined,
+  time: number,
+  flushUnit?: string,
+): End {
+  if (isIdle(status)) {
+    return { kind: 'none' };
+  }
+  const present = presentLeft(status);
+  const after = (seconds: number): number => time + seconds * 1000;
+  if (status.Seq_line < 1) {
+    // Runs that were started one by one: a calibration's replicates are in no report.
+    return autoStateOf(status) === 'Running - Single Run'
+      ? endOfRun(status, time)
+      : { kind: 'not-before', time: after(present.seconds), why: 'more runs may follow' };
+  }
+  if (!sequence) {
+    return { kind: 'unknown', why: 'the sequence is not known' };
+  }
+  if (sequence.Continuous) {
+    return { kind: 'never' };
+  }
+  const remaining = remainingOf(status, sequence, flushUnit);
+  if (!remaining) {
+    return { kind: 'unknown', why: 'the sequence does not fit what the instrument does' };
+  }
+  const end = after(present.seconds + remaining.seconds);
+  const reasons = [
+    remaining.isCut && 'the sequence has more lines than can be shown',
+    remaining.hasUnknownFlush && 'the unit of the flush times is not known',
+    remaining.runs > 0 && 'delays between runs are not known',
+    !present.isExact && 'how long the present step takes is not known',
+  ].filter((reason) => reason !== false);
+  return reasons.length === 0
+    ? { kind: 'at', time: end }
+    : { kind: 'not-before', time: end, why: reasons.join('; ') };
+}
+
+/** Milliseconds in which the end of anything is worth a time of day. */
+const farthest = 366 * 24 * 3600 * 1000;
+
+/** In a few words; empty when there is nothing that could end. */
+export function describeEnd(end: End, present: number): string {
+  switch (end.kind) {
+    case 'none':
+      return '';
+    case 'never':
+      return 'none: it runs until it is stopped';
+    case 'unknown':
+      return 'not known';
+    default: {
+      const before = end.kind === 'at' ? '' : 'not before ';
+      return end.time - present > farthest
+        ? 'in more than a year'
+        : `${before}${formatMoment(end.time, present)}`;
+    }
+  }
+}

@@ -1,0 +1,53 @@
+// The sequence as the instrument has it, while an automation is under way.
+import { computed, effect, signal } from '@preact/signals';
+import { getReport, type Fault } from './api';
+import type { Sequence } from './documents';
+import { isStale, status } from './store';
+import { isIdle } from './states';
+
+/** Milliseconds after which it is asked for again when it was not to be had. */
+const interval = 60_000;
+
+export const sequence = signal<Sequence | undefined>(undefined);
+export const sequenceFault = signal<Fault | undefined>(undefined);
+/** The only one of these requests whose answer still counts. */
+let latest = 0;
+
+/** Asks for it anew. */
+export async function loadSequence(): Promise<void> {
+  const number = ++latest;
+  const answer = await getReport<Sequence>('/api/sequence', 'Table_repeat');
+  if (number === latest) {
+    // An older one may be another's.
+    sequence.value = answer.ok ? answer.value : undefined;
+    sequenceFault.value = answer.ok ? undefined : answer.fault;
+  }
+}
+
+/** The instrument whose automation is under way, if one is. */
+const subject = computed(() =>
+  status.value && !isIdle(status.value) ? status.value.Application : undefined,
+);
+
+/** Asks when an automation begins and when the instrument comes back, until the returned function is called. */
+export function watchSequence(): () => void {
+  const stop = effect(() => {
+    if (subject.value === undefined) {
+      // It may be changed from now on.
+      latest++;
+      sequence.value = undefined;
+      sequenceFault.value = undefined;
+    } else if (!isStale.value) {
+      void loadSequence();
+    }
+  });
+  const timer = setInterval(() => {
+    if (subject.value !== undefined && sequenceFault.value && !document.hidden) {
+      void loadSequence();
+    }
+  }, interval);
+  return () => {
+    stop();
+    clearInterval(timer);
+  };
+}
