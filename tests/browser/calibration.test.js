@@ -45,12 +45,21 @@ browserTest('a table that is sent as it is', { path }, async (page, gc) => {
 });
 
 browserTest('wrong amounts are not sent', { path }, async (page, gc) => {
-  for (const text of ['-', 'x', '', '1e', '-0.5', '1,5']) {
+  for (const text of ['-', 'x', '', '1e', '-0.5', '1,234.5']) {
     await amount(page, 3).fill(text);
     await button(page, 'Compare and send…', { disabled: true }).waitFor();
     await page.getByText('1 cell is not right.').waitFor();
   }
   assert.deepEqual(await gc.changes(), []);
+});
+
+browserTest('a comma is understood as a point', { path }, async (page, gc) => {
+  await amount(page, 3).fill('1,25');
+  await send(page, 'calibration', (dialog) =>
+    dialog.getByRole('row', { name: '~ changed 3 1 3 Carbon dioxide 1.5 → 1.25' }).waitFor(),
+  );
+  await says(page, 'table-message', isSame);
+  assert.equal((await stored(gc))[2], 1.25);
 });
 
 browserTest('peaks cannot be added, moved or deleted', { path }, async (page) => {
@@ -95,6 +104,6 @@ browserTest('files that are no calibration of this instrument', { path }, async 
     page,
     'b.json',
     file({ Channel: 1, ID: 1, Level_amt: 'x' }),
-    '/rows/0/Level_amt must be',
+    'row 1, Level_amt: must be',
   );
 });

@@ -47,10 +47,10 @@ browserTest('edited by the keyboard alone, sent and read back', { path }, async 
 browserTest('a wrong value is not sent', { path }, async (page, gc) => {
   const runs = cell(page, 'Runs', 2);
   for (const [text, problem] of [
-    ['many', 'must be a whole number'],
-    ['1.5', 'must be a whole number'],
+    ['many', 'not a whole number'],
+    ['1.5', 'not a whole number'],
     ['-1', 'must be at least 0'],
-    ['', 'must be a whole number'],
+    ['', 'empty'],
   ]) {
     await runs.fill(text);
     assert.equal(await describedBy(runs), problem, text);
@@ -202,10 +202,19 @@ browserTest('export is the report, and comes back by import', { path }, async (p
 });
 
 browserTest('files that are no sequence', { path }, async (page) => {
-  await refuses(page, 'a.json', '{', 'a.json was not read. It is not JSON in UTF-8.');
-  await refuses(page, 'b.json', '{"total": 0}', '/Table_repeat is missing');
+  await refuses(
+    page,
+    'a.json',
+    '{\n  "total": 1\n  "rows": []\n}',
+    'a.json was not read. It is not JSON. Line 3, column 3: a comma or } is expected.',
+  );
+  await refuses(page, 'b.json', '{"total": 0}', 'Table_repeat: is missing');
   const line = { Type: 'Analysis', Repeat: 1, Stream: 1, Slot: 0, Flush_time: 0 };
   const long = { Table_repeat: 1, total: 21, rows: Array(21).fill(line) };
   await refuses(page, 'c.json', JSON.stringify(long), '21 lines');
+  const wrong = { Table_repeat: 1, total: 3, rows: [line, line, { ...line, Stream: '2' }] };
+  await refuses(page, 'e.json', JSON.stringify(wrong), 'row 3, Stream: must be a whole number.');
+  const short = { Table_repeat: 1, total: 5, rows: [line, line, line] };
+  await refuses(page, 'f.json', JSON.stringify(short), '"total" is 5, but there are 3 rows.');
   await refuses(page, 'd.json', ' '.repeat(65537), '65537 octets; the gateway takes 65536');
 });

@@ -12,7 +12,8 @@ import {
   type Layout,
   type Table,
 } from './table';
-import { readFile, type TableKind } from './tables';
+import { readFile } from './files';
+import type { TableKind } from './tables';
 
 export type Read = { ok: true; table: Table } | { ok: false; fault: Fault };
 export type Sent = { ok: true } | { ok: false; fault: Fault };

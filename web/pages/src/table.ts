@@ -70,6 +70,9 @@ export function draftOf(table: Table): Draft {
   };
 }
 
+/** With one point or one comma before the decimals, and nothing between thousands. */
+const real = /^[+-]?(\d+[.,]?\d*|[.,]\d+)(e[+-]?\d+)?$/i;
+
 /** The value that a cell's text stands for; a text that stands for none is given back as it is. */
 export function valueOf(text: string, kind: Column['kind']): Value {
   const trimmed = text.trim();
@@ -77,12 +80,22 @@ export function valueOf(text: string, kind: Column['kind']): Value {
     case 'integer':
       return /^[+-]?\d+$/.test(trimmed) ? Number(trimmed) : text;
     case 'real':
-      return /^[+-]?(\d+\.?\d*|\.\d+)(e[+-]?\d+)?$/i.test(trimmed) ? Number(trimmed) : text;
+      return real.test(trimmed) ? Number(trimmed.replace(',', '.')) : text;
     case 'flag':
       return text === 'true';
     default:
       return text;
   }
+}
+
+function notNumber(text: string, kind: 'integer' | 'real'): string {
+  if (text.trim() === '') {
+    return 'empty';
+  }
+  const fault = kind === 'integer' ? 'not a whole number' : 'not a number';
+  // "1,234.5" could be meant in two ways.
+  const isGrouped = /^[+-]?\d+([.,'’\s]\d+){2,}$|^[+-]?\d+['’\s]\d/.test(text.trim());
+  return isGrouped ? `${fault}: leave out what separates thousands` : fault;
 }
 
 /** What is wrong with a cell's text; empty when nothing is. */
@@ -91,9 +104,12 @@ export function cellProblem(text: string, column: Column, schema: Schema): strin
     return '';
   }
   const value = valueOf(text, column.kind);
-  if (column.kind === 'real' && typeof value !== 'number') {
+  if (column.kind === 'real' || column.kind === 'integer') {
     // The schema lets "-" pass, with which the instrument would be left without the value.
-    return 'must be a number';
+    const fault = typeof value === 'number' ? '' : notNumber(text, column.kind);
+    if (fault) {
+      return fault;
+    }
   }
   if (column.choices && !column.choices.includes(text)) {
     return `must be one of ${column.choices.join(', ')}`;

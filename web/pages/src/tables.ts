@@ -1,8 +1,8 @@
 // The two tables of the instrument: their layouts, and their documents to and from a table.
 import calibrationSchema from '../../../docs/schemas/calibration-file.schema.json';
 import sequenceSchema from '../../../docs/schemas/sequence-file.schema.json';
-import { fileLimit, type Calibration, type Configuration, type Sequence } from './documents';
-import { problemsOf, type Schema } from './schema';
+import type { Calibration, Configuration, Sequence } from './documents';
+import type { Schema } from './schema';
 import type { Column, Layout, Table, Values } from './table';
 
 /** How many lines a download takes. */
@@ -19,7 +19,7 @@ export interface TableKind {
   fromReport: (document: object) => Table;
   /** The file that the gateway takes, and that is exported. */
   toFile: (table: Table) => string;
-  /** A table from the contents of a file; `current` is what the instrument has. */
+  /** A table from a file’s document, by its schema; `current` is what the instrument has. */
   fromFile: (document: unknown, current: Table) => Table;
 }
 
@@ -128,6 +128,14 @@ function writeFile(members: Record<string, unknown>, rows: readonly Values[]): s
   return `{\n${head}  "rows": [\n${body}\n  ]\n}\n`;
 }
 
+/** The instrument would take no more rows than the total says: somebody has forgotten one of the two. */
+function checkTotal({ rows = [], total }: { rows?: readonly unknown[]; total: number }): void {
+  if (total !== rows.length) {
+    const count = rows.length === 1 ? 'there is 1 row' : `there are ${rows.length} rows`;
+    throw new Error(`"total" is ${total}, but ${count}.`);
+  }
+}
+
 export const sequenceKind: TableKind = {
   name: 'sequence',
   title: 'Sequence',
@@ -135,6 +143,7 @@ export const sequenceKind: TableKind = {
   fromReport: (document) => sequenceTable(document as Sequence),
   toFile: (table) => writeFile(table.header, table.rows),
   fromFile: (document) => {
+    checkTotal(document as Sequence);
     const table = sequenceTable(document as Sequence);
     if (table.rows.length > sequenceLines) {
       throw new Error(`It has ${table.rows.length} lines; the instrument takes ${sequenceLines}.`);
@@ -186,10 +195,9 @@ export const calibrationKind: TableKind = {
   toFile: (table) => writeFile({}, table.rows),
   // A download clears all amounts first: peaks that the file does not name keep what they have.
   fromFile: (document, current) => {
-    const { rows = [], total } = document as Calibration;
-    const amounts = new Map(
-      rows.slice(0, Math.max(0, total)).map((row) => [peakKey(row), row.Level_amt]),
-    );
+    const { rows = [] } = document as Calibration;
+    checkTotal(document as Calibration);
+    const amounts = new Map(rows.map((row) => [peakKey(row), row.Level_amt]));
     const known = new Set(current.rows.map(peakKey));
     const unknown = [...amounts.keys()].filter((key) => !known.has(key));
     if (unknown.length > 0) {
@@ -206,23 +214,3 @@ export const calibrationKind: TableKind = {
     };
   },
 };
-
-/** Reads an imported file; throws an Error that says what is wrong with it. */
-export function readFile(octets: ArrayBuffer, kind: TableKind, current: Table): Table {
-  if (octets.byteLength > fileLimit) {
-    throw new Error(`It has ${octets.byteLength} octets; the gateway takes ${fileLimit}.`);
-  }
-  let document: unknown;
-  try {
-    document = JSON.parse(new TextDecoder('utf-8', { fatal: true }).decode(octets));
-  } catch {
-    throw new Error('It is not JSON in UTF-8.');
-  }
-  const { schema } = kind.layout(undefined);
-  const [problem, ...others] = problemsOf(document, schema, schema);
-  if (problem) {
-    const more = others.length > 0 ? `, and ${others.length} more` : '';
-    throw new Error(`${problem.path || 'The file'} ${problem.text}${more}.`);
-  }
-  return kind.fromFile(document, current);
-}

@@ -100,7 +100,7 @@ describe('editor', () => {
     expect(editor.problems.value).toEqual([]);
     edit(0, 'Repeat', 'many');
     expect(editor.problems.value).toEqual([
-      { rowId: 0, key: 'Repeat', text: 'must be a whole number' },
+      { rowId: 0, key: 'Repeat', text: 'not a whole number' },
     ]);
   });
 
@@ -311,7 +311,7 @@ describe('editor', () => {
     editor.import('other.json', octets('{"total": 1}'));
     expect(editor.message.value).toEqual({
       kind: 'bad',
-      text: 'other.json was not read. /Table_repeat is missing.',
+      text: 'other.json was not read. Table_repeat: is missing.',
     });
     expect(editor.draft.value?.header.Table_repeat).toBe('4');
   });

@@ -155,10 +155,10 @@ describe('the grid', () => {
     expect(field('Runs, line 2').getAttribute('aria-invalid')).toBe('false');
     expect(field('Runs, line 2').getAttribute('aria-describedby')).toBeNull();
     await type('Runs, line 2', 'many');
-    expect(textsOf('.problem')).toEqual(['must be a whole number']);
+    expect(textsOf('.problem')).toEqual(['not a whole number']);
     expect(field('Runs, line 2').getAttribute('aria-invalid')).toBe('true');
     const id = field('Runs, line 2').getAttribute('aria-describedby')!;
-    expect(textOf(document.getElementById(id))).toBe('must be a whole number');
+    expect(textOf(document.getElementById(id))).toBe('not a whole number');
     expect(field('Runs, line 1').getAttribute('aria-invalid')).toBe('false');
     expect(field('Stream, line 2').getAttribute('aria-invalid')).toBe('false');
   });

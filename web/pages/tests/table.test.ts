@@ -140,7 +140,15 @@ describe('texts of cells', () => {
     [' 5 ', 'choice', ' 5 '],
     ['TRUE', 'flag', false],
     ['2e-5', 'real', 0.00002],
-    ['1,5', 'real', '1,5'],
+    ['1,5', 'real', 1.5],
+    [',5', 'real', 0.5],
+    ['5,', 'real', 5],
+    ['1,5e2', 'real', 150],
+    [',', 'real', ','],
+    ['1,234.5', 'real', '1,234.5'],
+    ['1.234,5', 'real', '1.234,5'],
+    ['1,2,3', 'real', '1,2,3'],
+    ['1,0', 'integer', '1,0'],
     ['-', 'real', '-'],
     ['NaN', 'real', 'NaN'],
     ['true', 'flag', true],
@@ -150,7 +158,7 @@ describe('texts of cells', () => {
   });
 
   it.each([
-    ['Repeat', '1.5', 'must be a whole number'],
+    ['Repeat', '1.5', 'not a whole number'],
     ['Repeat', '99999999999', 'must be at most 2147483647'],
     ['Repeat', '-1', 'must be at least 0'],
     ['Repeat', '0', undefined],
@@ -166,8 +174,20 @@ describe('texts of cells', () => {
     ['Stream', '5', 'must be at most 4'],
     ['Stream', '4', undefined],
     ['Slot', '11', 'must be at most 10'],
-    ['Flush_time', '-', 'must be a number'],
-    ['Flush_time', '1,5', 'must be a number'],
+    ['Repeat', ' ', 'empty'],
+    ['Repeat', '1.000.000', 'not a whole number: leave out what separates thousands'],
+    ['Repeat', '1,0', 'not a whole number'],
+    ['Flush_time', '', 'empty'],
+    ['Flush_time', '-', 'not a number'],
+    ['Flush_time', '1,5', undefined],
+    ['Flush_time', '1,234.5', 'not a number: leave out what separates thousands'],
+    ['Flush_time', '-1.234,5', 'not a number: leave out what separates thousands'],
+    ['Flush_time', ' 12’345 ', 'not a number: leave out what separates thousands'],
+    ['Flush_time', '1 000', 'not a number: leave out what separates thousands'],
+    ['Flush_time', '1,x', 'not a number'],
+    ['Flush_time', 'x1,234.5', 'not a number'],
+    ['Flush_time', '1,234.5x', 'not a number'],
+    ['Flush_time', '1,234.', 'not a number'],
     ['Flush_time', '1e999', 'must be a number'],
     ['Flush_time', '2', undefined],
     ['Type', 'None', 'must be one of Analysis, Calibration, Blank, Verification'],
@@ -184,7 +204,7 @@ describe('texts of cells', () => {
 
   it('are checked in the header too', () => {
     expect(problemsOfDraft(setCell(draft, null, 'Table_repeat', 'twice'), layout)).toEqual([
-      { rowId: null, key: 'Table_repeat', text: 'must be a whole number' },
+      { rowId: null, key: 'Table_repeat', text: 'not a whole number' },
     ]);
   });
 

@@ -1,5 +1,6 @@
 import { describe, expect, it } from 'vitest';
-import { calibrationKind, readFile, sequenceKind } from '../src/tables';
+import { readFile } from '../src/files';
+import { calibrationKind, sequenceKind } from '../src/tables';
 import { fileLimit } from '../src/documents';
 import type { Configuration } from '../src/documents';
 import { cellProblem, type Column } from '../src/table';
@@ -90,7 +91,7 @@ describe('layouts', () => {
     const amount = layout.columns[3]!;
     expect(cellProblem('-0.1', amount, layout.schema)).toBe('must be at least 0');
     expect(cellProblem('0', amount, layout.schema)).toBe('');
-    expect(cellProblem('many', amount, layout.schema)).toBe('must be a number');
+    expect(cellProblem('many', amount, layout.schema)).toBe('not a number');
   });
 });
 
@@ -153,9 +154,16 @@ describe('files', () => {
     expect(rows[1]).toEqual({ Type: 'Analysis', Repeat: 20, Stream: 1, Slot: 0, Flush_time: 0 });
   });
 
-  it('count as many rows as their total says', () => {
-    expect(readSequence({ Table_repeat: 1, total: 1, rows: [{}, {}, {}] }).rows.length).toBe(1);
-    expect(readSequence({ Table_repeat: 1, total: -1, rows: [{}] }).rows.length).toBe(0);
+  it.each([
+    [1, 3, '"total" is 1, but there are 3 rows.'],
+    [3, 1, '"total" is 3, but there is 1 row.'],
+    [-1, 1, '"total" is -1, but there is 1 row.'],
+    [2, undefined, '"total" is 2, but there are 0 rows.'],
+  ])('whose total is %d with %d rows are refused', (total, count, text) => {
+    const of = <T>(row: T) => (count === undefined ? {} : { rows: Array<T>(count).fill(row) });
+    expect(() => readSequence({ Table_repeat: 1, total, ...of({}) })).toThrow(text);
+    const peak = { Channel: 1, ID: 1, Level_amt: 99 };
+    expect(() => readCalibration({ total, ...of(peak) })).toThrow(text);
   });
 
   it('of amounts leave the peaks alone that they do not name', () => {
@@ -164,7 +172,6 @@ describe('files', () => {
       rows: [
         { Channel: 2, ID: 1, Level_amt: 3.5 },
         { Channel: 1, ID: 2, Level_amt: 80 },
-        { Channel: 1, ID: 1, Level_amt: 99 },
       ],
     });
     expect(rows.length).toBe(11);
@@ -173,11 +180,9 @@ describe('files', () => {
     ]);
   });
 
-  it.each([0, -1])('of amounts whose total is %d set none', (total) => {
-    const rows = [{ Channel: 1, ID: 1, Level_amt: 99 }];
-    expect(readCalibration({ total, rows })).toEqual(calibration);
-    expect(readCalibration({ total })).toEqual(calibration);
-    expect(readCalibration({ total: 3 })).toEqual(calibration);
+  it('of amounts without rows set none', () => {
+    expect(readCalibration({ total: 0 })).toEqual(calibration);
+    expect(readCalibration({ total: 0, rows: [] })).toEqual(calibration);
   });
 
   it('may have 20 lines, and as many octets as the gateway takes', () => {
@@ -188,13 +193,25 @@ describe('files', () => {
   });
 
   it.each([
-    ['{', 'It is not JSON in UTF-8.'],
-    ['', 'It is not JSON in UTF-8.'],
-    ['{}', '/Table_repeat is missing, and 1 more.'],
-    ['[]', 'The file must be an object.'],
     [
-      '{"Table_repeat": 1, "total": 1, "rows": [{"Stream": "1"}]}',
-      '/rows/0/Stream must be a whole number.',
+      '{',
+      'It is not JSON. Line 1, column 2: the file ends where a name in quotation marks is expected.',
+    ],
+    ['{}', /^Table_repeat: is missing\. total: is missing\.$/],
+    ['[]', /^The file must be an object\.$/],
+    [
+      '{"Table_repeat": 1, "total": 1, "rows": [{}, {}, {"Stream": "1"}]}',
+      /^row 3, Stream: must be a whole number\.$/,
+    ],
+    ['{"Table_repeat": 1, "total": 1, "rows": [3]}', /^row 1: must be an object\.$/],
+    ['{"Table_repeat": 1, "total": 1, "rows": 3}', /^rows: must be a list\.$/],
+    [
+      '{"Table_repeat": 1, "total": 5, "rows": [3, 3, 3, 3, 3]}',
+      /^row 1: must be an object\..*row 5: must be an object\.$/,
+    ],
+    [
+      '{"Table_repeat": 1, "total": 7, "rows": [3, 3, 3, 3, 3, 3, 3]}',
+      /row 5: must be an object\. There are 2 more faults\.$/,
     ],
     [
       `{"Table_repeat": 1, "total": 21, "rows": [${Array(21).fill('{}').join()}]}`,
@@ -209,7 +226,7 @@ describe('files', () => {
       'It has 65537 octets; the gateway takes 65536.',
     );
     const latin = new Uint8Array([0x22, 0xe4, 0x22]).buffer;
-    expect(() => readFile(latin, sequenceKind, sequence)).toThrow('It is not JSON in UTF-8.');
+    expect(() => readFile(latin, sequenceKind, sequence)).toThrow('It is no text in UTF-8.');
   });
 
   it('that name a peak which the instrument does not have are refused', () => {
