@@ -4,10 +4,19 @@ import importlib.util
 from collections.abc import Callable, Iterator
 from contextlib import ExitStack
 from pathlib import Path
+from typing import Any
 
 import pytest
 from programs import ROOT, Simulator
-from server import CONFIGURATION, LIGHTTPD, PASSWORD, Browser, WebServer, write_passwords
+from server import (
+    CONFIGURATION,
+    LIGHTTPD,
+    PASSWORD,
+    Browser,
+    WebServer,
+    described,
+    write_passwords,
+)
 
 # By its path: two modules cannot both be called conftest.
 _spec = importlib.util.spec_from_file_location("system", ROOT / "tests" / "system" / "conftest.py")
@@ -32,6 +41,27 @@ def pytest_configure() -> None:
         if not program.is_file():
             raise pytest.UsageError(f"no {program}")
     system.pytest_configure()
+
+
+@pytest.fixture(autouse=True)
+def count_described(record_property: Callable[[str, object], None]) -> Iterator[None]:
+    before = len(described)
+    yield
+    record_property("described", len(described) - before)
+
+
+def pytest_terminal_summary(terminalreporter: Any) -> None:
+    """Prints how much was held to the description of the interface."""
+    counts = [
+        count
+        for reports in terminalreporter.stats.values()
+        for report in reports
+        if getattr(report, "when", "") == "teardown"
+        for name, count in report.user_properties
+        if name == "described"
+    ]
+    terminalreporter.write_line("")
+    terminalreporter.write_line(f"{sum(counts)} answers are as docs/openapi.json describes them")
 
 
 @pytest.fixture

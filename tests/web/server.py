@@ -16,6 +16,7 @@ from dataclasses import dataclass
 from pathlib import Path
 from typing import Any
 
+from interface import faults_of_answer, faults_of_request
 from programs import LIMIT, ROOT, SCHEMAS
 
 CONFIGURATION = ROOT / "web" / "server"
@@ -61,6 +62,24 @@ class Answer:
         assert self.document["status"] == status
         assert self.headers["Link"] is None
         return self.document
+
+
+# Statuses of all answers that were held to the description.
+described: list[int] = []
+
+
+def expect_described(
+    method: str, path: str, body: bytes | None, headers: Mapping[str, str], answer: Answer
+) -> None:
+    """Holds requests to the gateway, and its answers, to docs/openapi.json."""
+    plain = path.partition("?")[0]
+    if not (plain == "/api" or plain.startswith("/api/")):
+        return
+    described.append(answer.status)
+    faults = faults_of_answer(method, plain, answer.status, answer.headers, answer.body)
+    if answer.status in {200, 204}:
+        faults += faults_of_request(method, plain, headers, body)
+    assert not faults, f"{method} {path} {answer.status}: {faults}"
 
 
 class Browser:
@@ -130,9 +149,11 @@ class Browser:
         try:
             connection.request(method, path, body, every)
             answer = connection.getresponse()
-            return Answer(answer.status, answer.headers, answer.read())
+            received = Answer(answer.status, answer.headers, answer.read())
         finally:
             connection.close()
+        expect_described(method, path, body, every, received)
+        return received
 
     def get(self, path: str, **headers: str) -> Answer:
         return self.request("GET", path, headers=headers, login=False)

@@ -37,13 +37,15 @@ GUARDS = {
         ("/index.html", "text/html; charset=utf-8", "no-cache"),
         (SCRIPT, "text/javascript; charset=utf-8", "public, max-age=31536000, immutable"),
         ("/schemas/status.schema.json", "application/schema+json", "no-cache"),
+        ("/schemas/examples/command-run.json", "application/json", "no-cache"),
+        ("/openapi.json", "application/json", "no-cache"),
     ],
 )
 def test_file(server: WebServer, browser: Browser, path: str, kind: str, kept: str) -> None:
     answer = browser.get(path)
     assert (answer.status, answer.headers["Content-Type"]) == (200, kind)
     assert answer.headers.get_all("Cache-Control") == [kept]
-    where = SCHEMAS.parent if path.startswith("/schemas") else server.pages
+    where = SCHEMAS.parent if path.startswith(("/schemas", "/openapi")) else server.pages
     file = where / (path[1:] or "index.html")
     assert answer.body == file.read_bytes()
     head = browser.request("HEAD", path)

@@ -9,33 +9,17 @@
 
 namespace {
 
-// The ranges are those of the tool's command line.
-constexpr char cRunSchema[] = R"({"type": "object", "required": ["type"], "properties": {
-  "type": {"type": "string", "enum": ["single", "calibration", "automation"]},
-  "stream": {"type": "integer", "minimum": 0, "maximum": 46}}, "additionalProperties": false})";
-constexpr char cAbortSchema[] = R"({"type": "object", "required": ["when"], "properties": {
-  "when": {"type": "string", "enum": ["now", "after-run"]}}, "additionalProperties": false})";
-constexpr char cStreamSchema[] = R"({"type": "object", "required": ["stream"], "properties": {
-  "stream": {"type": "integer", "minimum": 0, "maximum": 46}}, "additionalProperties": false})";
-constexpr char cSolutionSchema[] = R"({"type": "object", "required": ["solution"], "properties": {
-  "solution": {"type": "integer", "minimum": 0, "maximum": 10}}, "additionalProperties": false})";
-constexpr char cNothingSchema[] = R"({"type": "object", "additionalProperties": false})";
-constexpr char cSeenSchema[] = R"({"type": "object", "required": ["id"], "properties": {
-  "id": {"type": "string", "pattern": "^[0-9a-f]{16}$"}}, "additionalProperties": false})";
-
 constexpr CommandRow cCommands[] = {
-    {"/api/command/run", "POST", ePurpose::eTool, eBody::eRun, cRunSchema, nullptr},
-    {"/api/command/abort", "POST", ePurpose::eTool, eBody::eAbort, cAbortSchema, nullptr},
-    {"/api/command/stream", "PUT", ePurpose::eTool, eBody::eStream, cStreamSchema, nullptr},
-    {"/api/command/solution", "PUT", ePurpose::eTool, eBody::eSolution, cSolutionSchema, nullptr},
-    {"/api/command/alarm-reset", "POST", ePurpose::eTool, eBody::eAlarmReset, cNothingSchema,
-     nullptr},
-    {"/api/command/login", "POST", ePurpose::eLogin, eBody::eLogin, cNothingSchema, nullptr},
-    {"/api/command/logout", "POST", ePurpose::eLogout, eBody::eLogout, cNothingSchema, nullptr},
-    {"/api/command/seen", "POST", ePurpose::eSeen, eBody::eSeen, cSeenSchema, nullptr},
-    {"/api/command/sequence", "PUT", ePurpose::eTool, eBody::eSequence, nullptr, "sequence-file"},
-    {"/api/command/calibration", "PUT", ePurpose::eTool, eBody::eCalibration, nullptr,
-     "calibration-file"},
+    {"/api/command/run", "POST", ePurpose::eTool, eBody::eRun, "command-run"},
+    {"/api/command/abort", "POST", ePurpose::eTool, eBody::eAbort, "command-abort"},
+    {"/api/command/stream", "PUT", ePurpose::eTool, eBody::eStream, "command-stream"},
+    {"/api/command/solution", "PUT", ePurpose::eTool, eBody::eSolution, "command-solution"},
+    {"/api/command/alarm-reset", "POST", ePurpose::eTool, eBody::eAlarmReset, "command-nothing"},
+    {"/api/command/login", "POST", ePurpose::eLogin, eBody::eLogin, "command-nothing"},
+    {"/api/command/logout", "POST", ePurpose::eLogout, eBody::eLogout, "command-nothing"},
+    {"/api/command/seen", "POST", ePurpose::eSeen, eBody::eSeen, "command-seen"},
+    {"/api/command/sequence", "PUT", ePurpose::eTool, eBody::eSequence, "sequence-file"},
+    {"/api/command/calibration", "PUT", ePurpose::eTool, eBody::eCalibration, "calibration-file"},
 };
 
 /// One form of a body: a member whose word chooses the operation, a member with its number; null
@@ -131,10 +115,8 @@ std::optional<Answer> readCommand(const CommandRow& aRow, const std::string& aBo
     return problem(422, "The document is nested more than 100 levels deep.");
   }
   rapidjson::Document schema;
-  if (aRow.schema != nullptr) {
-    schema.Parse(aRow.schema);
-  } else if (!parseSchemaFile(aSettings.schemas + '/' + aRow.file + ".schema.json", schema)) {
-    return problem(500, std::string("GC_WEB_SCHEMAS has no schema ") + aRow.file + '.');
+  if (!parseSchemaFile(aSettings.schemas + '/' + aRow.schema + ".schema.json", schema)) {
+    return problem(500, std::string("GC_WEB_SCHEMAS has no schema ") + aRow.schema + '.');
   }
   if (const std::optional<std::string> fault = findSchemaFault(aBody, schema)) {
     return problem(422, *fault);

@@ -33,8 +33,7 @@ struct CommandRow {
   const char* method;
   ePurpose purpose;
   eBody body;
-  const char* schema;  ///< null if it stands in a file
-  const char* file;    ///< name of that schema
+  const char* schema;  ///< name of its body's, in GC_WEB_SCHEMAS
 };
 
 struct Command {
