@@ -53,7 +53,7 @@ Value makeRow(const ParameterMap& aMap, int channel, int peak, AllocatorType& al
   arow.AddMember("Channel", channel, al);
   arow.AddMember("ID", peak, al);
   addText(arow, "PkName", name, al);
-  // The instrument counts retention in minutes, the pages in seconds.
+  // The instrument counts retention in minutes, the document in seconds.
   addReal(arow, "Ret_time", getRealValue(aMap, "mRT", 0.0) * 60.0, al);
   addReal(arow, "Level_amt", getRealValue(aMap, "mLevelAmt", 0.0), al);
   addReal(arow, "Linear", getRealValue(aMap, "mLinearCoef", 0.0), al);
@@ -104,11 +104,12 @@ int SecCalibTbl::parseFile(char* file) {
 
 int SecCalibTbl::writeGC() {
   if (findJsonMember(dom4write, "total") == nullptr) {
-    // Code and capitals differ from the sequence download's, and both stay as they have been.
+    // Kept odd: code and capitals differ from the sequence download's.
     printErroMsg(2, "Format invalid");
     return -1;
   }
-  // The result is not looked at: a table that could not be cleared is written over peak by peak.
+  // Kept odd: the result is not looked at. A table that could not be cleared is written over peak by
+  // peak.
   ExecuteCommand(mHandle, 0, cClearCalibration);
 
   const int count = std::min(getIntJsonMember(dom4write, "total", 0), cMaxRows);

@@ -55,8 +55,8 @@ int SecConfig::readGC() {
   Document document;
   document.SetObject();
   AllocatorType& al = document.GetAllocator();
-  // One string for both texts: an instrument without site information repeats its name there, which
-  // the pages have always shown.
+  // Kept odd: one string for both texts, so that an instrument without site information repeats its
+  // name there.
   ACE_CString str;
   getBOOTPName(str);
   addText(document, "Inst_name", str.c_str(), al);

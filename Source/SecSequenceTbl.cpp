@@ -102,7 +102,7 @@ int SecSequenceTbl::parseFile(char* file) {
 int SecSequenceTbl::writeGC() {
   if (findJsonMember(dom4write, "Table_repeat") == nullptr ||
       findJsonMember(dom4write, "total") == nullptr) {
-    // Code 0 although nothing was done, and stays so: what tells is the status returned.
+    // Kept odd: code 0 although nothing was done. What tells is the status returned.
     printErroMsg(0, "Format Invalid");
     return -1;
   }
@@ -122,6 +122,7 @@ int SecSequenceTbl::writeGC() {
   }
   ulResult = ExecuteCommand(mHandle, 0, cClearTable);
   if (ulResult != 0) {
+    // Kept odd, spelling included.
     return printResult(ulResult, "Refused: unabled to clear orignal table");
   }
 

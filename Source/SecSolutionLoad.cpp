@@ -27,6 +27,6 @@ void SecSolutionLoad::setArgument(int arg) {
 
 int SecSolutionLoad::writeGC() {
   const unsigned int ulResult = writeAndReport(*mMap, mHandle);
-  // The words are the wrong way round and stay so: what counts is the code.
+  // Kept odd: the words are the wrong way round. What counts is the code.
   return printResult(ulResult, ulResult != 0 ? "Accepted" : "Refused");
 }

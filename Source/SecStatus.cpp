@@ -259,8 +259,8 @@ void SecStatus::printGC_State(int aValue, char* mGC_State, const ParameterMap& a
 void SecStatus::printAutoState(int aValue, char* mAutoState, const ParameterMap& aMap) {
   const double delay = getRealValue(aMap, "mGC_WaitingBetweenRuns", 0.0);
   const double flushing = getRealValue(aMap, "mGC_FlushingStream", 0.0);
-  // Both counts come in minutes. The delay is shown to the second; the flushing time has always
-  // been shown in whole minutes, expressed in seconds, and the pages count on both.
+  // Both counts come in minutes. Kept odd: the delay is shown to the second, the flushing time in
+  // whole minutes, expressed in seconds.
   if (aValue == cAutoStateSequence && delay > 0.0) {
     std::snprintf(mAutoState, cTextSize, "Run Delay %ds", truncateToInt(delay * 60.0));
   } else if (aValue == cAutoStateFlushing && flushing > 0.0) {

@@ -25,6 +25,6 @@ void SecStream::setArgument(int arg) {
 }
 
 int SecStream::writeGC() {
-  // No verdict: whoever switches streams watches the status, and has never been sent one.
+  // Kept odd: no verdict. Whoever switches streams watches the status.
   return static_cast<int>(writeAndReport(*mMap, mHandle));
 }
