@@ -108,8 +108,7 @@ int SecCalibTbl::writeGC() {
     printErroMsg(2, "Format invalid");
     return -1;
   }
-  // Kept odd: the result is not looked at. A table that could not be cleared is written over peak by
-  // peak.
+  // Kept odd: the result is not looked at. What could not be cleared is overwritten peak by peak.
   ExecuteCommand(mHandle, 0, cClearCalibration);
 
   const int count = std::min(getIntJsonMember(dom4write, "total", 0), cMaxRows);
