@@ -23,7 +23,8 @@ struct OptionRow {
 
 constexpr char cOptionLetters[] = "s:htgaqcv:A:V:R:M:Q:C:P";
 
-// Streams go from 0 to 46, solution slots from 0 to 10.
+constexpr int cHighestStream = 46;
+constexpr int cHighestSlot = 10;  // of a solution
 constexpr char cStreamRange[] = "ERROR: number out of range for stream\n";
 constexpr char cSlotRange[] = "ERROR: number out of range for slot\n";
 constexpr OptionRow cOptions[] = {
@@ -34,9 +35,9 @@ constexpr OptionRow cOptions[] = {
     {'q', eTakes::eNothing, eSequenceRead, 0, nullptr},
     {'c', eTakes::eNothing, eCalibRead, 0, nullptr},
     {'P', eTakes::eNothing, eAlarmReset, 0, nullptr},
-    {'V', eTakes::eNumber, eStreamWrite, 46, cStreamRange},
-    {'v', eTakes::eNumber, NR_OF_SECTIONS, 46, cStreamRange},
-    {'M', eTakes::eNumber, eSolutionLoad, 10, cSlotRange},
+    {'V', eTakes::eNumber, eStreamWrite, cHighestStream, cStreamRange},
+    {'v', eTakes::eNumber, NR_OF_SECTIONS, cHighestStream, cStreamRange},
+    {'M', eTakes::eNumber, eSolutionLoad, cHighestSlot, cSlotRange},
     {'A', eTakes::eAbortWord, eAbortRun, 0, nullptr},
     {'R', eTakes::eRunWord, NR_OF_SECTIONS, 0, nullptr},
     {'Q', eTakes::eFile, eSequenceWrite, 0, nullptr},
