@@ -1,6 +1,8 @@
 // The pages behind their addresses, and what surrounds them.
 import { useEffect, useRef, useState } from 'preact/hooks';
 import type { ComponentChildren } from 'preact';
+import { amountChange } from './changes';
+import { CalibrationPicture } from './components/CalibrationPicture';
 import { Header } from './components/Header';
 import { calibrationEditor, sequenceEditor } from './editors';
 import { AlarmsPage } from './pages/Alarms';
@@ -41,6 +43,8 @@ const pages: readonly Page[] = [
       <TablePage
         key="calibration"
         editor={calibrationEditor}
+        picture={CalibrationPicture}
+        extra={amountChange}
         hint={`${moving} Peaks belong to the instrument’s method: only their amounts can be set.`}
       />
     ),

@@ -199,6 +199,9 @@ export function TablePage({ editor, hint, picture: Picture, extra }: Props) {
           <fieldset disabled={editor.busy.value !== ''}>
             <HeaderFields editor={editor} />
             <div class={Picture && 'beside'}>
+              {Picture && (
+                <Picture editor={editor} focusedRow={focused < 0 ? undefined : focused} />
+              )}
               <Grid
                 caption={editor.kind.title}
                 layout={editor.layout.value}
@@ -207,9 +210,6 @@ export function TablePage({ editor, hint, picture: Picture, extra }: Props) {
                 onChange={(changed) => (editor.draft.value = changed)}
                 onFocusRow={setFocusedId}
               />
-              {Picture && (
-                <Picture editor={editor} focusedRow={focused < 0 ? undefined : focused} />
-              )}
             </div>
           </fieldset>
           <p class="dim">{hint}</p>

@@ -1,0 +1,28 @@
+// How much an amount changes, in parts of what it was.
+import type { RowChange } from './diff';
+import type { Value } from './table';
+
+const digits = 3;
+
+export function changeText(before: Value | undefined, after: Value | undefined): string {
+  if (typeof before !== 'number' || typeof after !== 'number') {
+    return 'not known';
+  }
+  if (before === 0) {
+    return after === 0 ? '' : 'from 0';
+  }
+  if (after === 0) {
+    return 'to 0';
+  }
+  const percent = ((after - before) / Math.abs(before)) * 100;
+  // Of a large change the size counts, not its digits.
+  const size = Number(Math.abs(percent).toPrecision(digits));
+  return `${percent > 0 ? '+' : '−'}${size} %`;
+}
+
+/** A column of the comparison before amounts are sent. */
+export const amountChange = {
+  label: 'Relative change',
+  of: ({ before, after, keys }: RowChange): string =>
+    keys.includes('Level_amt') ? changeText(before?.Level_amt, after?.Level_amt) : '',
+};
