@@ -114,7 +114,7 @@ browserTest('status: a run, with all channels', four, async (page, gc) => {
   }
   await gc.command(0);
   await goOn(page, gc, 2.25);
-  await page.getByText('2 min 15 s of 4 min 00 s').waitFor();
+  await page.locator('main').getByText('2 min 15 s of 4 min 00 s').waitFor();
   await picture(page, 'status-four-channels');
 });
 
@@ -139,7 +139,7 @@ browserTest('curves while the columns warm up', warming, async (page, gc) => {
   await says(page, 'state', 'Ready');
   await gc.command(0);
   await goOn(page, gc, 2);
-  await page.getByText('2 min 00 s of 3 min 00 s').waitFor();
+  await page.locator('main').getByText('2 min 00 s of 3 min 00 s').waitFor();
   await picture(page, 'status');
 
   // A page that is loaded again still has them.
@@ -150,7 +150,7 @@ browserTest('curves while the columns warm up', warming, async (page, gc) => {
 browserTest('on a telephone', { context: { viewport: phone } }, async (page, gc) => {
   await gc.command(0);
   await gc.control('step', 74);
-  await page.getByText('1 min 14 s of 3 min 00 s').waitFor();
+  await page.locator('main').getByText('1 min 14 s of 3 min 00 s').waitFor();
   // What matters most is seen without scrolling.
   await button(page, 'Abort now…', { disabled: false }).waitFor();
   const { bottom } = await page

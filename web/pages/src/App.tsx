@@ -4,6 +4,7 @@ import type { ComponentChildren } from 'preact';
 import { amountChange } from './changes';
 import { CalibrationPicture } from './components/CalibrationPicture';
 import { Header } from './components/Header';
+import { Versions } from './components/Session';
 import { calibrationEditor, sequenceEditor } from './editors';
 import { AlarmsPage } from './pages/Alarms';
 import { ConfigurationPage } from './pages/Configuration';
@@ -121,6 +122,7 @@ export function App() {
         </h1>
         {page ? page.render() : <p>There is no such page.</p>}
       </main>
+      <Versions />
     </>
   );
 }

@@ -9,6 +9,10 @@ export interface Fault {
   text: string;
   /** Details from the gateway or the instrument; may be empty. */
   detail: string;
+  /** The number with which the instrument, or its library, refused. */
+  code?: number;
+  /** Whether a command may have been carried out all the same. */
+  isUnknown?: boolean;
 }
 
 export type Answer<T> = (
@@ -16,10 +20,15 @@ export type Answer<T> = (
 ) & {
   /** How many commands were interrupted and nobody has taken note, if there are any. */
   interrupted?: number;
+  /** Who has given the command, as the web server knows. */
+  user?: string;
 };
 
-/** Milliseconds that an answer may take: a little more than the gateway takes to say that there is none. */
-export const timeLimits = { status: 27_000, report: 25_000, command: 152_000 } as const;
+/**
+ * Milliseconds that an answer may take: a little more than the gateway takes at most to say that
+ * there is none. For a status it waits 25 s for somebody else's and 20 s for its own.
+ */
+export const timeLimits = { status: 48_000, report: 25_000, command: 152_000 } as const;
 
 const textsOfStatus: Readonly<Record<number, string>> = {
   401: 'You are not signed in. Nothing was done.',
@@ -50,7 +59,7 @@ export function faultOf(status: number, body: unknown): Fault {
     // No refusal: the instrument may be at work.
     const parts = [member(body, 'detail'), member(body, 'message')];
     const text = 'What became of the command is not known.';
-    return { status, text, detail: parts.filter(Boolean).join(' ') };
+    return { status, text, detail: parts.filter(Boolean).join(' '), isUnknown: true };
   }
   let text = textsOfStatus[status] ?? `The web server answered with HTTP status ${status}.`;
   const code = member(body, 'ErrorCode');
@@ -71,12 +80,32 @@ export function faultOf(status: number, body: unknown): Fault {
   if (status === 409 && code === undefined && instrument === undefined) {
     text = 'The gateway did not take the command.';
   }
-  return { status, text, detail: details.filter(Boolean).join(': ') };
+  const number = Number(code ?? instrument);
+  const known = Number.isNaN(number) ? {} : { code: number };
+  return { status, text, detail: details.filter(Boolean).join(': '), ...known };
 }
 
 /** The document of an answer; undefined where there is none. */
 function parsed(response: Response): Promise<unknown> {
   return response.json().catch(() => undefined);
+}
+
+function readHeaders(headers: Headers): { interrupted?: number; user?: string } {
+  const count = headers.get('X-GC-Interrupted');
+  const user = headers.get('X-GC-User');
+  return {
+    ...(count !== null && { interrupted: Number(count) }),
+    ...(user && { user: decoded(user) }),
+  };
+}
+
+/** A header's text, which is percent-encoded. */
+function decoded(text: string): string {
+  try {
+    return decodeURIComponent(text);
+  } catch {
+    return text;
+  }
 }
 
 async function request<T>(
@@ -101,18 +130,17 @@ async function request<T>(
     const detail = isLate ? `No answer within ${limit / 1000} s` : 'The connection failed';
     return { ok: false, fault: { status: 0, text: withoutAnswer, detail } };
   }
-  const count = response.headers.get('X-GC-Interrupted');
-  const interrupted = count === null ? {} : { interrupted: Number(count) };
+  const fromHeaders = readHeaders(response.headers);
   if (response.status !== 200 && response.status !== 204) {
-    return { ok: false, fault: faultOf(response.status, body), ...interrupted };
+    return { ok: false, fault: faultOf(response.status, body), ...fromHeaders };
   }
   const value = take(body);
   if (value === undefined) {
     const text = 'The answer is not what was asked for.';
-    return { ok: false, fault: { status: response.status, text, detail: path }, ...interrupted };
+    return { ok: false, fault: { status: response.status, text, detail: path }, ...fromHeaders };
   }
   const age = Number(response.headers.get('Age'));
-  return { ok: true, value, ageSeconds: Math.max(0, age) || 0, ...interrupted };
+  return { ok: true, value, ageSeconds: Math.max(0, age) || 0, ...fromHeaders };
 }
 
 /** Asks for a report; `key` is a member that tells its document from any other. */
@@ -126,18 +154,21 @@ export function getReport<T extends object>(
   return request(path, { method: 'GET' }, limit, take, 'The web server does not answer.');
 }
 
-/** Gives a command. Only the HTTP status says whether it succeeded; a stream switch answers nothing. */
-export function sendCommand(
+/** Gives a command, of which nobody knows what became when no answer comes. Only the HTTP status says whether it succeeded; a stream switch answers nothing. */
+export async function sendCommand(
   method: 'POST' | 'PUT',
   name: string,
   body: string,
 ): Promise<Answer<Verdict | null>> {
   const headers = { 'Content-Type': 'application/json', 'X-GC-Request': '1' };
-  return request<Verdict | null>(
+  const answer = await request<Verdict | null>(
     `/api/command/${name}`,
     { method, headers, body },
     timeLimits.command,
-    (answer) => (answer as Verdict | undefined) ?? null,
+    (verdict) => (verdict as Verdict | undefined) ?? null,
     'No answer came. The command may have been carried out: look at the state.',
   );
+  return answer.ok || answer.fault.status !== 0
+    ? answer
+    : { ...answer, fault: { ...answer.fault, isUnknown: true } };
 }

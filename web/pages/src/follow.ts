@@ -1,138 +1,148 @@
-// Follows a command that was accepted to its effect, which the status shows a little later.
+// Follows a command to its effect, which the status shows a little later, and on to its end.
+import { automationCourse, calibrationCourse, singleRunCourse, type Course } from './courses';
 import type { Status } from './documents';
-import { autoStateOf, gcStateOf, isError, isIdle } from './states';
+import { formatSpan } from './format';
+import { autoStateOf, gcStateOf, isAtWork, isError, isIdle } from './states';
 
 export interface Follow {
   /** The command, as the person gave it. */
   name: string;
   /** What is waited for, what is said when it came, and what when it did not come in time. */
   awaited: string;
-  done: string;
+  /** `last` is the latest status before it came. */
+  done: (last: Status | undefined, status: Status) => string;
   notDone: string;
   isMet: (status: Status) => boolean;
   /** Whether a new error of the instrument means that it will not come. */
   endsWithError: boolean;
   limitSeconds: number;
+  /** Whether what was done still holds. */
+  holds: (status: Status) => boolean;
+  /** What has begun then, to be followed to its end. */
+  course?: Course;
+  /** Whether it ends whatever else is followed. */
+  endsOthers?: boolean;
 }
 
-export type Progress = { phase: 'waiting' | 'met' | 'failed' | 'late'; text: string };
-
-/** Where a follow stands `seconds` after its command was accepted. */
-export function judge(follow: Follow, before: Status, status: Status, seconds: number): Progress {
-  // Without the seconds: a screen reader would read each of them out.
-  const state = `state: ${gcStateOf(status)}; automation: ${autoStateOf(status)}`;
-  if (follow.isMet(status)) {
-    return { phase: 'met', text: `${follow.name}: ${follow.done} (${state}).` };
-  }
-  if (follow.endsWithError && isError(status) && !isError(before)) {
-    const error = `${status.Error_str} (error ${status.Error_code})`;
-    return { phase: 'failed', text: `${follow.name}: ${follow.notDone}: ${error}.` };
-  }
-  if (seconds > follow.limitSeconds) {
-    const text = `${follow.name}: accepted, but ${follow.notDone} within ${follow.limitSeconds} s (${state}).`;
-    return { phase: 'late', text };
-  }
-  return {
-    phase: 'waiting',
-    text: `${follow.name}: accepted. Waiting for ${follow.awaited} (${state}).`,
-  };
-}
-
-/** The same while the instrument does not answer; a later answer may still show the effect. */
-export function judgeUnanswered(follow: Follow, seconds: number): Progress {
-  return seconds > follow.limitSeconds
-    ? {
-        phase: 'late',
-        text: `${follow.name}: accepted, but what became of it is not known: no answer has shown it within ${follow.limitSeconds} s.`,
-      }
-    : {
-        phase: 'waiting',
-        text: `${follow.name}: accepted. Waiting for ${follow.awaited}, but there is no answer at present.`,
-      };
-}
-
+/** A short run may be over before anybody looks: then the counter tells. */
 function begins(
   name: string,
   what: string,
   before: Status,
   isUnderWay: (status: Status) => boolean,
+  course: Course,
 ): Follow {
   return {
     name,
     awaited: `${what} to begin`,
-    done: `${what} has begun`,
+    done: () => `${what} has begun`,
     notDone: `${what} has not begun`,
-    // A short run may be over before anybody looks: then the counter tells.
     isMet: (status) => isUnderWay(status) || status.Last_counter !== before.Last_counter,
     endsWithError: true,
     limitSeconds: 30,
+    holds: () => true,
+    course,
   };
 }
 
-const isAtWork = (status: Status): boolean => ['Flushing', 'Running'].includes(gcStateOf(status));
-
 export function followRun(type: 'single' | 'calibration', stream: number, before: Status): Follow {
   return type === 'single'
-    ? begins(`Single run on stream ${stream}`, 'the run', before, isAtWork)
+    ? begins(
+        `Single run on stream ${stream}`,
+        'the run',
+        before,
+        isAtWork,
+        singleRunCourse(stream, before),
+      )
     : begins(
         `Calibration on stream ${stream}`,
         'the calibration',
         before,
         (status) => isAtWork(status) || autoStateOf(status) === 'Running Calibration',
+        calibrationCourse(stream, before),
       );
 }
 
 export function followAutomation(before: Status): Follow {
-  return begins('Automation', 'the automation', before, (status) => !isIdle(status));
+  const isUnderWay = (status: Status): boolean => !isIdle(status);
+  return begins('Automation', 'the automation', before, isUnderWay, automationCourse(before));
 }
+
+const hasStopped = (status: Status): boolean => isIdle(status) && !isAtWork(status);
 
 export function followAbortNow(): Follow {
   return {
     name: 'Abort now',
     awaited: 'the instrument to stop',
-    done: 'the instrument has stopped',
+    done: (last, status) =>
+      last && gcStateOf(last) === 'Running' && last.Last_counter === status.Last_counter
+        ? `the run was aborted at ${formatSpan(last.Run_time)}`
+        : 'nothing is running',
     notDone: 'the instrument has not stopped',
-    isMet: (status) => isIdle(status) && !isAtWork(status),
+    isMet: hasStopped,
     endsWithError: false,
     limitSeconds: 30,
+    holds: hasStopped,
+    endsOthers: true,
   };
 }
 
 /** The present run may still take its whole time. */
-export function followAbortAfterRun(before: Status): Follow {
-  const left = Math.max(0, before.Total_run_time - before.Run_time);
+export function followAbortAfterRun(before: Status | undefined): Follow {
+  const left = before ? Math.max(0, before.Total_run_time - before.Run_time) : 3600;
   return {
     name: 'Stop after this run',
     awaited: 'the present run to end',
-    done: 'the automation has ended',
+    done: (_, status) =>
+      before && before.Last_counter !== status.Last_counter
+        ? `ended after run ${status.Last_counter}`
+        : 'the automation has ended, and no further run was counted',
     notDone: 'the automation has not ended',
     isMet: isIdle,
     endsWithError: false,
     limitSeconds: left + 60,
+    holds: isIdle,
   };
 }
 
 export function followStream(stream: number): Follow {
+  const isThere = (status: Status): boolean => status.Curr_stream === stream;
   return {
     name: `Stream ${stream}`,
     awaited: 'the valve to move',
-    done: `the current stream is ${stream}`,
+    done: () => `the current stream is ${stream}`,
     notDone: `the current stream is not ${stream}`,
-    isMet: (status) => status.Curr_stream === stream,
+    isMet: isThere,
     endsWithError: true,
     limitSeconds: 60,
+    holds: isThere,
   };
 }
 
-/** No report tells which solution is in use: that the instrument is busy with it is all there is. */
-export function followSolution(slot: number): Follow {
+/** A cause that persists triggers its alarm again at once. */
+export function followAlarmReset(): Follow {
+  const isQuiet = (status: Status): boolean => !status.Alarm_overall;
   return {
-    name: `Solution ${slot}`,
-    awaited: 'the instrument to take it up',
-    done: 'the instrument is taking it up; it is ready again when that is done',
-    notDone: 'nothing of it was seen',
-    isMet: (status) => gcStateOf(status) !== 'Ready',
+    name: 'Reset of all alarms',
+    awaited: 'the alarms to go',
+    done: () => 'no alarm is active',
+    notDone: 'an alarm is still active, or has come back',
+    isMet: isQuiet,
     endsWithError: false,
-    limitSeconds: 15,
+    limitSeconds: 10,
+    holds: isQuiet,
   };
+}
+
+/** The state in words without its numbers: a screen reader would read each of them out. */
+export function describeState(status: Status): string {
+  return `state: ${gcStateOf(status)}; automation: ${autoStateOf(status)}`;
+}
+
+export function describeError(status: Status): string {
+  return `${status.Error_str} (error ${status.Error_code})`;
+}
+
+export function isNewError(before: Status | undefined, status: Status): boolean {
+  return isError(status) && !(before && isError(before));
 }

@@ -69,15 +69,25 @@ function formatMinute(time: number): string {
   return `${two(date.getHours())}:${two(date.getMinutes())}`;
 }
 
-/** A time of day without seconds, with the date if that is not today's: `14:32 on 5 March`. */
-export function formatMoment(time: number, present: number): string {
+/** Nothing of today, else the date: ` on 5 March`. */
+function formatDay(time: number, present: number): string {
   const date = new Date(time);
   const today = new Date(present);
   if (date.toDateString() === today.toDateString()) {
-    return formatMinute(time);
+    return '';
   }
   const year = date.getFullYear() === today.getFullYear() ? '' : ` ${date.getFullYear()}`;
-  return `${formatMinute(time)} on ${date.getDate()} ${months[date.getMonth()]}${year}`;
+  return ` on ${date.getDate()} ${months[date.getMonth()]}${year}`;
+}
+
+/** A time of day without seconds, with the date if that is not today's: `14:32 on 5 March`. */
+export function formatMoment(time: number, present: number): string {
+  return formatMinute(time) + formatDay(time, present);
+}
+
+/** The same with seconds: `14:32:07 on 5 March`. */
+export function formatInstant(time: number, present: number): string {
+  return formatTime(time) + formatDay(time, present);
 }
 
 /** Where the automation stands; its three numbers are 0 when it is not under way. */

@@ -1,4 +1,4 @@
-// Asks again and again: never twice at once, and not while nobody looks.
+// Asks again and again, and never twice at once.
 
 export interface PollerOptions<T> {
   /** One request; it must end by itself, in success or not, and never reject. */
@@ -11,22 +11,24 @@ export interface PollerOptions<T> {
 }
 
 export interface Poller {
-  /** Begins, or asks at once if no request is under way; to be called when the page is shown, too. */
+  /** Begins: asks at once. */
+  begin: () => void;
+  /** Asks at once if no request is under way and somebody looks; to be called when the page is shown, too. */
   wake: () => void;
+  /** Asks if it is time: a hidden page's timers may be late. */
+  check: () => void;
 }
 
 export function createPoller<T>(options: PollerOptions<T>): Poller {
   let timer: ReturnType<typeof setTimeout> | undefined;
   let isAsking = false;
   let isWanted = false;
+  let due = Infinity;
 
   const run = async (): Promise<void> => {
     clearTimeout(timer);
     if (isAsking) {
       isWanted = true;
-      return;
-    }
-    if (options.isHidden()) {
       return;
     }
     isAsking = true;
@@ -37,9 +39,22 @@ export function createPoller<T>(options: PollerOptions<T>): Poller {
       isAsking = false;
       const wait = isWanted ? 0 : Math.max(0, begun + options.interval() - Date.now());
       isWanted = false;
+      due = Date.now() + wait;
       timer = setTimeout(run, wait);
     }
   };
 
-  return { wake: () => void run() };
+  return {
+    begin: () => void run(),
+    wake: () => {
+      if (!options.isHidden()) {
+        void run();
+      }
+    },
+    check: () => {
+      if (!isAsking && Date.now() >= due) {
+        void run();
+      }
+    },
+  };
 }

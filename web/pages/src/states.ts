@@ -28,6 +28,16 @@ export function autoStateOf(status: Status): string {
   return status.Auto_state.replace(/ \d+s$/, '');
 }
 
+/** A text of the status as it is shown: a countdown that stands at nothing counts nothing down. */
+export function withoutNothing(text: string): string {
+  return text.replace(/ (-\d+|0)(s| min)$/, '');
+}
+
+/** Whether the instrument is in a run, or prepares one. */
+export function isAtWork(status: Status): boolean {
+  return ['Flushing', 'Running'].includes(gcStateOf(status));
+}
+
 export function isError(status: Status): boolean {
   return gcStateOf(status).endsWith('Error');
 }
@@ -38,7 +48,7 @@ export function isIdle(status: Status): boolean {
 
 /** Whether something goes on that ends by itself, and that a person waits for. */
 export function isRunning(status: Status): boolean {
-  return ['Running', 'Flushing'].includes(gcStateOf(status)) || !isIdle(status);
+  return isAtWork(status) || !isIdle(status);
 }
 
 export function isSimulated(status: Status): boolean {
@@ -97,18 +107,15 @@ const rules: Readonly<Record<Action, Rule | undefined>> = {
 /** Why the instrument would not take the action now; empty when it would. */
 export function reasonAgainst(action: Action, status: Status): string {
   const state = gcStateOf(status);
-  if (action === 'abort-now' && isIdle(status) && quiet.includes(state)) {
-    return 'Nothing is running.';
-  }
   if (action === 'abort-after-run' && isIdle(status)) {
     return 'The automation is not under way.';
   }
   const rule = rules[action];
   if (rule && !isIdle(status)) {
-    return `${rule.reason} The automation is: ${status.Auto_state}.`;
+    return `${rule.reason} The automation is: ${withoutNothing(status.Auto_state)}.`;
   }
   if (rule && !rule.states.includes(state)) {
-    return `${rule.reason} The state is: ${status.GC_state}.`;
+    return `${rule.reason} The state is: ${withoutNothing(status.GC_state)}.`;
   }
   return '';
 }

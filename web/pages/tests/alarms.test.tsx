@@ -3,11 +3,11 @@ import { act } from 'preact/test-utils';
 import { afterEach, beforeEach, describe, expect, it, vi } from 'vitest';
 import type { Alarm, Alarms } from '../src/documents';
 import { AlarmsPage } from '../src/pages/Alarms';
-import { notice, statusFault } from '../src/store';
+import { statusFault } from '../src/store';
 import { load, statusWith } from './documents';
 import { find, press, reasonOf, rowsOf, settle, show, textOf, textsOf } from './dom';
 import type { Gateway } from './gateway';
-import { arrange, clear, setHidden, setStatus } from './world';
+import { arrange, clear, said, setHidden, setStatus } from './world';
 
 let gateway: Gateway;
 const example = load<Alarms>('docs/schemas/examples/alarms.json');
@@ -191,7 +191,7 @@ describe('the reset', () => {
       { method: 'POST', path: '/api/command/alarm-reset', body: {} },
     ]);
     expect(document.querySelector('dialog')).toBeNull();
-    expect(notice.value).toEqual({ kind: 'good', text: 'Reset of all alarms: accepted.' });
+    expect(said()).toEqual({ kind: 'good', text: 'Reset of all alarms: accepted.' });
     expect(asked()).toBe(2);
     expect(find('[data-testid=reset-outcome]').getAttribute('role')).toBe('status');
     expect(outcome()).toBe('All alarms are reset, and none came back.');

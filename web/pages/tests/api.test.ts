@@ -85,6 +85,7 @@ describe('reports', () => {
       ok: false,
       fault: {
         status: 503,
+        code: 10053,
         text: 'The instrument is not reachable.',
         detail: 'Unable to connect to GC! (error 10053)',
       },
@@ -128,6 +129,7 @@ describe('a command without an outcome', () => {
     expect(faultOf(504, { title: 'Gateway Timeout', detail, outcome: 'unknown' })).toEqual({
       status: 504,
       text: 'What became of the command is not known.',
+      isUnknown: true,
       detail,
     });
     const message = 'Refused: Unable to set new level for chan[1] peak[6]';
@@ -223,6 +225,19 @@ describe('faults', () => {
     [504, 7, 'The instrument did not answer in time.', ''],
     [418, 'tea', 'The web server answered with HTTP status 418.', ''],
   ])('HTTP %d with %j', (status, body, text, detail) => {
-    expect(faultOf(status, body)).toEqual({ status, text, detail });
+    const { code: _, ...fault } = faultOf(status, body);
+    expect(fault).toEqual({ status, text, detail });
+  });
+});
+
+describe('the number of a refusal', () => {
+  it.each([
+    [{ ErrorCode: 207, Msg: 'Refused' }, 207],
+    [{ ErrorCode: 0, Msg: 'Format Invalid' }, 0],
+    [{ title: 'Refused', 'status-of-instrument': 216 }, 216],
+    [{ title: 'Too late' }, undefined],
+    [undefined, undefined],
+  ])('of %j is %j', (body, code) => {
+    expect(faultOf(409, body).code).toBe(code);
   });
 });

@@ -36,7 +36,7 @@ describe('the editors', () => {
     gateway.answer('/api/sequence', { ErrorCode: 1, Msg: 'No way' }, 503);
     await sequenceEditor.load();
     expect(sequenceEditor.message.value?.text).toBe(
-      'The instrument is not reachable. No way (error 1).',
+      'The instrument is not reachable. The instrument’s client library did not start (error 1).',
     );
     await calibrationEditor.load();
     expect(calibrationEditor.draft.value?.rows).toHaveLength(11);

@@ -3,21 +3,33 @@ import { statusWith } from './documents';
 import {
   followAbortAfterRun,
   followAbortNow,
+  followAlarmReset,
   followAutomation,
   followRun,
-  followSolution,
   followStream,
-  judge,
-  judgeUnanswered,
 } from '../src/follow';
+import { Following, type Said } from '../src/following';
 
-const ready = statusWith();
+const begin = new Date(2026, 2, 5, 14, 29, 0).getTime();
+const ready = statusWith({ Last_counter: 1284, Total_run_time: 180, Curr_stream: 1 });
 const running = statusWith({
   GC_state: 'Running 1s',
   Auto_state: 'Running - Single Run',
   Run_time: 1,
   Total_run_time: 180,
+  Last_counter: 1284,
 });
+const broken = statusWith({
+  GC_state: 'Recoverable Error',
+  Error_code: 502,
+  Error_str: 'Detector bridge out of balance',
+});
+
+/** What is said of a status so many seconds after the answer. */
+function take(following: Following, status: typeof ready, seconds: number): Said {
+  return following.take(status, begin + seconds * 1000);
+}
+const single = (): Following => new Following(followRun('single', 2, ready), ready, begin);
 
 describe('a follow', () => {
   it.each([
@@ -54,7 +66,7 @@ describe('a follow', () => {
       [
         'Abort now',
         'the instrument to stop',
-        'the instrument has stopped',
+        'nothing is running',
         'the instrument has not stopped',
       ],
       30,
@@ -65,7 +77,7 @@ describe('a follow', () => {
       [
         'Stop after this run',
         'the present run to end',
-        'the automation has ended',
+        'the automation has ended, and no further run was counted',
         'the automation has not ended',
       ],
       239,
@@ -78,127 +90,355 @@ describe('a follow', () => {
       true,
     ],
     [
-      followSolution(4),
+      followAlarmReset(),
       [
-        'Solution 4',
-        'the instrument to take it up',
-        'the instrument is taking it up; it is ready again when that is done',
-        'nothing of it was seen',
+        'Reset of all alarms',
+        'the alarms to go',
+        'no alarm is active',
+        'an alarm is still active, or has come back',
       ],
-      15,
+      10,
       false,
     ],
   ] as const)(
     '%#: its words, its time, and whether an error ends it',
     (follow, words, limit, ends) => {
       const { name, awaited, done, notDone, limitSeconds, endsWithError } = follow;
-      expect([name, awaited, done, notDone]).toEqual(words);
+      expect([name, awaited, done(ready, ready), notDone]).toEqual(words);
       expect(limitSeconds).toBe(limit);
       expect(endsWithError).toBe(ends);
     },
   );
 
-  it('of the automation has a minute when the run is over its time', () => {
+  it('of a stop has a minute when the run is over its time, and an hour when nobody knows it', () => {
     const late = statusWith({ Run_time: 200, Total_run_time: 180 });
     expect(followAbortAfterRun(late).limitSeconds).toBe(60);
+    expect(followAbortAfterRun(undefined).limitSeconds).toBe(3660);
+    const undone = followAbortAfterRun(undefined).done(undefined, ready);
+    expect(undone).toBe('the automation has ended, and no further run was counted');
+  });
+
+  it.each([
+    [followAbortNow(), statusWith(), running],
+    [followAbortNow(), statusWith(), statusWith({ Auto_state: 'Run Delay 3s' })],
+    [followAbortAfterRun(running), statusWith(), running],
+    [followStream(3), statusWith({ Curr_stream: 3 }), statusWith({ Curr_stream: 2 })],
+    [followAlarmReset(), statusWith(), statusWith({ Alarm_overall: true })],
+  ])('%#: holds while the status says the same', (follow, yes, no) => {
+    expect([follow.isMet(yes), follow.isMet(no)]).toEqual([true, false]);
+    expect([follow.holds(yes), follow.holds(no)]).toEqual([true, false]);
+  });
+
+  it('of a start holds for ever: it has an end of its own', () => {
+    expect(followAutomation(ready).holds(ready)).toBe(true);
   });
 });
 
 describe('following a command', () => {
   it('waits for a run to begin, and says so when it did', () => {
-    const follow = followRun('single', 2, ready);
-    expect(judge(follow, ready, ready, 3)).toEqual({
-      phase: 'waiting',
+    const following = single();
+    expect(following.begin()).toEqual({
+      kind: 'waiting',
+      text: 'Single run on stream 2: accepted.',
+    });
+    expect(take(following, ready, 3)).toEqual({
+      kind: 'waiting',
       text: 'Single run on stream 2: accepted. Waiting for the run to begin (state: Ready; automation: Idle).',
     });
-    expect(judge(follow, ready, running, 4)).toEqual({
-      phase: 'met',
-      text: 'Single run on stream 2: the run has begun (state: Running; automation: Running - Single Run).',
+    expect(following.isMet).toBe(false);
+    expect(take(following, running, 4)).toEqual({
+      kind: 'good',
+      text: 'Single run on stream 2: the run has begun.',
     });
+    expect([following.isMet, following.isOver]).toEqual([true, false]);
   });
 
-  it('takes a flushing for the begin of a run, and a counted analysis too', () => {
-    const follow = followRun('single', 1, ready);
-    expect(judge(follow, ready, statusWith({ GC_state: 'Flushing' }), 1).phase).toBe('met');
-    expect(judge(follow, ready, statusWith({ Last_counter: 1285 }), 1).phase).toBe('met');
+  it('takes a flushing for the begin of a run', () => {
+    expect(take(single(), statusWith({ GC_state: 'Flushing' }), 1).kind).toBe('good');
   });
 
   it('takes the state of the automation for the begin of a calibration', () => {
     const begun = statusWith({ Auto_state: 'Running Calibration' });
-    expect(judge(followRun('calibration', 1, ready), ready, begun, 1).phase).toBe('met');
-    expect(judge(followRun('single', 1, ready), ready, begun, 1).phase).toBe('waiting');
-    const flushing = statusWith({ GC_state: 'Flushing' });
-    expect(judge(followRun('calibration', 1, ready), ready, flushing, 1).phase).toBe('met');
-    expect(judge(followRun('calibration', 1, ready), ready, ready, 1).phase).toBe('waiting');
+    const calibration = (): Following =>
+      new Following(followRun('calibration', 1, ready), ready, begin);
+    expect(take(calibration(), begun, 1).kind).toBe('good');
+    expect(take(calibration(), statusWith({ GC_state: 'Flushing' }), 1).kind).toBe('good');
+    expect(take(calibration(), ready, 1).kind).toBe('waiting');
+    expect(take(single(), begun, 1).kind).toBe('waiting');
   });
 
-  it('says when the effect did not come within its time', () => {
-    const follow = followRun('calibration', 4, ready);
-    expect(judge(follow, ready, ready, 30).phase).toBe('waiting');
-    expect(judge(follow, ready, ready, 31)).toEqual({
-      phase: 'late',
+  it('says when the effect did not come within its time, and still sees it later', () => {
+    const following = new Following(followRun('calibration', 4, ready), ready, begin);
+    expect(take(following, ready, 30).kind).toBe('waiting');
+    expect(take(following, ready, 31)).toEqual({
+      kind: 'bad',
       text: 'Calibration on stream 4: accepted, but the calibration has not begun within 30 s (state: Ready; automation: Idle).',
     });
+    expect(take(following, running, 32).text).toBe(
+      'Calibration on stream 4: the calibration has begun.',
+    );
+    expect(following.isOver).toBe(false);
+  });
+
+  it('does not look for ever', () => {
+    const following = new Following(followStream(3), ready, begin);
+    take(following, ready, 3600);
+    expect(following.isOver).toBe(false);
+    take(following, ready, 3601);
+    expect([following.isOver, following.isMet]).toEqual([true, false]);
   });
 
   it('does not wait for ever for an instrument that does not answer', () => {
-    const follow = followStream(3);
-    expect(judgeUnanswered(follow, 60)).toEqual({
-      phase: 'waiting',
+    const following = new Following(followStream(3), ready, begin);
+    expect(following.miss(begin + 60_000)).toEqual({
+      kind: 'waiting',
       text: 'Stream 3: accepted. Waiting for the valve to move, but there is no answer at present.',
     });
-    expect(judgeUnanswered(follow, 61)).toEqual({
-      phase: 'late',
+    expect(following.miss(begin + 61_000)).toEqual({
+      kind: 'bad',
       text: 'Stream 3: accepted, but what became of it is not known: no answer has shown it within 60 s.',
     });
   });
 
   it('ends with a new error of the instrument, but not with an old one', () => {
-    const broken = statusWith({
-      GC_state: 'Recoverable Error',
-      Error_code: 502,
-      Error_str: 'Detector bridge out of balance',
-    });
-    const follow = followAutomation(ready);
-    expect(judge(follow, ready, broken, 1)).toEqual({
-      phase: 'failed',
+    const following = new Following(followAutomation(ready), ready, begin);
+    expect(take(following, broken, 1)).toEqual({
+      kind: 'bad',
       text: 'Automation: the automation has not begun: Detector bridge out of balance (error 502).',
     });
-    expect(judge(followStream(3), broken, broken, 1).phase).toBe('waiting');
-  });
-
-  it('follows the automation by its own state', () => {
-    const follow = followAutomation(ready);
-    const flushing = statusWith({ Auto_state: 'Flushing Stream 60s' });
-    expect(judge(follow, ready, flushing, 1).phase).toBe('met');
-  });
-
-  it('takes an abort for done when nothing runs', () => {
-    const follow = followAbortNow();
-    expect(judge(follow, running, running, 1).phase).toBe('waiting');
-    const between = statusWith({ GC_state: 'Ready', Auto_state: 'Run Delay 3s' });
-    expect(judge(follow, running, between, 1).phase).toBe('waiting');
-    expect(judge(follow, running, statusWith({ GC_state: 'Stabilizing' }), 1).phase).toBe('met');
+    expect([following.isOver, following.isMet]).toEqual([true, false]);
+    expect(take(new Following(followStream(3), broken, begin), broken, 1).kind).toBe('waiting');
+    // Of one that was given without any status, any error is a new one.
+    const unknown = new Following(followStream(3), undefined, begin);
+    expect(take(unknown, broken, 1).kind).toBe('bad');
   });
 
   it('gives the present run its time before an automation must have ended', () => {
-    const follow = followAbortAfterRun(running);
-    expect(follow.limitSeconds).toBe(239);
-    expect(judge(follow, running, running, 200).phase).toBe('waiting');
-    expect(judge(follow, running, ready, 200).phase).toBe('met');
+    const following = new Following(followAbortAfterRun(running), running, begin);
+    expect(take(following, running, 200).kind).toBe('waiting');
+    expect(take(following, statusWith({ Last_counter: 1285 }), 201)).toEqual({
+      kind: 'good',
+      text: 'Stop after this run: ended after run 1285.',
+    });
+    expect([following.isOver, following.isMet]).toEqual([true, true]);
   });
 
-  it('looks for the stream', () => {
-    const follow = followStream(3);
-    expect(judge(follow, ready, ready, 1).phase).toBe('waiting');
-    expect(judge(follow, ready, statusWith({ Curr_stream: 3 }), 1).text).toBe(
-      'Stream 3: the current stream is 3 (state: Ready; automation: Idle).',
+  it('tells at which second an abort ended the run', () => {
+    const following = new Following(followAbortNow(), running, begin);
+    take(following, statusWith({ ...running, Run_time: 37 }), 1);
+    const stopped = { GC_state: 'Stabilizing', Last_counter: 1284 };
+    expect(take(following, statusWith(stopped), 2).text).toBe(
+      'Abort now: the run was aborted at 37 s.',
     );
   });
 
-  it('sees a solution only by the instrument being busy', () => {
-    const follow = followSolution(4);
-    expect(judge(follow, ready, statusWith({ GC_state: 'Not Ready' }), 1).phase).toBe('met');
-    expect(judge(follow, ready, ready, 16).phase).toBe('late');
+  it.each([
+    [statusWith({ GC_state: 'Flushing', Last_counter: 1284 }), 1284],
+    [running, 1285],
+    [undefined, 1284],
+  ])('%#: claims no aborted run where there was none', (before, counter) => {
+    const following = new Following(followAbortNow(), before, begin);
+    const stopped = statusWith({ Last_counter: counter });
+    expect(take(following, stopped, 2).text).toBe('Abort now: nothing is running.');
+  });
+});
+
+describe('a command in doubt', () => {
+  const doubt = 'What became of the command is not known.';
+  const inDoubt = (): Following => new Following(followStream(3), ready, begin, doubt);
+
+  it('says so until the status shows it', () => {
+    const following = inDoubt();
+    expect(following.begin().text).toBe(`Stream 3: ${doubt}`);
+    expect(following.miss(begin).text).toBe(
+      `Stream 3: ${doubt} Waiting for the valve to move, but there is no answer at present.`,
+    );
+    expect(following.miss(begin + 61_000).text).toBe(
+      'Stream 3: what became of it is not known: no answer has shown it within 60 s.',
+    );
+    expect(take(following, statusWith({ Curr_stream: 3 }), 62).text).toBe(
+      'Stream 3: the current stream is 3.',
+    );
+  });
+
+  it('is not said to have been accepted when its effect does not come', () => {
+    expect(take(inDoubt(), ready, 61).text).toBe(
+      `Stream 3: ${doubt} By the status the current stream is not 3 within 60 s (state: Ready; automation: Idle).`,
+    );
+  });
+});
+
+describe('a run that has begun', () => {
+  const sight = (seconds: number): typeof ready =>
+    statusWith({ ...running, GC_state: `Running ${seconds}s`, Run_time: seconds });
+
+  /** A single run that was seen a second before its end. */
+  function begun(lastSecond = 179): Following {
+    const following = single();
+    take(following, sight(1), 1);
+    take(following, sight(lastSecond), lastSecond);
+    return following;
+  }
+
+  it('is followed to its end', () => {
+    const following = begun();
+    expect(take(following, statusWith({ Last_counter: 1285 }), 180)).toEqual({
+      kind: 'good',
+      text: 'Run 1285 ended at 14:32 after 3 min 00 s, stream 2.',
+    });
+    expect([following.isOver, following.isMet]).toEqual([true, true]);
+  });
+
+  it('may be over before anybody has looked', () => {
+    expect(take(single(), statusWith({ Last_counter: 1285, Total_run_time: 2 }), 2).text).toBe(
+      'Run 1285 ended at 14:29 after 3 min 00 s, stream 2.',
+    );
+  });
+
+  it('waits a moment for the number of the run', () => {
+    const following = begun();
+    const over = statusWith({ Last_counter: 1284 });
+    expect(take(following, over, 180)).toEqual({
+      kind: 'waiting',
+      text: 'Single run on stream 2: is over. Waiting for its number.',
+    });
+    expect(take(following, over, 182.9).kind).toBe('waiting');
+    expect(take(following, statusWith({ Last_counter: 1285 }), 183).text).toMatch(/^Run 1285/);
+  });
+
+  it('without a number may have been aborted at its end', () => {
+    const following = begun();
+    const over = statusWith({ Last_counter: 1284 });
+    take(following, over, 180);
+    expect(take(following, over, 183)).toEqual({
+      kind: 'bad',
+      text: 'The run on stream 2 ended at 14:32, and no analysis was counted: it may have been aborted.',
+    });
+  });
+
+  it('was aborted, by whomever, when it ends before its time without a number', () => {
+    const following = begun(37);
+    const over = statusWith({ Last_counter: 1284 });
+    take(following, over, 38);
+    expect(take(following, over, 41)).toEqual({
+      kind: 'bad',
+      text: 'The run on stream 2 was aborted at 37 s, 14:29.',
+    });
+  });
+
+  it('goes on when it only seemed to be over', () => {
+    const following = begun(37);
+    take(following, statusWith({ Last_counter: 1284 }), 38);
+    expect(take(following, sight(39), 39).text).toBe('Single run on stream 2: the run has begun.');
+    take(following, statusWith({ Last_counter: 1284 }), 100);
+    expect(following.isOver).toBe(false);
+  });
+
+  it('ends with an error', () => {
+    const following = begun(37);
+    take(following, broken, 38);
+    expect(take(following, broken, 41)).toEqual({
+      kind: 'bad',
+      text: 'The run on stream 2 ended at 14:29 with an error: Detector bridge out of balance (error 502).',
+    });
+  });
+
+  it('is of unknown fate while there is no answer, and its end has not been seen then', () => {
+    const following = begun(37);
+    expect(following.miss(begin + 60_000)).toEqual({
+      kind: 'waiting',
+      text: 'Single run on stream 2: under way when the instrument answered last. What becomes of it is not known at present: there is no answer.',
+    });
+    expect(take(following, statusWith({ Last_counter: 1285 }), 37 + 20.1 * 10).text).toBe(
+      'Run 1285 was over when the instrument was seen again at 14:32 after 3 min 00 s, stream 2.',
+    );
+  });
+});
+
+describe('a calibration that has begun', () => {
+  const during = statusWith({
+    GC_state: 'Running 5s',
+    Auto_state: 'Running Calibration',
+    Last_counter: 1284,
+  });
+  function end(counter: number): Said {
+    const following = new Following(followRun('calibration', 1, ready), ready, begin);
+    take(following, during, 1);
+    take(following, { ...during, Last_counter: counter }, 359);
+    const over = statusWith({ Last_counter: counter });
+    take(following, over, 360);
+    return take(following, over, 363);
+  }
+
+  it('ends with its runs', () => {
+    expect(end(1286)).toEqual({
+      kind: 'good',
+      text: 'The calibration on stream 1 ended at 14:35: runs 1285 to 1286.',
+    });
+  });
+
+  it('says so when there were fewer', () => {
+    expect(end(1285)).toEqual({
+      kind: 'bad',
+      text: 'The calibration on stream 1 ended at 14:35 after 1 of 2 runs: it may have been aborted.',
+    });
+  });
+
+  it('ends with an error', () => {
+    const following = new Following(followRun('calibration', 1, ready), ready, begin);
+    take(following, during, 59);
+    take(following, { ...broken, Last_counter: 1285 }, 60);
+    expect(take(following, { ...broken, Last_counter: 1285 }, 64).text).toBe(
+      'The calibration on stream 1 ended at 14:30 with an error: Detector bridge out of balance (error 502).',
+    );
+  });
+});
+
+describe('an automation that has begun', () => {
+  const during = (counter: number, elapsed: number): typeof ready =>
+    statusWith({
+      GC_state: 'Running 5s',
+      Auto_state: 'Running - Automation',
+      Run_time: elapsed,
+      Total_run_time: 180,
+      Last_counter: counter,
+    });
+  function end(last: typeof ready, over: typeof ready): Said {
+    const following = new Following(followAutomation(ready), ready, begin);
+    expect(take(following, last, 60).text).toBe('Automation: the automation has begun.');
+    take(following, over, 61);
+    return take(following, over, 64);
+  }
+
+  it.each([
+    [during(1286, 179), 1287, 'good', 'runs 1285 to 1287.'],
+    [during(1284, 179), 1285, 'good', 'run 1285.'],
+    [during(1284, 179), 1284, 'bad', 'no run was counted.'],
+    [during(1286, 37), 1286, 'bad', 'runs 1285 to 1286; the run after that was aborted at 37 s.'],
+    // Its clock may be three seconds late, and the last look a second old.
+    [during(1286, 176), 1286, 'good', 'runs 1285 to 1286.'],
+    [
+      during(1286, 175),
+      1286,
+      'bad',
+      'runs 1285 to 1286; the run after that was aborted at 2 min 55 s.',
+    ],
+  ])('%#: ends with its runs', (last, counter, kind, runs) => {
+    expect(end(last, statusWith({ Last_counter: counter }))).toEqual({
+      kind,
+      text: `The automation ended at 14:30: ${runs}`,
+    });
+  });
+
+  it('ends with an error', () => {
+    expect(end(during(1284, 5), broken).text).toBe(
+      'The automation ended at 14:30 with an error: Detector bridge out of balance (error 502).',
+    );
+  });
+
+  it('that was in an error from the beginning does not end with it', () => {
+    const following = new Following(followAutomation(broken), broken, begin);
+    take(following, during(1284, 179), 1);
+    expect(take(following, { ...broken, Last_counter: 1285 }, 2).text).toMatch(/: run/);
   });
 });

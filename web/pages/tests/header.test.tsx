@@ -1,12 +1,22 @@
 // @vitest-environment happy-dom
 import { act } from 'preact/test-utils';
-import { afterEach, beforeEach, describe, expect, it } from 'vitest';
+import { afterEach, beforeEach, describe, expect, it, vi } from 'vitest';
 import { AlarmSign, Header } from '../src/components/Header';
-import { interruptions, isSignedIn, notice, status, statusFault, statusTime } from '../src/store';
+import { Versions } from '../src/components/Session';
+import { say } from '../src/notices';
+import {
+  interruptions,
+  isSignedIn,
+  notices,
+  now,
+  serverVersion,
+  statusFault,
+  statusTime,
+} from '../src/store';
 import { statusWith } from './documents';
-import { button, find, press, reasonOf, settle, show, textOf, textsOf } from './dom';
+import { find, press, settle, show, textOf, textsOf } from './dom';
 import type { Gateway } from './gateway';
-import { arrange, clear, setAge, setHidden, setStatus } from './world';
+import { arrange, clear, said, setAge, setStatus } from './world';
 
 let gateway: Gateway;
 const running = statusWith({
@@ -112,23 +122,29 @@ describe('the top', () => {
   });
 });
 
-describe('the notice', () => {
-  it('can be dismissed when nothing is waited for', async () => {
+describe('what is said of commands', () => {
+  it('has its time, and can be dismissed when nothing is waited for', async () => {
+    vi.useFakeTimers({ now: new Date(2026, 2, 5, 14, 32, 7) });
+    await setAge(0);
     await show(<Header />);
-    await act(() => {
-      notice.value = { kind: 'waiting', text: 'Reset: being sent.' };
-    });
-    expect(at('notice')).toBe('Reset: being sent.');
+    await act(() => void say('reset', { kind: 'waiting', text: 'Reset: being sent.' }));
+    expect(at('notice')).toBe('14:32:07 Reset: being sent.');
     expect(find('[data-testid=notice]').getAttribute('role')).toBe('status');
+    // Of several lines only the new one is read out.
+    expect(find('[data-testid=notice]').getAttribute('aria-atomic')).toBe('false');
     expect(find('[data-testid=notice] p').className).toBe('message waiting');
-    await act(() => {
-      notice.value = { kind: 'bad', text: 'Reset: refused.' };
-    });
-    expect(at('notice')).toBe('Reset: refused.Dismiss');
+    vi.setSystemTime(new Date(2026, 2, 5, 14, 32, 9));
+    await act(() => void say('reset', { kind: 'bad', text: 'Reset: refused.' }));
+    expect(at('notice')).toBe('14:32:09 Reset: refused.Dismiss');
     expect(find('[data-testid=notice] p').className).toBe('message bad');
+    await act(() => {
+      now.value = new Date(2026, 2, 6, 8, 0, 0).getTime();
+    });
+    expect(at('notice')).toBe('14:32:09 on 5 March Reset: refused.Dismiss');
     await press('Dismiss');
-    expect(notice.value).toBeUndefined();
+    expect(notices.value).toEqual([]);
     expect(at('notice')).toBe('');
+    vi.useRealTimers();
   });
 });
 
@@ -166,97 +182,55 @@ describe('interrupted commands', () => {
   });
 });
 
-describe('signing in', () => {
-  it('is offered until it is done', async () => {
-    gateway.answer('/api/command/login', null, 204);
+describe('who is signed in', () => {
+  it('is offered to sign in until it is done, and to sign out then', async () => {
+    gateway.answer('/api/command/login', null, 204, { 'X-GC-User': 'J%C3%BCrgen' });
     await show(<Header />);
     await press('Sign in');
     await settle();
-    expect(gateway.requests).toEqual([{ method: 'POST', path: '/api/command/login', body: {} }]);
+    expect(gateway.of('/api/command/login')).toHaveLength(1);
     expect(isSignedIn.value).toBe(true);
     expect(textsOf('button')).not.toContain('Sign in');
+    expect(at('session')).toBe('Signed in as Jürgen Sign out');
+    gateway.answer('/api/command/logout', {}, 401);
+    await press('Sign out');
+    await settle();
+    expect(gateway.of('/api/command/logout').map(({ method, body }) => [method, body])).toEqual([
+      ['POST', {}],
+    ]);
+    expect(textsOf('button')).toContain('Sign in');
+    expect(said()).toEqual({
+      kind: 'good',
+      text: 'Signed out. The next command asks who you are.',
+    });
+  });
+
+  it('is somebody without a name where the web server tells none', async () => {
+    await show(<Header />);
+    await act(() => {
+      isSignedIn.value = true;
+    });
+    expect(at('session')).toBe('Signed in Sign out');
   });
 });
 
-describe('stopping', () => {
-  const aborts = () => gateway.of('/api/command/abort').map(({ method, body }) => [method, body]);
+describe('the versions', () => {
+  const versions = (): string => at('versions');
 
-  it('has nothing to stop in an idle instrument', async () => {
-    await show(<Header />);
-    expect(reasonOf('Abort now…')).toBe('Nothing is running.');
-    expect(button('Abort now…').title).toBe('Nothing is running.');
-    expect(reasonOf('Stop after this run')).toBe('The automation is not under way.');
-    expect(button('Stop after this run').title).toBe('The automation is not under way.');
-    expect(find('[role=group]').getAttribute('aria-label')).toBe('Stop');
-    await press('Abort now…');
-    expect(document.querySelector('dialog')).toBeNull();
-  });
-
-  it('asks before it aborts', async () => {
-    await setStatus(running);
-    await show(<Header />);
-    expect(button('Abort now…').className).toBe('danger');
-    await press('Abort now…');
-    expect(textOf(find('dialog h2'))).toBe('Abort now?');
-    expect(textOf(find('dialog p'))).toBe(
-      'The run ends at once without a result, and the automation with it.',
+  it('are those of the pages and of the web server', async () => {
+    await show(<Versions />);
+    expect(versions()).toMatch(/^Pages \d+\.\d+\.\d+$/);
+    const own = versions().slice('Pages '.length);
+    await act(() => {
+      serverVersion.value = own;
+    });
+    expect(versions()).toBe(`Pages ${own}, web server ${own}`);
+    await act(() => {
+      serverVersion.value = '99.0.0';
+    });
+    expect(versions()).toBe(
+      `Pages ${own}, web server 99.0.0. This page is of another version: load it again.`,
     );
-    expect(button('Abort now').className).toBe('danger');
-    await press('Cancel');
-    expect(document.querySelector('dialog')).toBeNull();
-    expect(aborts()).toEqual([]);
-  });
-
-  it('aborts, and waits until the instrument has stopped', async () => {
-    await setStatus(running);
-    await show(<Header />);
-    await press('Abort now…');
-    await press('Abort now');
-    expect(document.querySelector('dialog')).toBeNull();
-    expect(notice.value?.text).toBe('Abort now: being sent.');
-    await settle();
-    expect(aborts()).toEqual([['POST', { when: 'now' }]]);
-    expect(notice.value).toEqual({ kind: 'waiting', text: 'Abort now: accepted.' });
-  });
-
-  it('stops after the run without asking', async () => {
-    await setStatus(running);
-    await show(<Header />);
-    await press('Stop after this run');
-    expect(document.querySelector('dialog')).toBeNull();
-    expect(notice.value?.text).toBe('Stop after this run: being sent.');
-    await settle();
-    expect(aborts()).toEqual([['POST', { when: 'after-run' }]]);
-    expect(notice.value).toEqual({ kind: 'waiting', text: 'Stop after this run: accepted.' });
-  });
-
-  it.each([
-    ['Abort now…', 'Running 5s', 'Idle', /^Abort now: accepted\. Waiting for/],
-    ['Abort now…', 'Ready', 'Idle', /^Abort now: the instrument has stopped/],
-    ['Stop after this run', 'Running 5s', 'Idle', /^Stop after this run: the automation has ended/],
-  ])('%s is over when the state is %s, automation %s', async (name, gc, automation, text) => {
-    await setStatus(running);
-    await show(<Header />);
-    setHidden(false);
-    const answer = gateway.hold('/api/status');
-    await press(name);
-    if (name === 'Abort now…') {
-      await press('Abort now');
-    }
-    await settle();
-    answer(statusWith({ GC_state: gc, Auto_state: automation }));
-    await settle();
-    expect(notice.value?.text).toMatch(text);
-  });
-
-  it('cannot be confirmed when nothing runs any more', async () => {
-    await setStatus(running);
-    await show(<Header />);
-    await press('Abort now…');
-    await setStatus(statusWith());
-    expect(reasonOf('Abort now')).toBe('Nothing is running.');
-    await press('Abort now');
-    expect(aborts()).toEqual([]);
-    expect(status.value?.GC_state).toBe('Ready');
+    serverVersion.value = undefined;
   });
 });

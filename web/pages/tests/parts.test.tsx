@@ -64,7 +64,7 @@ describe('a button of an action', () => {
   });
 
   it('is off as soon as the values are old', async () => {
-    await show(<ActionButton action="alarm-reset" label="Reset" onClick={vi.fn()} />);
+    await show(<ActionButton action="stream" label="Reset" onClick={vi.fn()} />);
     expect(reasonOf('Reset')).toBe('');
     await setAge(60);
     expect(reasonOf('Reset')).toMatch(/^The state of the instrument is not known/);

@@ -104,27 +104,41 @@ describe('poller', () => {
     expect(ask).toHaveBeenCalledTimes(2);
   });
 
-  it('does not ask while hidden, and asks at once when shown', async () => {
+  it('begins at once even while hidden, and then is not woken by anybody', async () => {
     const { poller, ask, answer, world } = build();
-    poller.wake();
-    await answer('first');
     world.isHidden = true;
     poller.wake();
-    await vi.advanceTimersByTimeAsync(60_000);
+    expect(ask).not.toHaveBeenCalled();
+    poller.begin();
     expect(ask).toHaveBeenCalledTimes(1);
+    await answer('first');
+    poller.wake();
+    expect(ask).toHaveBeenCalledTimes(1);
+    await vi.advanceTimersByTimeAsync(5000);
+    expect(ask).toHaveBeenCalledTimes(2);
     world.isHidden = false;
     poller.wake();
-    expect(ask).toHaveBeenCalledTimes(2);
+    await answer('second');
+    expect(ask).toHaveBeenCalledTimes(3);
   });
 
-  it('stops after the answer that came while hidden', async () => {
-    const { poller, ask, answer, taken, world } = build();
-    poller.wake();
-    world.isHidden = true;
-    poller.wake();
-    await answer('while hidden');
-    await vi.advanceTimersByTimeAsync(60_000);
-    expect(taken).toEqual(['while hidden']);
+  it('is asked to look at the clock where its timers are late', async () => {
+    const { poller, ask, answer } = build();
+    poller.check();
+    expect(ask).not.toHaveBeenCalled();
+    poller.begin();
+    poller.check();
+    await answer('first');
     expect(ask).toHaveBeenCalledTimes(1);
+    vi.setSystemTime(Date.now() + 4999);
+    poller.check();
+    expect(ask).toHaveBeenCalledTimes(1);
+    vi.setSystemTime(Date.now() + 1);
+    poller.check();
+    expect(ask).toHaveBeenCalledTimes(2);
+    // That one is under way: nobody wants another.
+    poller.check();
+    await answer('second');
+    expect(ask).toHaveBeenCalledTimes(2);
   });
 });

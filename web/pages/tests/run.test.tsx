@@ -52,7 +52,7 @@ async function confirm(yes: string, effect: Partial<Status>): Promise<unknown[]>
   const [{ method, path, body }] = commands() as [ReturnType<typeof commands>[0]];
   answer(statusWith(effect));
   await settle();
-  return [method, path, body, said, notice.value?.text.replace(/ \(.*/, '')];
+  return [method, path, body, said, notice.value?.text.replace(/\.? \(.*|\.$/, '')];
 }
 
 describe('the run page', () => {
@@ -267,7 +267,7 @@ describe('the valve and the solution', () => {
       '/api/command/solution',
       { solution: 5 },
       'Solution 5: being sent.',
-      'Solution 5: the instrument is taking it up; it is ready again when that is done',
+      'Solution 5: accepted. No report tells whether it is in use already',
     ]);
   });
 

@@ -9,6 +9,7 @@ import {
   isRunning,
   isSimulated,
   reasonAgainst,
+  withoutNothing,
 } from '../src/states';
 
 describe('state texts', () => {
@@ -60,13 +61,27 @@ describe('state texts', () => {
   });
 });
 
+describe('what is shown of a state', () => {
+  it.each([
+    ['Flushing Stream 0s', 'Flushing Stream'],
+    ['Cleaning 0 min', 'Cleaning'],
+    ['Running -2s', 'Running'],
+    ['Run Delay 10s', 'Run Delay 10s'],
+    ['Cleaning 30 min', 'Cleaning 30 min'],
+    ['Flushing Stream 0s and more', 'Flushing Stream 0s and more'],
+    ['Ready', 'Ready'],
+  ])('of %s is %s', (text, shown) => {
+    expect(withoutNothing(text)).toBe(shown);
+  });
+});
+
 describe('which action is allowed', () => {
   const allowed = (gc: string, automation: string): string[] =>
     actions.filter(
       (one) => reasonAgainst(one, statusWith({ GC_state: gc, Auto_state: automation })) === '',
     );
 
-  const settings = ['stream', 'solution', 'alarm-reset', 'send-table'];
+  const settings = ['abort-now', 'stream', 'solution', 'alarm-reset', 'send-table'];
 
   it.each([
     ['Ready', 'Idle', ['start-run', 'start-automation', ...settings]],
@@ -102,7 +117,6 @@ describe('which action is allowed', () => {
     expect(reasonAgainst('send-table', statusWith({ Auto_state: 'Run Delay 3s' }))).toBe(
       'The instrument takes tables only while nothing runs. The automation is: Run Delay 3s.',
     );
-    expect(reasonAgainst('abort-now', statusWith())).toBe('Nothing is running.');
     expect(reasonAgainst('abort-after-run', statusWith({ GC_state: 'Running 1s' }))).toBe(
       'The automation is not under way.',
     );

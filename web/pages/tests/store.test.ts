@@ -1,5 +1,5 @@
 import { afterEach, beforeEach, describe, expect, it, vi } from 'vitest';
-import type { Follow } from '../src/follow';
+import { followAutomation, type Follow } from '../src/follow';
 import { load, statusWith } from './documents';
 import { Gateway } from './gateway';
 
@@ -17,6 +17,12 @@ class Page extends EventTarget {
 let page: Page;
 let gateway: Gateway;
 let store: Store;
+
+/** What is said of the latest command, without when. */
+function said(): { kind: string; text: string } | undefined {
+  const latest = store.notice.value;
+  return latest && { kind: latest.kind, text: latest.text };
+}
 
 /** Lets milliseconds pass, and everything happen that happens in them. */
 const pass = (milliseconds: number): Promise<unknown> => vi.advanceTimersByTimeAsync(milliseconds);
@@ -36,6 +42,7 @@ beforeEach(async () => {
   vi.stubGlobal('sessionStorage', {
     getItem: (key: string) => page.kept.get(key) ?? null,
     setItem: (key: string, text: string) => page.kept.set(key, text),
+    removeItem: (key: string) => page.kept.delete(key),
   });
   await open();
 });
@@ -78,18 +85,39 @@ describe('asking', () => {
     expect(store.ageSeconds.value).toBe(2);
   });
 
-  it('asks at once when the page is shown again, and never while it is hidden', async () => {
+  it('goes on every 10 s while the page is hidden, and at once when it is shown again', async () => {
     store.start();
     await pass(0);
     page.hidden = true;
     page.dispatchEvent(new Event('visibilitychange'));
-    await pass(20_500);
+    await pass(0);
     expect(asked()).toBe(1);
-    expect(store.now.value).toBe(1_700_000_000_000);
+    await pass(5000);
+    expect(asked()).toBe(2);
+    await pass(35_500);
+    expect(asked()).toBe(5);
+    expect(store.now.value).toBe(1_700_000_035_000);
     page.hidden = false;
     page.dispatchEvent(new Event('visibilitychange'));
-    expect(store.now.value).toBe(1_700_000_020_500);
+    expect(store.now.value).toBe(1_700_000_040_500);
+    expect(asked()).toBe(6);
+  });
+
+  it('begins in a page that is opened unseen', async () => {
+    page.hidden = true;
+    store.start();
+    await pass(0);
+    expect(store.status.value).toEqual(statusWith());
+    await pass(10_000);
     expect(asked()).toBe(2);
+  });
+
+  it('gives a status the time that the gateway may take', async () => {
+    const timeout = vi.spyOn(AbortSignal, 'timeout');
+    store.start();
+    await pass(0);
+    expect(timeout.mock.calls.map(([limit]) => limit)).toContain(48_000);
+    timeout.mockRestore();
   });
 
   it('keeps the last values when there is no answer, and says why', async () => {
@@ -139,7 +167,7 @@ describe('age', () => {
     expect(store.isStale.value).toBe(false);
     await pass(1);
     expect(store.isStale.value).toBe(true);
-    expect(store.reasonNotTo('alarm-reset')).toBe(unknownState);
+    expect(store.reasonNotTo('stream')).toBe(unknownState);
   });
 
   it('makes them stale after three answers that were none, and tells since when', async () => {
@@ -294,34 +322,67 @@ describe('a fault', () => {
 });
 
 describe('actions', () => {
-  it('wait for the first answer', async () => {
-    expect(store.reasonNotTo('alarm-reset')).toBe(unknownState);
+  const busy = 'Another command is being sent.';
+
+  it('wait for the first answer, but for what stops and what resets', async () => {
+    expect(store.reasonNotTo('stream')).toBe(unknownState);
+    expect(store.reasonNotTo('alarm-reset')).toBe('');
+    expect(store.reasonNotTo('abort-now')).toBe('');
+    expect(store.reasonNotTo('abort-after-run')).toBe('');
     store.start();
     await pass(0);
-    expect(store.reasonNotTo('alarm-reset')).toBe('');
-    expect(store.reasonNotTo('abort-now')).toBe('Nothing is running.');
+    expect(store.reasonNotTo('stream')).toBe('');
+    expect(store.reasonNotTo('abort-now')).toBe('');
+    expect(store.reasonNotTo('abort-after-run')).toBe('The automation is not under way.');
   });
 
-  it('wait for a command that is being sent, but for the abort', async () => {
+  it('that stop never go off for want of a recent answer', async () => {
+    store.start();
+    await pass(0);
+    gateway.lose('/api/status');
+    await pass(20_000);
+    expect(store.reasonNotTo('stream')).toBe(unknownState);
+    expect(store.reasonNotTo('abort-now')).toBe('');
+    expect(store.reasonNotTo('abort-after-run')).toBe('');
+    expect(store.reasonNotTo('alarm-reset')).toBe('');
+  });
+
+  it('wait for a command that is being sent, but for what stops', async () => {
     gateway.answer('/api/status', running);
     store.start();
     await pass(0);
     const reset = gateway.hold('/api/command/alarm-reset');
     void store.command('Reset', { method: 'POST', path: 'alarm-reset', body: {} });
-    const busy = 'Another command is being sent.';
-    expect(store.reasonNotTo('abort-after-run')).toBe(busy);
     expect(store.reasonNotTo('alarm-reset')).toBe(busy);
+    expect(store.reasonNotTo('abort-after-run')).toBe('');
     expect(store.reasonNotTo('abort-now')).toBe('');
+    expect(store.isAborting.value).toBe(false);
     const abort = gateway.hold('/api/command/abort');
     void store.command('Abort now', { method: 'POST', path: 'abort', body: { when: 'now' } });
-    expect(store.reasonNotTo('abort-now')).toBe(busy);
+    expect(store.reasonNotTo('abort-now')).toBe('');
+    expect(store.reasonNotTo('abort-after-run')).toBe('');
+    expect(store.isAborting.value).toBe(true);
     abort({ ErrorCode: 0, Msg: 'Accepted' });
     await pass(0);
-    expect(store.reasonNotTo('abort-now')).toBe('');
+    expect(store.isAborting.value).toBe(false);
     expect(store.reasonNotTo('alarm-reset')).toBe(busy);
     reset({ ErrorCode: 0, Msg: 'Accepted' });
     await pass(0);
     expect(store.reasonNotTo('alarm-reset')).toBe('');
+  });
+
+  it('that stop are there from the moment a start is sent, whatever the status says', async () => {
+    store.start();
+    await pass(0);
+    expect(store.reasonNotTo('abort-after-run')).not.toBe('');
+    const answer = gateway.hold('/api/command/run');
+    const send = { method: 'POST', path: 'run', body: { type: 'automation' } } as const;
+    void store.command('Automation', send, (before) => followAutomation(before!));
+    expect(store.reasonNotTo('abort-after-run')).toBe('');
+    answer({ ErrorCode: 0, Msg: 'Accepted' });
+    await pass(8000);
+    expect(store.status.value).toEqual(statusWith());
+    expect(store.reasonNotTo('abort-after-run')).toBe('');
   });
 });
 
@@ -329,11 +390,12 @@ const reset = { method: 'POST', path: 'alarm-reset', body: { all: true } } as co
 const follow: Follow = {
   name: 'Run',
   awaited: 'the run to begin',
-  done: 'the run has begun',
+  done: () => 'the run has begun',
   notDone: 'the run has not begun',
   isMet: (status) => status.GC_state.startsWith('Running'),
   endsWithError: true,
   limitSeconds: 10,
+  holds: () => true,
 };
 
 describe('a command', () => {
@@ -345,11 +407,11 @@ describe('a command', () => {
   it('is sent, and its answer said', async () => {
     const answer = gateway.hold('/api/command/alarm-reset');
     const sent = store.command('Reset', reset);
-    expect(store.notice.value).toEqual({ kind: 'waiting', text: 'Reset: being sent.' });
+    expect(said()).toEqual({ kind: 'waiting', text: 'Reset: being sent.' });
     expect(asked()).toBe(2);
     answer({ ErrorCode: 0, Msg: 'Accepted' });
     expect((await sent).ok).toBe(true);
-    expect(store.notice.value).toEqual({ kind: 'good', text: 'Reset: accepted.' });
+    expect(said()).toEqual({ kind: 'good', text: 'Reset: accepted.' });
     expect(gateway.of('/api/command/alarm-reset')).toEqual([
       { method: 'POST', path: '/api/command/alarm-reset', body: { all: true } },
     ]);
@@ -368,9 +430,9 @@ describe('a command', () => {
     gateway.answer('/api/command/alarm-reset', { ErrorCode: 207, Msg: 'Refused' }, 409);
     const answer = await store.command('Reset', reset, () => follow);
     expect(answer.ok).toBe(false);
-    expect(store.notice.value).toEqual({
+    expect(said()).toEqual({
       kind: 'bad',
-      text: 'Reset: The instrument refused. Refused (error 207).',
+      text: 'Reset: The instrument refused. The instrument does not take this in its present state (error 207).',
     });
   });
 
@@ -380,7 +442,7 @@ describe('a command', () => {
     await pass(2999);
     expect(store.notice.value?.text).toBe('Reset: being sent.');
     await pass(1);
-    expect(store.notice.value).toEqual({
+    expect(said()).toEqual({
       kind: 'waiting',
       text: 'Reset: no answer yet. If the browser asks who you are, sign in there.',
     });
@@ -403,19 +465,19 @@ describe('a command', () => {
   it('is followed to its effect', async () => {
     const answer = gateway.hold('/api/status');
     await store.command('Run', reset, () => follow);
-    expect(store.notice.value).toEqual({ kind: 'waiting', text: 'Run: accepted.' });
+    expect(said()).toEqual({ kind: 'waiting', text: 'Run: accepted.' });
     gateway.answer('/api/status', statusWith());
     answer(statusWith());
     await pass(0);
-    expect(store.notice.value).toEqual({
+    expect(said()).toEqual({
       kind: 'waiting',
       text: 'Run: accepted. Waiting for the run to begin (state: Ready; automation: Idle).',
     });
     gateway.answer('/api/status', running);
     await pass(1000);
-    expect(store.notice.value).toEqual({
+    expect(said()).toEqual({
       kind: 'good',
-      text: 'Run: the run has begun (state: Running; automation: Running - Single Run).',
+      text: 'Run: the run has begun.',
     });
     gateway.answer('/api/status', statusWith());
     await pass(5000);
@@ -436,7 +498,7 @@ describe('a command', () => {
     await pass(10_000);
     expect(store.notice.value?.kind).toBe('waiting');
     await pass(1000);
-    expect(store.notice.value).toEqual({
+    expect(said()).toEqual({
       kind: 'bad',
       text: 'Run: accepted, but the run has not begun within 10 s (state: Ready; automation: Idle).',
     });
@@ -460,7 +522,7 @@ describe('a command', () => {
     const broken = { GC_state: 'Error', Error_code: 502, Error_str: 'Bridge out of balance' };
     gateway.answer('/api/status', statusWith(broken));
     await pass(1000);
-    expect(store.notice.value).toEqual({
+    expect(said()).toEqual({
       kind: 'bad',
       text: 'Run: the run has not begun: Bridge out of balance (error 502).',
     });
@@ -470,12 +532,12 @@ describe('a command', () => {
     await store.command('Run', reset, () => follow);
     gateway.lose('/api/status');
     await pass(2000);
-    expect(store.notice.value).toEqual({
+    expect(said()).toEqual({
       kind: 'waiting',
       text: 'Run: accepted. Waiting for the run to begin, but there is no answer at present.',
     });
     await pass(9000);
-    expect(store.notice.value).toEqual({
+    expect(said()).toEqual({
       kind: 'bad',
       text: 'Run: accepted, but what became of it is not known: no answer has shown it within 10 s.',
     });
@@ -518,9 +580,69 @@ describe('a command', () => {
 });
 
 describe('a command before the first status', () => {
-  it('is not followed', async () => {
+  it('is followed if it needs none', async () => {
     await store.command('Run', reset, () => follow);
-    expect(store.notice.value).toEqual({ kind: 'good', text: 'Run: accepted.' });
+    expect(said()).toEqual({ kind: 'waiting', text: 'Run: accepted.' });
+  });
+
+  it('is not followed if it does', async () => {
+    await store.command('Reset', reset, (before) => before && follow);
+    expect(said()).toEqual({ kind: 'good', text: 'Reset: accepted.' });
+  });
+});
+
+describe('a command of which nobody knows what became', () => {
+  const unknown = {
+    outcome: 'unknown',
+    title: 'Gateway Timeout',
+    detail: 'The tool took too long.',
+  };
+  const doubt = 'What became of the command is not known. The tool took too long.';
+
+  beforeEach(async () => {
+    store.start();
+    await pass(0);
+    gateway.answer('/api/command/alarm-reset', unknown, 504);
+  });
+
+  it('is looked for in the status all the same', async () => {
+    await store.command('Run', reset, () => follow);
+    expect(said()).toEqual({ kind: 'waiting', text: `Run: ${doubt}` });
+    await pass(0);
+    expect(said()).toEqual({
+      kind: 'waiting',
+      text: `Run: ${doubt} Waiting for the run to begin (state: Ready; automation: Idle).`,
+    });
+    gateway.answer('/api/status', running);
+    await pass(1000);
+    expect(said()).toEqual({ kind: 'good', text: 'Run: the run has begun.' });
+  });
+
+  it('is said to be so when the status does not show it in time', async () => {
+    await store.command('Run', reset, () => follow);
+    await pass(11_000);
+    expect(said()).toEqual({
+      kind: 'bad',
+      text: `Run: ${doubt} By the status the run has not begun within 10 s (state: Ready; automation: Idle).`,
+    });
+    // What comes later is seen all the same.
+    gateway.answer('/api/status', running);
+    await pass(5000);
+    expect(said()?.kind).toBe('good');
+  });
+
+  it('is one without any answer, too', async () => {
+    gateway.lose('/api/command/alarm-reset');
+    await store.command('Run', reset, () => follow);
+    expect(said()).toEqual({
+      kind: 'waiting',
+      text: 'Run: No answer came. The command may have been carried out: look at the state. The connection failed.',
+    });
+  });
+
+  it('and that nothing can show is no good news', async () => {
+    await store.command('Reset', reset);
+    expect(said()).toEqual({ kind: 'bad', text: `Reset: ${doubt}` });
   });
 });
 
@@ -608,7 +730,7 @@ describe('commands that were interrupted', () => {
     gateway.answer('/api/command/seen', {}, 401);
     gateway.answer('/api/unfinished', { going_on: [], interrupted: [begun('one')] });
     await store.takeNote(begun('one'));
-    expect(store.notice.value).toEqual({
+    expect(said()).toEqual({
       kind: 'bad',
       text: 'Interrupted command: You are not signed in. Nothing was done.',
     });
@@ -621,14 +743,14 @@ describe('signing in', () => {
   it('says what it waits for, and that it is done', async () => {
     const answer = gateway.hold('/api/command/login');
     const signedIn = store.signIn();
-    expect(store.notice.value).toEqual({
+    expect(said()).toEqual({
       kind: 'waiting',
       text: 'Signing in. The browser asks who you are.',
     });
     expect(store.isSignedIn.value).toBe(false);
     answer(null, 204);
     await signedIn;
-    expect(store.notice.value).toEqual({
+    expect(said()).toEqual({
       kind: 'good',
       text: 'Signed in until the browser is closed.',
     });
@@ -639,7 +761,7 @@ describe('signing in', () => {
   it('says why not', async () => {
     gateway.answer('/api/command/login', {}, 401);
     await store.signIn();
-    expect(store.notice.value).toEqual({
+    expect(said()).toEqual({
       kind: 'bad',
       text: 'Sign in: You are not signed in. Nothing was done.',
     });

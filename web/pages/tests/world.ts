@@ -46,6 +46,12 @@ export async function arrange(status: Status | undefined = statusWith()): Promis
   return new Gateway();
 }
 
+/** What is said of the latest command, without when. */
+export function said(): { kind: string; text: string } | undefined {
+  const latest = store.notice.value;
+  return latest && { kind: latest.kind, text: latest.text };
+}
+
 export async function clear(): Promise<void> {
   setHidden(true);
   await act(() => render(null, document.body));
@@ -53,8 +59,13 @@ export async function clear(): Promise<void> {
   store.statusTime.value = 0;
   store.statusFault.value = undefined;
   store.configuration.value = undefined;
-  store.notice.value = undefined;
+  store.notices.value = [];
   store.isSignedIn.value = false;
+  store.user.value = undefined;
   store.interruptions.value = [];
   vi.unstubAllGlobals();
+  // Who goes on asking after the test has no answer.
+  vi.stubGlobal('fetch', async () => {
+    throw new TypeError('Failed to fetch');
+  });
 }

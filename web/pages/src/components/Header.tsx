@@ -1,24 +1,23 @@
 // What is always visible: which instrument, what it does, how old that is, alarms, and the way to stop.
-import { useState } from 'preact/hooks';
-import { formatSpan } from '../format';
-import { followAbortAfterRun, followAbortNow } from '../follow';
+import type { Status } from '../documents';
+import { formatInstant, formatSpan } from '../format';
 import { describeInterruption } from '../interruptions';
-import { gcStateOf, isError, isSimulated } from '../states';
+import { gcStateOf, isError, isSimulated, withoutNothing } from '../states';
 import {
   ageSeconds,
-  command,
   describeFault,
+  dismiss,
   interruptions,
-  isSignedIn,
   isStale,
-  notice,
-  signIn,
+  lostSince,
+  notices,
+  now,
   status,
   statusFault,
   takeNote,
 } from '../store';
-import { ActionButton } from './ActionButton';
-import { Confirm } from './Dialog';
+import { Session } from './Session';
+import { Stop } from './Stop';
 
 function Age() {
   const age = ageSeconds.value;
@@ -51,55 +50,16 @@ export function AlarmSign() {
 /** Tells a screen reader when the state changes, but not each second of it. */
 function StateAnnouncer() {
   const current = status.value;
-  const text = current
-    ? `State ${gcStateOf(current)}${current.Alarm_overall ? ', alarm' : ''}`
-    : '';
+  const text =
+    lostSince.value !== undefined
+      ? `No answer since ${formatInstant(lostSince.value, now.value)}`
+      : current
+        ? `State ${gcStateOf(current)}${current.Alarm_overall ? ', alarm' : ''}`
+        : '';
   return (
     <p class="hidden" role="status">
       {text}
     </p>
-  );
-}
-
-function Abort() {
-  const [isAsking, setIsAsking] = useState(false);
-  const abort = (when: 'now' | 'after-run'): void => {
-    setIsAsking(false);
-    const send = { method: 'POST', path: 'abort', body: { when } } as const;
-    void command(
-      when === 'now' ? 'Abort now' : 'Stop after this run',
-      send,
-      when === 'now' ? followAbortNow : followAbortAfterRun,
-    );
-  };
-  return (
-    <div class="abort" role="group" aria-label="Stop">
-      <ActionButton
-        action="abort-after-run"
-        label="Stop after this run"
-        isCompact
-        onClick={() => abort('after-run')}
-      />
-      <ActionButton
-        action="abort-now"
-        label="Abort now…"
-        kind="danger"
-        isCompact
-        onClick={() => setIsAsking(true)}
-      />
-      {isAsking && (
-        <Confirm
-          title="Abort now?"
-          yes="Abort now"
-          action="abort-now"
-          isDanger
-          onYes={() => abort('now')}
-          onNo={() => setIsAsking(false)}
-        >
-          <p>The run ends at once without a result, and the automation with it.</p>
-        </Confirm>
-      )}
-    </div>
   );
 }
 
@@ -117,20 +77,19 @@ function Faults() {
   );
 }
 
-function NoticeLine() {
-  const current = notice.value;
+function Notices() {
   return (
-    <div role="status" data-testid="notice">
-      {current && (
-        <p class={`message ${current.kind}`}>
-          <span>{current.text}</span>
-          {current.kind !== 'waiting' && (
-            <button type="button" class="quiet" onClick={() => (notice.value = undefined)}>
+    <div role="status" aria-atomic="false" data-testid="notice">
+      {notices.value.map(({ id, kind, text, time }) => (
+        <p class={`message ${kind}`} key={id}>
+          <time>{formatInstant(time, now.value)}</time> <span class="text">{text}</span>
+          {kind !== 'waiting' && (
+            <button type="button" class="quiet" onClick={() => dismiss(id)}>
               Dismiss
             </button>
           )}
         </p>
-      )}
+      ))}
     </div>
   );
 }
@@ -150,6 +109,41 @@ function Interruptions() {
   );
 }
 
+/** What the instrument does; named by its time when it does not answer any more. */
+function State({ current }: { current: Status }) {
+  const since = lostSince.value;
+  return (
+    <>
+      {since !== undefined && (
+        <>
+          <span class="state lost" data-testid="lost">
+            No answer since {formatInstant(since, now.value)}
+          </span>
+          <span class="dim">Last:</span>
+        </>
+      )}
+      <span
+        class={isError(current) && since === undefined ? 'state live error' : 'state live'}
+        data-testid="state"
+      >
+        {withoutNothing(current.GC_state)}
+      </span>
+      <span class="live" data-testid="automation">
+        <span class="dim">Automation</span> {withoutNothing(current.Auto_state)}
+      </span>
+      <span class="live">
+        <AlarmSign />
+      </span>
+      {gcStateOf(current) === 'Running' && (
+        <span class="live run" data-testid="run">
+          <span class="dim">Run</span> {formatSpan(current.Run_time)} of{' '}
+          {formatSpan(current.Total_run_time)}
+        </span>
+      )}
+    </>
+  );
+}
+
 export function Header() {
   const current = status.value;
   return (
@@ -159,31 +153,23 @@ export function Header() {
         <strong class="application text" data-testid="application">
           {current ? current.Application || 'Instrument without a name' : 'Gas chromatograph'}
         </strong>
-        {current && (
-          <>
-            <span class={isError(current) ? 'state live error' : 'state live'} data-testid="state">
-              {current.GC_state}
+        {current ? (
+          <State current={current} />
+        ) : (
+          statusFault.value && (
+            <span class="state lost" data-testid="lost">
+              No answer yet
             </span>
-            <span class="live" data-testid="automation">
-              <span class="dim">Automation</span> {current.Auto_state}
-            </span>
-            <span class="live">
-              <AlarmSign />
-            </span>
-          </>
+          )
         )}
         <Age />
-        {!isSignedIn.value && (
-          <button type="button" class="quiet" onClick={() => void signIn()}>
-            Sign in
-          </button>
-        )}
-        <Abort />
+        <Session />
+        <Stop />
       </div>
       <StateAnnouncer />
       <Faults />
       <Interruptions />
-      <NoticeLine />
+      <Notices />
     </header>
   );
 }

@@ -6,7 +6,7 @@ import { Confirm } from '../components/Dialog';
 import { Now } from '../components/Now';
 import { SequenceLines } from '../components/SequenceLines';
 import type { Sequence, Status } from '../documents';
-import { followAutomation, followRun, followSolution, followStream } from '../follow';
+import { followAutomation, followRun, followStream } from '../follow';
 import { formatSpan } from '../format';
 import { command, configuration, describeFault, status } from '../store';
 import { lastSlot } from '../tables';
@@ -56,12 +56,16 @@ function NumberSelect(props: {
 function startRun(type: 'single' | 'calibration', stream: number): void {
   const name = type === 'single' ? 'Single run' : 'Calibration';
   const send = { method: 'POST', path: 'run', body: { type, stream } } as const;
-  void command(`${name} on stream ${stream}`, send, (before) => followRun(type, stream, before));
+  void command(
+    `${name} on stream ${stream}`,
+    send,
+    (before) => before && followRun(type, stream, before),
+  );
 }
 
 function startAutomation(): void {
   const send = { method: 'POST', path: 'run', body: { type: 'automation' } } as const;
-  void command('Automation', send, followAutomation);
+  void command('Automation', send, (before) => before && followAutomation(before));
 }
 
 function switchStream(stream: number): void {
@@ -71,7 +75,8 @@ function switchStream(stream: number): void {
 
 function loadSolution(solution: number): void {
   const send = { method: 'PUT', path: 'solution', body: { solution } } as const;
-  void command(`Solution ${solution}`, send, () => followSolution(solution));
+  const accepted = 'accepted. No report tells whether it is in use already.';
+  void command(`Solution ${solution}`, send, undefined, accepted);
 }
 
 function Ask({ question, onDone }: { question: Question; onDone: () => void }) {

@@ -1,0 +1,4 @@
+// Ticks every 4 s, whether its page is seen or not.
+setInterval(() => postMessage('tick'), 4000);
+
+export {};

@@ -1,0 +1,36 @@
+// Commands that were interrupted, until somebody has taken note.
+import { signal } from '@preact/signals';
+import { getReport, sendCommand, type Answer } from './api';
+import { onAnswer } from './contact';
+import type { BegunCommand, Unfinished } from './documents';
+import { describeFault } from './faults';
+import { say } from './notices';
+import { noteLogin } from './session';
+
+export const interruptions = signal<readonly BegunCommand[]>([]);
+
+async function load(): Promise<void> {
+  const answer = await getReport<Unfinished>('/api/unfinished', 'interrupted');
+  if (answer.ok) {
+    interruptions.value = answer.value.interrupted;
+  }
+}
+
+/** Tells the gateway that somebody has taken note of an interrupted command. */
+export async function takeNote({ id }: BegunCommand): Promise<void> {
+  const answer = await sendCommand('POST', 'seen', JSON.stringify({ id }));
+  noteLogin(answer);
+  // Somebody else may have been faster.
+  if (!answer.ok && answer.fault.status !== 404) {
+    const text = `Interrupted command: ${describeFault(answer.fault)}`;
+    say(`interrupted ${id}`, { kind: 'bad', text });
+  }
+  await load();
+}
+
+onAnswer((answer: Answer<unknown>) => {
+  const isAnswered = answer.ok || answer.fault.status !== 0;
+  if (isAnswered && (answer.interrupted ?? 0) !== interruptions.value.length) {
+    void load();
+  }
+});
