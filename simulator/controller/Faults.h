@@ -1,6 +1,7 @@
 // What can be made to go wrong between a client and the instrument.
 #pragma once
 
+#include <JsonText.h>
 #include <Message.h>
 
 #include <cstddef>
@@ -9,8 +10,6 @@
 #include <optional>
 #include <string>
 #include <vector>
-
-#include "JsonText.h"
 
 enum class eFault {
   eRefuse,      ///< close a connection as soon as it is accepted

@@ -1,7 +1,6 @@
 # The simulated instrument, without network, clock or faults.
 add_library(gc_instrument STATIC
   Instrument.cpp
-  JsonText.cpp
   Scenario.cpp
   model/Alarms.cpp
   model/Behaviour.cpp
@@ -18,4 +17,4 @@ add_library(gc_instrument STATIC
 target_include_directories(gc_instrument PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
 target_compile_definitions(gc_instrument PRIVATE
   GC_SCENARIO_DIR="${PROJECT_SOURCE_DIR}/simulator/scenarios")
-target_link_libraries(gc_instrument PUBLIC gc_wire rapidjson ACE::ACE PRIVATE gc_options)
+target_link_libraries(gc_instrument PUBLIC gc_wire gc_json rapidjson ACE::ACE PRIVATE gc_options)

@@ -1,9 +1,9 @@
 // The simulated instrument's answers.
 #include "Instrument.h"
 
+#include <JsonText.h>
 #include <Status.h>
 
-#include "JsonText.h"
 #include "Scenario.h"
 #include "model/Behaviour.h"
 #include "model/Commands.h"

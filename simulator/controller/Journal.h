@@ -2,14 +2,13 @@
 #pragma once
 
 #include <InstrumentClient.h>
+#include <JsonText.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <string>
 #include <vector>
-
-#include "JsonText.h"
 
 /// One line in the making: an object whose members come in the order of the calls below.
 class JournalEntry {

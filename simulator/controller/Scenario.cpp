@@ -1,6 +1,7 @@
 // Scenario files: read, parsed, checked against their schema.
 #include "Scenario.h"
 
+#include <JsonText.h>
 #include <rapidjson/error/en.h>
 #include <rapidjson/pointer.h>
 #include <rapidjson/schema.h>
@@ -13,7 +14,6 @@
 #include <utility>
 #include <vector>
 
-#include "JsonText.h"
 #include "model/Behaviour.h"
 
 namespace {

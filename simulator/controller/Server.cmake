@@ -1,13 +1,16 @@
 # The network side of the simulated controller, its program, and its remote control.
 find_package(CLI11 REQUIRED)
 
+# How the remote control finds the controller, and talks to it.
+add_library(gc_remote_control STATIC ControlClient.cpp ControlPath.cpp)
+target_include_directories(gc_remote_control PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+target_link_libraries(gc_remote_control PRIVATE gc_options ACE::ACE)
+
 add_library(gc_server STATIC
   Alterations.cpp
   Connection.cpp
   Control.cpp
-  ControlClient.cpp
   ControlConnection.cpp
-  ControlPath.cpp
   ControlSocket.cpp
   Faults.cpp
   FrameAssembler.cpp
@@ -18,9 +21,11 @@ add_library(gc_server STATIC
   Simulation.cpp
   Stream.cpp)
 target_include_directories(gc_server PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
-target_link_libraries(gc_server PUBLIC gc_instrument gc_wire rapidjson ACE::ACE PRIVATE gc_options)
+target_link_libraries(gc_server
+  PUBLIC gc_instrument gc_wire gc_json rapidjson ACE::ACE PRIVATE gc_options)
 
-foreach(program gc-sim gc-simctl)
-  add_executable(${program} ${program}.cpp)
-  target_link_libraries(${program} PRIVATE gc_options gc_server CLI11::CLI11)
-endforeach()
+add_executable(gc-sim gc-sim.cpp)
+target_link_libraries(gc-sim PRIVATE gc_options gc_server gc_remote_control CLI11::CLI11)
+
+add_executable(gc-simctl gc-simctl.cpp)
+target_link_libraries(gc-simctl PRIVATE gc_options gc_remote_control gc_json CLI11::CLI11)

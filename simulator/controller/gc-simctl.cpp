@@ -1,4 +1,5 @@
 // gc-simctl: the remote control of a simulated controller.
+#include <JsonText.h>
 #include <rapidjson/prettywriter.h>
 
 #include <CLI/CLI.hpp>
@@ -10,7 +11,6 @@
 
 #include "ControlClient.h"
 #include "ControlPath.h"
-#include "JsonText.h"
 
 namespace {
 

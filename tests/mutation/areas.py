@@ -75,12 +75,12 @@ AREAS = (
             ),
             Program(
                 "gc_instrument_tests",
-                ("gc_instrument", "gc_wire"),
+                ("gc_instrument", "gc_json", "gc_wire"),
                 ("-lgmock", *GTEST, "-lACE"),
             ),
             Program(
                 "gc_server_tests",
-                ("gc_server", "gc_instrument", "gc_wire"),
+                ("gc_server", "gc_remote_control", "gc_instrument", "gc_json", "gc_wire"),
                 (*GTEST, "-lACE"),
             ),
         ),

@@ -1,11 +1,12 @@
 // States, runs and measured values of the simulated instrument as functions of time.
 #include "Behaviour.h"
 
+#include <JsonText.h>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
-#include "../JsonText.h"
 #include "Alarms.h"
 
 namespace model {

@@ -1,13 +1,12 @@
 // Texts and their remote objects.
 #include "RemoteTexts.h"
 
+#include <JsonText.h>
 #include <Message.h>
 #include <ObjectTexts.h>
 #include <rapidjson/pointer.h>
 
 #include <algorithm>
-
-#include "../JsonText.h"
 
 namespace model {
 

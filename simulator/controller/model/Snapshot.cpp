@@ -1,9 +1,10 @@
 // What a snapshot adds to the values that are shown, and how an instrument goes on from there.
+#include <JsonText.h>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
-#include "../JsonText.h"
 #include "Behaviour.h"
 
 namespace model {
