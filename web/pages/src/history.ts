@@ -36,12 +36,24 @@ export class History {
 
   /** The samples of one series, oldest first; null where it has no value. */
   points(name: string): Points {
+    return this.recent(name, -Infinity);
+  }
+
+  /** The same, but not what is older than `since`. */
+  recent(name: string, since: number): Points {
     const column = this.series.get(name);
-    const values = this.places().map((place) => column?.[place] ?? NaN);
-    return {
-      times: this.allTimes(),
-      values: values.map((value) => (Number.isNaN(value) ? null : value)),
-    };
+    const points: Points = { times: [], values: [] };
+    let first = this.count;
+    while (first > 0 && this.times[this.place(first - 1)]! >= since) {
+      first--;
+    }
+    for (let index = first; index < this.count; index++) {
+      const place = this.place(index);
+      const value = column?.[place] ?? NaN;
+      points.times.push(this.times[place]!);
+      points.values.push(Number.isNaN(value) ? null : value);
+    }
+    return points;
   }
 
   /** All of it as a text, for the page that comes after this one. */

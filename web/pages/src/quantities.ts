@@ -1,15 +1,20 @@
 // The quantities with a setpoint: their names, decimals, and what counts as reached.
-import { channelKeys, type SetpointAndActual, type Status } from './documents';
+import { channelKeys, type SetpointAndActual, type Status, type Units } from './documents';
 import { deviationOf, formatReal, type Deviation } from './format';
 
-export interface Quantity {
+/** What a value needs to be shown against its setpoint. */
+export interface Measure {
+  decimals: number;
+  /** In the instrument's own unit: half a degree, one kilopascal. */
+  tolerance: number;
+  unit: keyof Units;
+}
+
+export interface Quantity extends Measure {
   key: 'Column_temp' | 'Injector_temp' | 'Column_press';
   label: string;
   /** For where there is little room. */
   short: string;
-  decimals: number;
-  /** In the instrument's own unit: half a degree, one kilopascal. */
-  tolerance: number;
 }
 
 export const quantities: readonly Quantity[] = [
@@ -19,6 +24,7 @@ export const quantities: readonly Quantity[] = [
     short: 'Column temp.',
     decimals: 2,
     tolerance: 0.5,
+    unit: 'temperature',
   },
   {
     key: 'Injector_temp',
@@ -26,8 +32,16 @@ export const quantities: readonly Quantity[] = [
     short: 'Injector temp.',
     decimals: 2,
     tolerance: 0.5,
+    unit: 'temperature',
   },
-  { key: 'Column_press', label: 'Column pressure', short: 'Pressure', decimals: 1, tolerance: 1 },
+  {
+    key: 'Column_press',
+    label: 'Column pressure',
+    short: 'Pressure',
+    decimals: 1,
+    tolerance: 1,
+    unit: 'pressure',
+  },
 ];
 
 export const sampleLine = {
@@ -35,11 +49,21 @@ export const sampleLine = {
   short: 'Sample line temp.',
   decimals: 2,
   tolerance: 1,
+  unit: 'temperature',
 } as const;
 
 export interface Controlled {
   actual: string;
   deviation: Deviation;
+  pair: SetpointAndActual;
+  measure: Measure;
+  /** Of the actual value in the history. */
+  name: string;
+}
+
+/** Name of the actual value in the history: of a channel's quantity, or of the sample line. */
+export function seriesOf(place: string): string {
+  return `${place}.Actual`;
 }
 
 export interface ControlledRow {
@@ -50,23 +74,25 @@ export interface ControlledRow {
 
 /** Everything that has a setpoint in this status, a row for each channel. */
 export function controlledOf(status: Status): ControlledRow[] {
-  const build = (
-    pair: SetpointAndActual,
-    { decimals, tolerance }: { decimals: number; tolerance: number },
-  ): Controlled => ({
-    actual: formatReal(pair.Actual, decimals),
-    deviation: deviationOf(pair, tolerance, decimals),
+  const build = (pair: SetpointAndActual, measure: Measure, place: string): Controlled => ({
+    actual: formatReal(pair.Actual, measure.decimals),
+    deviation: deviationOf(pair, measure.tolerance, measure.decimals),
+    pair,
+    measure,
+    name: seriesOf(place),
   });
   const rows = channelKeys.flatMap((key, index) => {
     const channel = status[key];
     if (!channel) {
       return [];
     }
-    const cells = quantities.map((quantity) => build(channel[quantity.key], quantity));
+    const cells = quantities.map((quantity) =>
+      build(channel[quantity.key], quantity, `${key}.${quantity.key}`),
+    );
     return [{ label: `Channel ${index + 1}`, cells }];
   });
   const { Sample_line_temp: line } = status;
   return line.Setpoint === '-' && line.Actual === '-'
     ? rows
-    : [...rows, { label: 'Sample line', cells: [build(line, sampleLine)] }];
+    : [...rows, { label: 'Sample line', cells: [build(line, sampleLine, 'Sample_line_temp')] }];
 }

@@ -23,6 +23,17 @@ describe('history', () => {
     expect(history.points('c').values).toEqual([null, null]);
   });
 
+  it('gives what is not older than that, past the end of the ring too', () => {
+    const history = new History(5);
+    for (const time of [1, 2, 3, 4, 5, 6, 7]) {
+      history.add(time, sample(time === 6 ? '-' : time));
+    }
+    expect(history.recent('a', 5)).toEqual({ times: [5, 6, 7], values: [5, null, 7] });
+    expect(history.recent('a', 0).times).toEqual([3, 4, 5, 6, 7]);
+    expect(history.recent('a', 8)).toEqual({ times: [], values: [] });
+    expect(history.recent('b', 7)).toEqual({ times: [7], values: [null] });
+  });
+
   it('forgets what is older than an hour', () => {
     const history = new History(4000);
     for (let second = 0; second <= 4000; second++) {
