@@ -13,7 +13,7 @@ export const screenshots = fileURLToPath(
 /** Milliseconds that anything awaited may take; on a busy machine most of it is needed. */
 const limit = 20_000;
 
-const flags = [
+export const flags = [
   '--no-sandbox',
   '--disable-gpu',
   '--disable-quic',

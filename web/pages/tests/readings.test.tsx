@@ -1,11 +1,13 @@
 // @vitest-environment happy-dom
 import { act } from 'preact/test-utils';
 import { afterEach, beforeEach, describe, expect, it, vi } from 'vitest';
-import type { Channel, Status } from '../src/documents';
+import type { Alarms, Channel, Status } from '../src/documents';
+import { alarms } from '../src/alarms';
+import { formatInstant } from '../src/format';
 import { ConfigurationPage } from '../src/pages/Configuration';
 import { StatusPage } from '../src/pages/Status';
 import { WallPage } from '../src/pages/Wall';
-import { configuration, statusFault, statusTime } from '../src/store';
+import { configuration, now, statusFault, statusTime } from '../src/store';
 import { load, statusWith } from './documents';
 import { factsOf, find, press, rowsOf, settle, show, textOf, textsOf } from './dom';
 import type { Gateway } from './gateway';
@@ -18,7 +20,10 @@ let gateway: Gateway;
 beforeEach(async () => {
   gateway = await arrange();
 });
-afterEach(clear);
+afterEach(async () => {
+  alarms.value = undefined;
+  await clear();
+});
 
 const none = { Setpoint: '-', Actual: '-' } as const;
 const channelWith = (changes: Partial<Channel>): Channel => ({
@@ -41,12 +46,15 @@ describe('the status page', () => {
     await show(<StatusPage />);
     expect(textsOf('h2')).toEqual([
       'Instrument',
+      'Way of the gas',
       'Channel 1 Porous polymer, 10 m',
       'Channel 2 Dimethylpolysiloxane, 8 m',
       'Sample line and surroundings',
     ]);
     expect(factsOf('dl.inline')[0]).toEqual(['State', 'Ready']);
     expect(factsOf('dl.columns')).toEqual([
+      ['Run ends', '–'],
+      ['Automation ends', '–'],
       ['Kind of run', 'Analysis'],
       ['Last analysis', 'No. 1284'],
       ['Automation', 'Idle'],
@@ -59,10 +67,10 @@ describe('the status page', () => {
       ['Clock', 'CLOCK'],
     ]);
     expect(textsOf('.deviation.off')).toEqual([]);
-    expect(textsOf('p')).toEqual([
-      'All values in the units that the instrument is set to.',
-      'Curves',
+    expect(textsOf('.cards p')).toEqual([
+      'Values without a unit are in the unit that the instrument is set to.',
     ]);
+    expect(textsOf('.cards ~ p')).toEqual(['Curves']);
   });
 
   it.each([
@@ -82,7 +90,7 @@ describe('the status page', () => {
   it('marks an error', async () => {
     await show(<StatusPage />);
     const look = (): string =>
-      [...document.querySelectorAll('dl.columns dd')].map(({ className }) => className)[5]!;
+      [...document.querySelectorAll('dl.columns dd')].map(({ className }) => className)[7]!;
     expect(look()).toBe('text');
     await overview({ Error_code: 502, Error_str: 'Bridge out of balance' });
     expect(look()).toBe('deviation off text');
@@ -148,14 +156,14 @@ describe('the status page', () => {
       Channel2: { ...Channel2, Disabled: true, Description: '' },
     };
     await show(<StatusPage />);
-    expect(textsOf('h2').slice(1, 3)).toEqual([
+    expect(textsOf('h2').slice(2, 4)).toEqual([
       'Channel 1 Porous polymer, 10 m, disabled',
       'Channel 2 disabled',
     ]);
     await act(() => {
       configuration.value = undefined;
     });
-    expect(textsOf('h2').slice(1, 3)).toEqual(['Channel 1', 'Channel 2']);
+    expect(textsOf('h2').slice(2, 4)).toEqual(['Channel 1', 'Channel 2']);
     expect(document.querySelector('.note')).toBeNull();
   });
 
@@ -273,6 +281,8 @@ describe('the wall', () => {
       ['Stream', '1'],
       ['Automation', 'Idle'],
       ['Sequence', 'not under way'],
+      ['Run ends', '–'],
+      ['Automation ends', '–'],
       ['Last analysis', 'No. 1284'],
     ]);
     expect(textsOf('caption')).toEqual(['Temperatures and pressures']);
@@ -312,6 +322,71 @@ describe('the wall', () => {
     expect(textsOf('h1')).toEqual(['Instrument without a name']);
   });
 
+  it('names active alarms, as many as there is room for', async () => {
+    const { rows } = load<Alarms>('docs/schemas/examples/alarms.json');
+    alarms.value = { total: 5, rows: rows!.map((row) => ({ ...row, Triggered: true })) };
+    await setStatus(statusWith({ Alarm_overall: true }));
+    await show(<WallPage />);
+    expect(textsOf('.wall-alarm li')).toEqual([
+      'GC Status: Instrument Error',
+      'GC Status: Cabinet Temperature',
+      'GC Status: Ambient Pressure',
+      'and 2 more',
+    ]);
+    await show(<StatusPage />);
+    expect(textsOf('[aria-labelledby=instrument] li')).toHaveLength(5);
+  });
+
+  it('says since when there is no answer, and what was known last', async () => {
+    await setStatus(statusWith({ GC_state: 'Error', Error_code: 502, Error_str: 'No balance' }));
+    await show(<WallPage />);
+    await setAge(60);
+    const time = formatInstant(statusTime.value, now.value);
+    expect(textsOf('.wall-state')).toEqual([`No answer since ${time}`]);
+    expect(find('.wall-state').className).toBe('wall-state lost');
+    expect(textsOf('.wall-alarm > *')).toEqual(['Last known: Error', 'No alarm']);
+    expect(textsOf('p.text.live')).toEqual(['Error 502: No balance']);
+    await setAge(0);
+    expect(textsOf('.wall-state')).toEqual(['Error']);
+    expect(textsOf('.wall-alarm > *')).toEqual(['No alarm']);
+    await show(<StatusPage />);
+    expect(textsOf('.lost, .lost + p')).toEqual([]);
+    await setAge(60);
+    expect(textsOf('.lost, .lost + p')).toEqual([
+      `No answer since ${formatInstant(statusTime.value, now.value)}`,
+      'These are the last values:',
+    ]);
+    expect(document.querySelector('.live .lost')).toBeNull();
+  });
+
+  it('shows units where they are known', async () => {
+    configuration.value = {
+      ...exampleConfiguration,
+      units: { temperature: '°C', pressure: 'kPa', auto_zero: 'mV', ambient_pressure: 'hPa' },
+    };
+    await show(<WallPage />);
+    expect(rowsOf('table')[0]).toEqual([
+      '',
+      'Column temp., °C',
+      'Injector temp., °C',
+      'Pressure, kPa',
+    ]);
+    expect(rowsOf('table')[3]).toEqual(['Sample line', '64.97 °C at setpoint']);
+    await show(<StatusPage />);
+    expect(rowsOf('[aria-labelledby=channel-1] table').map(([first]) => first)).toEqual([
+      'Quantity',
+      'Column temp., °C',
+      'Injector temp., °C',
+      'Pressure, kPa',
+    ]);
+    expect(factsOf('[aria-labelledby=channel-1] dl')[1]).toEqual(['Auto zero', '1.248 mV']);
+    expect(factsOf('[aria-labelledby=surroundings] dl')).toEqual([
+      ['Ambient temperature', '23 °C'],
+      ['Ambient pressure', '101.32 hPa'],
+    ]);
+    expect(textsOf('[aria-labelledby=surroundings] p')).toEqual([]);
+  });
+
   it('tells how old that is, and what is wrong', async () => {
     await show(<WallPage />);
     expect(find('.wall').className).toBe('wall');
@@ -332,5 +407,6 @@ describe('the wall', () => {
     });
     expect(textsOf('footer p')[0]).toBe('No data yet');
     expect(textsOf('h1')).toEqual([]);
+    expect(textsOf('.wall-state')).toEqual(['No answer yet']);
   });
 });

@@ -2,8 +2,8 @@
 import { alarmSummary } from '../alarms';
 import { describeFault } from '../store';
 
-/** Nothing while there is no alarm: the sign says that. */
-export function ActiveAlarms() {
+/** Nothing while there is no alarm: the sign says that. `most`: names there is room for. */
+export function ActiveAlarms({ most = Infinity }: { most?: number }) {
   const summary = alarmSummary.value;
   switch (summary.kind) {
     case 'unknown':
@@ -28,11 +28,12 @@ export function ActiveAlarms() {
             </p>
           ) : (
             <ul aria-label="Active alarms">
-              {summary.names.map((name, index) => (
+              {summary.names.slice(0, most).map((name, index) => (
                 <li key={index} class="text">
                   {name}
                 </li>
               ))}
+              {summary.names.length > most && <li>and {summary.names.length - most} more</li>}
             </ul>
           )}
           {summary.fault && <p>This may have changed: {describeFault(summary.fault)}</p>}

@@ -1,102 +1,25 @@
 // The instrument's present values.
+import { ActiveAlarms } from '../components/ActiveAlarms';
+import { ChannelCard, Pair, PairTable } from '../components/ChannelCard';
 import { Chart } from '../components/Chart';
+import { ExpectedEnd } from '../components/ExpectedEnd';
+import { Lost } from '../components/Lost';
 import { Now } from '../components/Now';
-import { channelKeys, type Channel, type SetpointAndActual, type Status } from '../documents';
-import { deviationOf, formatPosition, formatReal, notAvailable } from '../format';
-import { quantities, sampleLine } from '../quantities';
-import { configuration, status } from '../store';
+import { Schematic } from '../components/Schematic';
+import { channelKeys, type Status, type Units } from '../documents';
+import { formatPosition, formatReal } from '../format';
+import { sampleLine } from '../quantities';
+import { withoutNothing } from '../states';
+import { configuration, lostSince, status } from '../store';
+import { isUnitMissing, valueWithUnit } from '../units';
 
-function Pair(props: {
-  label: string;
-  pair: SetpointAndActual;
-  decimals: number;
-  tolerance: number;
-}) {
-  const { label, pair, decimals, tolerance } = props;
-  const deviation = deviationOf(pair, tolerance, decimals);
-  if (pair.Setpoint === '-' && pair.Actual === '-') {
-    return (
-      <tr>
-        <th scope="row">{label}</th>
-        <td colSpan={3} class="dim">
-          {notAvailable}
-        </td>
-      </tr>
-    );
-  }
-  return (
-    <tr>
-      <th scope="row">{label}</th>
-      <td class="number">{formatReal(pair.Setpoint, decimals)}</td>
-      <td class="number">{formatReal(pair.Actual, decimals)}</td>
-      <td class={`deviation ${deviation.level}`}>{deviation.text}</td>
-    </tr>
-  );
-}
-
-function PairHead({ first }: { first: string }) {
-  return (
-    <thead>
-      <tr>
-        <th scope="col">{first}</th>
-        <th scope="col" class="number">
-          Setpoint
-        </th>
-        <th scope="col" class="number">
-          Actual
-        </th>
-        <th scope="col">Deviation</th>
-      </tr>
-    </thead>
-  );
-}
-
-function ChannelCard({
-  number,
-  channel,
-  note,
-}: {
-  number: number;
-  channel: Channel;
-  note: string;
-}) {
-  const { TCD } = channel;
-  const id = `channel-${number}`;
-  return (
-    <section class="card" aria-labelledby={id}>
-      <h2 id={id}>
-        Channel {number}
-        {/* The space is for who hears it. */}
-        {note && (
-          <>
-            {' '}
-            <span class="note text">{note}</span>
-          </>
-        )}
-      </h2>
-      <table>
-        <PairHead first="Quantity" />
-        <tbody>
-          {quantities.map(({ key, short, decimals, tolerance }) => (
-            <Pair key={key} pair={channel[key]} label={short} {...{ decimals, tolerance }} />
-          ))}
-        </tbody>
-      </table>
-      <dl class="facts">
-        <dt>Detector</dt>
-        <dd class={TCD.State === 'On' ? undefined : 'deviation off'}>
-          {TCD.State === 'On' ? 'on' : 'off'}
-        </dd>
-        <dt>Auto zero</dt>
-        <dd class="number">{formatReal(TCD.Auto_zero, 3)}</dd>
-        <dt>Calibrated</dt>
-        <dd class={TCD.Calibrated === 'OK' ? 'deviation good' : 'deviation off'}>
-          {TCD.Calibrated === 'OK' ? 'yes' : 'no'}
-        </dd>
-      </dl>
-    </section>
-  );
-}
+/** Units that this page needs. */
+const units: readonly (keyof Units)[] = [
+  'temperature',
+  'pressure',
+  'ambient_pressure',
+  'auto_zero',
+];
 
 /** The column's description, and that the channel is switched off. */
 function noteOf(key: (typeof channelKeys)[number]): string {
@@ -109,7 +32,7 @@ function Overview({ current }: { current: Status }) {
   const facts: [name: string, value: string | number, look?: string][] = [
     ['Kind of run', current.Run_type],
     ['Last analysis', `No. ${current.Last_counter}`],
-    ['Automation', current.Auto_state],
+    ['Automation', withoutNothing(current.Auto_state)],
     ['Sequence', formatPosition(current.Seq_line, current.Line_replicate, current.Seq_replicate)],
     ['Continuous', current.Continuous ? 'yes' : 'no'],
     [
@@ -126,7 +49,9 @@ function Overview({ current }: { current: Status }) {
     <section class="card wide" aria-labelledby="instrument">
       <h2 id="instrument">Instrument</h2>
       <Now status={current} />
+      <ActiveAlarms />
       <dl class="columns">
+        <ExpectedEnd />
         {facts.map(([name, value, look]) => (
           <div key={name}>
             <dt>{name}</dt>
@@ -142,24 +67,25 @@ function Surroundings({ current }: { current: Status }) {
   return (
     <section class="card" aria-labelledby="surroundings">
       <h2 id="surroundings">Sample line and surroundings</h2>
-      <table>
-        <PairHead first="Quantity" />
-        <tbody>
-          <Pair
-            label={sampleLine.short}
-            pair={current.Sample_line_temp}
-            decimals={sampleLine.decimals}
-            tolerance={sampleLine.tolerance}
-          />
-        </tbody>
-      </table>
+      <PairTable>
+        <Pair
+          label={sampleLine.short}
+          pair={current.Sample_line_temp}
+          measure={sampleLine}
+          place="Sample_line_temp"
+        />
+      </PairTable>
       <dl class="facts">
         <dt>Ambient temperature</dt>
-        <dd class="number">{formatReal(current.Ambient_temp, 0)}</dd>
+        <dd class="number">{valueWithUnit(formatReal(current.Ambient_temp, 0), 'temperature')}</dd>
         <dt>Ambient pressure</dt>
-        <dd class="number">{formatReal(current.Ambient_press, 2)}</dd>
+        <dd class="number">
+          {valueWithUnit(formatReal(current.Ambient_press, 2), 'ambient_pressure')}
+        </dd>
       </dl>
-      <p class="dim">All values in the units that the instrument is set to.</p>
+      {isUnitMissing(units) && (
+        <p class="dim">Values without a unit are in the unit that the instrument is set to.</p>
+      )}
     </section>
   );
 }
@@ -170,18 +96,23 @@ export function StatusPage() {
     return <p>Waiting for the first answer of the instrument.</p>;
   }
   return (
-    <div class="live">
-      <Overview current={current} />
-      <div class="cards">
-        {channelKeys.map((key, index) => {
-          const channel = current[key];
-          return channel ? (
-            <ChannelCard key={key} number={index + 1} channel={channel} note={noteOf(key)} />
-          ) : null;
-        })}
-        <Surroundings current={current} />
+    <>
+      <Lost look="lost" />
+      {lostSince.value !== undefined && <p>These are the last values:</p>}
+      <div class="live">
+        <Overview current={current} />
+        <Schematic status={current} />
+        <div class="cards">
+          {channelKeys.map((key, index) => {
+            const channel = current[key];
+            return channel ? (
+              <ChannelCard key={key} number={index + 1} channel={channel} note={noteOf(key)} />
+            ) : null;
+          })}
+          <Surroundings current={current} />
+        </div>
+        <Chart status={current} />
       </div>
-      <Chart status={current} />
-    </div>
+    </>
   );
 }

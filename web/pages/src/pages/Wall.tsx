@@ -1,11 +1,19 @@
 // The state of the instrument in large letters, for a display that nobody touches.
+import { ActiveAlarms } from '../components/ActiveAlarms';
+import { ExpectedEnd } from '../components/ExpectedEnd';
+import { Bar, Sparkline } from '../components/Gauges';
 import { AlarmSign, SimulatedBanner } from '../components/Header';
+import { Lost } from '../components/Lost';
 import { Progress } from '../components/Progress';
-import { describeFault, isStale, ageSeconds, status, statusFault } from '../store';
+import { ageSeconds, describeFault, isStale, lostSince, status, statusFault } from '../store';
 import { formatPosition, formatSpan } from '../format';
 import type { Status } from '../documents';
-import { controlledOf, quantities } from '../quantities';
-import { isError } from '../states';
+import { controlledOf, quantities, type Controlled } from '../quantities';
+import { isError, withoutNothing } from '../states';
+import { nameWithUnit, valueWithUnit } from '../units';
+
+/** There is no room for the names of more. */
+const mostAlarms = 3;
 
 function Age() {
   const age = ageSeconds.value;
@@ -13,6 +21,25 @@ function Age() {
     <p class={isStale.value ? 'stale-mark' : 'dim'}>
       {age === Infinity ? 'No data yet' : `Data ${formatSpan(age)} old`}
     </p>
+  );
+}
+
+function Cell({ cell, isAlone }: { cell: Controlled; isAlone: boolean }) {
+  const { actual, deviation, pair, measure, name } = cell;
+  const text = isAlone ? valueWithUnit(actual, measure.unit) : actual;
+  return (
+    <td colSpan={isAlone ? quantities.length : 1} class={`deviation ${deviation.level}`}>
+      {deviation.level === 'none' ? (
+        <small>{deviation.text}</small>
+      ) : (
+        <div class="wall-cell">
+          <span class="number">{text} </span>
+          <Sparkline name={name} pair={pair} tolerance={measure.tolerance} />
+          <small>{deviation.text}</small>
+          <Bar pair={pair} tolerance={measure.tolerance} />
+        </div>
+      )}
+    </td>
   );
 }
 
@@ -24,9 +51,9 @@ function Values({ current }: { current: Status }) {
       <thead>
         <tr>
           <td />
-          {quantities.map(({ key, short }) => (
+          {quantities.map(({ key, short, unit }) => (
             <th key={key} scope="col">
-              {short}
+              {nameWithUnit(short, unit)}
             </th>
           ))}
         </tr>
@@ -35,20 +62,35 @@ function Values({ current }: { current: Status }) {
         {controlledOf(current).map(({ label, cells }) => (
           <tr key={label}>
             <th scope="row">{label}</th>
-            {cells.map(({ actual, deviation }, index) => (
-              <td
-                key={index}
-                colSpan={cells.length === 1 ? quantities.length : 1}
-                class={`deviation ${deviation.level}`}
-              >
-                {deviation.level !== 'none' && <span class="number">{actual} </span>}
-                <small>{deviation.text}</small>
-              </td>
+            {cells.map((cell, index) => (
+              <Cell key={index} cell={cell} isAlone={cells.length === 1} />
             ))}
           </tr>
         ))}
       </tbody>
     </table>
+  );
+}
+
+/** What the instrument does, or that nobody knows; then what is known last, small and named as such. */
+function State({ current }: { current: Status }) {
+  const isLost = lostSince.value !== undefined;
+  const error = isError(current) ? `Error ${current.Error_code}: ${current.Error_str}` : '';
+  return (
+    <>
+      <Lost look="wall-state lost" />
+      {!isLost && (
+        <p class={error ? 'wall-state live error' : 'wall-state live'}>
+          {withoutNothing(current.GC_state)}
+        </p>
+      )}
+      {error && <p class={isLost ? 'text live' : 'text'}>{error}</p>}
+      <div class="wall-alarm live">
+        {isLost && <span>Last known: {withoutNothing(current.GC_state)}</span>}
+        <AlarmSign />
+        <ActiveAlarms most={mostAlarms} />
+      </div>
+    </>
   );
 }
 
@@ -58,20 +100,11 @@ export function WallPage() {
   return (
     <div class={isStale.value ? 'wall stale' : 'wall'}>
       <SimulatedBanner />
+      {!current && <p class="wall-state">No answer yet</p>}
       {current && (
         <>
           <h1 class="text">{current.Application || 'Instrument without a name'}</h1>
-          <p class={isError(current) ? 'wall-state live error' : 'wall-state live'}>
-            {current.GC_state}
-          </p>
-          {isError(current) && (
-            <p class="text">
-              Error {current.Error_code}: {current.Error_str}
-            </p>
-          )}
-          <p class="live">
-            <AlarmSign />
-          </p>
+          <State current={current} />
           <div class="wall-columns live">
             <dl class="wall-facts">
               <dt>Run</dt>
@@ -81,11 +114,12 @@ export function WallPage() {
               <dt>Stream</dt>
               <dd>{current.Curr_stream}</dd>
               <dt>Automation</dt>
-              <dd>{current.Auto_state}</dd>
+              <dd>{withoutNothing(current.Auto_state)}</dd>
               <dt>Sequence</dt>
               <dd>
                 {formatPosition(current.Seq_line, current.Line_replicate, current.Seq_replicate)}
               </dd>
+              <ExpectedEnd isBrief />
               <dt>Last analysis</dt>
               <dd>No. {current.Last_counter}</dd>
             </dl>

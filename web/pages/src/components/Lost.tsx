@@ -1,0 +1,11 @@
+// That there is no answer, in letters as large as the state's.
+import { formatInstant } from '../format';
+import { lostSince, now } from '../store';
+
+/** Nothing while answers come; what is shown below is then the present. */
+export function Lost({ look }: { look: string }) {
+  const since = lostSince.value;
+  return since === undefined ? null : (
+    <p class={look}>No answer since {formatInstant(since, now.value)}</p>
+  );
+}
