@@ -1,7 +1,12 @@
 // How the pages are built, and how they are served while somebody works on them.
 import { existsSync, readFileSync } from 'node:fs';
 import { defineConfig } from 'vitest/config';
-import { gateway } from './dev/gateway';
+
+// What ./run --web serves: the gateway as a controller has it, with its logins, locks and limits.
+const target = process.env.GC_WEB_SERVER ?? 'http://127.0.0.1:8080';
+// As the browser sent them: the gateway compares Origin with Host.
+const behind = { target, changeOrigin: false };
+const proxy = { '/api': behind, '/schemas': behind, '/openapi.json': behind };
 
 /** The project's, which the pages are a part of. */
 function version(): string {
@@ -23,9 +28,8 @@ export default defineConfig({
     modulePreload: { polyfill: false },
     assetsInlineLimit: 0,
   },
-  server: { fs: { allow: ['../..'] } },
-  preview: { headers: { 'Content-Security-Policy': "default-src 'self'" } },
-  plugins: [gateway()],
+  server: { fs: { allow: ['../..'] }, proxy },
+  preview: { proxy, headers: { 'Content-Security-Policy': "default-src 'self'" } },
   // A busy machine is no fault of the pages.
   test: { include: ['tests/**/*.test.{ts,tsx}'], testTimeout: 60_000 },
 });
