@@ -4,16 +4,22 @@ add_library(gc_instrument STATIC
   Scenario.cpp
   model/Alarms.cpp
   model/Behaviour.cpp
+  model/Calibration.cpp
   model/Commands.cpp
+  model/Holds.cpp
+  model/MeasuredValues.cpp
   model/Measurement.cpp
   model/Parameters.cpp
   model/PeakNames.cpp
+  model/Phases.cpp
   model/Plan.cpp
+  model/Planning.cpp
   model/RemoteTexts.cpp
   model/Runs.cpp
   model/ScenarioTables.cpp
-  model/Sequence.cpp
-  model/Snapshot.cpp)
+  model/StartUp.cpp
+  model/StoredValues.cpp
+  model/Tables.cpp)
 target_include_directories(gc_instrument PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
 target_compile_definitions(gc_instrument PRIVATE
   GC_SCENARIO_DIR="${PROJECT_SOURCE_DIR}/simulator/scenarios")

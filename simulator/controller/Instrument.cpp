@@ -44,7 +44,7 @@ struct Instrument::State {
   /// Slot of a record's parameter, if there is one that has a slot.
   std::optional<std::size_t> findSlot(const ParamList& record) const {
     const auto slot = model::findAddress(record.Channel, record.Method, record.Step, record.ParmID);
-    return slot && behaviour.isThere(*slot) ? slot : std::nullopt;
+    return slot && behaviour.stored().isThere(*slot) ? slot : std::nullopt;
   }
 
   std::optional<std::int32_t> findCharacter(const ParamList& record) const {
@@ -65,7 +65,8 @@ struct Instrument::State {
       return eStateForbids;
     }
     const double value = valueOf(record, *slot);
-    return value >= row.lowest && value <= behaviour.highest(*slot) ? eSuccess : eOutOfBounds;
+    return value >= row.lowest && value <= behaviour.stored().highest(*slot) ? eSuccess
+                                                                             : eOutOfBounds;
   }
 
   /// As a scenario has them.
@@ -158,7 +159,7 @@ std::uint32_t Instrument::programInfo(std::uint32_t aChannel, std::uint64_t& fir
   if (aChannel < 1 || aChannel > model::cChannels) {
     return eChannelUnknown;
   }
-  first = mState->behaviour.stepsOf(model::eTable::ePeaks, aChannel);
+  first = mState->behaviour.stored().stepsOf(model::eTable::ePeaks, aChannel);
   second = cCalibrationLevels;
   return eSuccess;
 }
@@ -166,7 +167,7 @@ std::uint32_t Instrument::programInfo(std::uint32_t aChannel, std::uint64_t& fir
 bool Instrument::set(double aNow, const std::string& aName, double aValue) {
   mState->behaviour.advance(aNow);
   const auto slot = model::findName(aName);
-  const bool isThere = slot && mState->behaviour.isThere(*slot);
+  const bool isThere = slot && mState->behaviour.stored().isThere(*slot);
   if (isThere) {
     mState->behaviour.set(*slot, aValue);
   }
@@ -185,7 +186,7 @@ void Instrument::snapshot(double aNow, rapidjson::Document& aDocument) {
   rapidjson::Value parameters(rapidjson::kObjectType);
   rapidjson::Value unchecked(rapidjson::kArrayType);
   for (std::size_t slot = 0; slot < model::slotCount(); ++slot) {
-    if (!behaviour.isThere(slot)) {
+    if (!behaviour.stored().isThere(slot)) {
       continue;
     }
     const std::string name = model::nameOf(slot);

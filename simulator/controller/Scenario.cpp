@@ -14,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-#include "model/Behaviour.h"
+#include "model/StoredValues.h"
 
 namespace {
 
@@ -234,10 +234,10 @@ class Exemption {
 
 /// Whether each line, peak and row that the parameters name is in its table.
 bool namesWhatIsThere(const rapidjson::Document& aDocument, std::string& fault) {
-  const model::Behaviour instrument(aDocument, 0);
+  const model::StoredValues stored(aDocument);
   for (const auto& member : aDocument["parameters"].GetObject()) {
     const auto slot = model::findName(member.name.GetString());
-    if (!slot || !instrument.isThere(*slot)) {
+    if (!slot || !stored.isThere(*slot)) {
       fault =
           std::string("/parameters/") + member.name.GetString() + ": beyond the end of its table";
       return false;

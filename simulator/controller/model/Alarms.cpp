@@ -2,6 +2,9 @@
 #include "Alarms.h"
 
 #include <algorithm>
+#include <iterator>
+
+#include "StateCodes.h"
 
 namespace model {
 
@@ -15,8 +18,8 @@ constexpr int cEverySampleType = 4;
 constexpr int cAnyAlarmGroup = 10;
 constexpr int cEveryId = -1;
 
-bool isInstrumentError(const Behaviour& aBehaviour) {
-  return contains(cErrorStates, aBehaviour.state());
+bool isInstrumentError(const Conditions& aConditions) {
+  return contains(cErrorStates, aConditions.state);
 }
 
 /// Of any number: NaN lies outside.
@@ -24,21 +27,18 @@ bool isOutside(double aValue, double aLowest, double aHighest) {
   return !(aValue >= aLowest && aValue <= aHighest);
 }
 
-bool isCabinetTempOff(const Behaviour& aBehaviour) {
-  return isOutside(aBehaviour.stored(eParam::eAmbientTemp), cLowestCabinetTemp,
-                   cHighestCabinetTemp);
+bool isCabinetTempOff(const Conditions& aConditions) {
+  return isOutside(aConditions.cabinetTemp, cLowestCabinetTemp, cHighestCabinetTemp);
 }
 
-// The pressure itself, not a reading of it: near a limit, noise would trigger now and then.
-bool isAmbientPressureOff(const Behaviour& aBehaviour) {
-  return isOutside(aBehaviour.undisturbed(eParam::eAmbientPressure), cLowestAmbientPressure,
-                   cHighestAmbientPressure);
+bool isAmbientPressureOff(const Conditions& aConditions) {
+  return isOutside(aConditions.ambientPressure, cLowestAmbientPressure, cHighestAmbientPressure);
 }
 
 struct ConditionRow {
   int group;
   int id;
-  bool (*holds)(const Behaviour&);
+  bool (*holds)(const Conditions&);
 };
 
 constexpr ConditionRow cConditions[] = {
@@ -63,9 +63,9 @@ bool matches(int aGroup, int aId, int aRowGroup, int aRowId) {
   return aGroup == aRowGroup && (aId == cEveryId || aId == aRowId);
 }
 
-bool holds(const Behaviour& aBehaviour, int aGroup, int aId) {
+bool holds(const Conditions& aConditions, int aGroup, int aId) {
   return std::any_of(std::begin(cConditions), std::end(cConditions), [&](const ConditionRow& row) {
-    return matches(row.group, row.id, aGroup, aId) && row.holds(aBehaviour);
+    return matches(row.group, row.id, aGroup, aId) && row.holds(aConditions);
   });
 }
 
@@ -75,74 +75,66 @@ bool isEventOf(eEvent aEvent, int aGroup, int aId) {
   });
 }
 
-int storedInt(const Behaviour& aBehaviour, eParam aParam, std::uint32_t aStep) {
-  return static_cast<int>(aBehaviour.stored(aParam, 1, aStep));
-}
-
-bool isTriggered(const Behaviour& aBehaviour, std::uint32_t aStep) {
-  return storedInt(aBehaviour, eParam::eAlarmTriggered, aStep) != 0;
-}
-
-/// Whether a row watches runs of a type.
-bool isFor(const Behaviour& aBehaviour, std::uint32_t aStep, int aRunType) {
-  const int sampleType = storedInt(aBehaviour, eParam::eAlarmOn, aStep);
-  return storedInt(aBehaviour, eParam::eAlarmOnAll, aStep) != 0 || sampleType == aRunType ||
-         sampleType == cEverySampleType;
-}
-
-/// Triggers the rows that watch runs of a type and whose group and id a predicate picks; then,
-/// if any row has triggered, those that watch for any alarm, of whatever type.
-template <typename Predicate>
-void trigger(Behaviour& behaviour, int aRunType, Predicate aPredicate) {
-  if (behaviour.stored(eParam::eAlarmEnabled) == 0.0) {
-    return;
-  }
-  const std::uint32_t rows = behaviour.stepsOf(eTable::eAlarms);
-  for (std::uint32_t step = 1; step <= rows; ++step) {
-    if (isFor(behaviour, step, aRunType) &&
-        aPredicate(storedInt(behaviour, eParam::eAlarmGroup, step),
-                   storedInt(behaviour, eParam::eAlarmParam, step))) {
-      behaviour.store(1.0, eParam::eAlarmTriggered, 1, step);
-    }
-  }
-  if (isAlarmOn(behaviour)) {
-    for (std::uint32_t step = 1; step <= rows; ++step) {
-      if (storedInt(behaviour, eParam::eAlarmGroup, step) == cAnyAlarmGroup) {
-        behaviour.store(1.0, eParam::eAlarmTriggered, 1, step);
-      }
-    }
-  }
-}
-
 }  // namespace
 
-void watchConditions(Behaviour& behaviour, int aRunType) {
-  trigger(behaviour, aRunType, [&](int aGroup, int aId) { return holds(behaviour, aGroup, aId); });
+void Alarms::watch(const Conditions& aConditions, int aRunType) {
+  trigger(aRunType, [&](int aGroup, int aId) { return holds(aConditions, aGroup, aId); });
 }
 
-void signalEvent(Behaviour& behaviour, eEvent aEvent, int aRunType) {
-  trigger(behaviour, aRunType,
-          [aEvent](int aGroup, int aId) { return isEventOf(aEvent, aGroup, aId); });
+void Alarms::signal(eEvent aEvent, int aRunType) {
+  trigger(aRunType, [aEvent](int aGroup, int aId) { return isEventOf(aEvent, aGroup, aId); });
 }
 
-bool isAlarmOn(const Behaviour& aBehaviour) {
-  if (aBehaviour.stored(eParam::eAlarmEnabled) == 0.0) {
+bool Alarms::isOn() const {
+  if (mStored.of(eParam::eAlarmEnabled) == 0.0) {
     return false;
   }
-  for (std::uint32_t step = 1; step <= aBehaviour.stepsOf(eTable::eAlarms); ++step) {
-    if (isTriggered(aBehaviour, step)) {
+  for (std::uint32_t step = 1; step <= mStored.stepsOf(eTable::eAlarms); ++step) {
+    if (storedInt(eParam::eAlarmTriggered, step) != 0) {
       return true;
     }
   }
   return false;
 }
 
-void resetAlarms(Behaviour& behaviour) {
+void Alarms::reset() {
   for (std::uint32_t step = 1; step <= cAlarmRows; ++step) {
-    behaviour.store(0.0, eParam::eAlarmTriggered, 1, step);
+    mStored.set(0.0, eParam::eAlarmTriggered, 1, step);
   }
-  behaviour.release(eParam::eAlarmOverall);
-  behaviour.watchAlarms();
+}
+
+/// Triggers the rows that watch runs of a type and whose group and id a predicate picks; then,
+/// if any row has triggered, those that watch for any alarm, of whatever type.
+template <typename Predicate>
+void Alarms::trigger(int aRunType, Predicate aPredicate) {
+  if (mStored.of(eParam::eAlarmEnabled) == 0.0) {
+    return;
+  }
+  const std::uint32_t rows = mStored.stepsOf(eTable::eAlarms);
+  for (std::uint32_t step = 1; step <= rows; ++step) {
+    if (isFor(step, aRunType) &&
+        aPredicate(storedInt(eParam::eAlarmGroup, step), storedInt(eParam::eAlarmParam, step))) {
+      mStored.set(1.0, eParam::eAlarmTriggered, 1, step);
+    }
+  }
+  if (isOn()) {
+    for (std::uint32_t step = 1; step <= rows; ++step) {
+      if (storedInt(eParam::eAlarmGroup, step) == cAnyAlarmGroup) {
+        mStored.set(1.0, eParam::eAlarmTriggered, 1, step);
+      }
+    }
+  }
+}
+
+/// Whether a row watches runs of a type.
+bool Alarms::isFor(std::uint32_t aStep, int aRunType) const {
+  const int sampleType = storedInt(eParam::eAlarmOn, aStep);
+  return storedInt(eParam::eAlarmOnAll, aStep) != 0 || sampleType == aRunType ||
+         sampleType == cEverySampleType;
+}
+
+int Alarms::storedInt(eParam aParam, std::uint32_t aStep) const {
+  return static_cast<int>(mStored.of(aParam, 1, aStep));
 }
 
 }  // namespace model

@@ -1,24 +1,49 @@
 // The alarm rows: what they watch, and when they trigger.
 #pragma once
 
-#include "Behaviour.h"
+#include <cstdint>
+
+#include "StoredValues.h"
 
 namespace model {
 
 /// What happens in a moment and can set off alarms.
 enum class eEvent { eVerificationFailed, eStartRefused };
 
-/// Triggers each row whose condition holds and whose sample type is `aRunType`. A row that has
-/// triggered stays so until it is reset.
-void watchConditions(Behaviour& behaviour, int aRunType);
+/// What alarms watch.
+struct Conditions {
+  int state;  ///< that the instrument shows
+  double cabinetTemp;
+  double
+      ambientPressure;  ///< itself, not a reading: near a limit, noise would trigger now and then
+};
 
-/// Triggers each row that watches for an event and whose sample type is `aRunType`.
-void signalEvent(Behaviour& behaviour, eEvent aEvent, int aRunType);
+/// Rows and what has triggered are stored values. A row that has triggered stays so until it is
+/// reset.
+class Alarms {
+ public:
+  explicit Alarms(StoredValues& aStored) : mStored(aStored) {}
 
-/// Whether any alarm is on.
-bool isAlarmOn(const Behaviour& aBehaviour);
+  /// Triggers each row whose condition holds and whose sample type is `aRunType`.
+  void watch(const Conditions& aConditions, int aRunType);
 
-/// Takes all rows back; one whose condition still holds triggers again at once.
-void resetAlarms(Behaviour& behaviour);
+  /// Triggers each row that watches for an event and whose sample type is `aRunType`.
+  void signal(eEvent aEvent, int aRunType);
+
+  /// Whether any alarm is on.
+  bool isOn() const;
+
+  /// Takes all rows back.
+  void reset();
+
+ private:
+  template <typename Predicate>
+  void trigger(int aRunType, Predicate aPredicate);
+
+  bool isFor(std::uint32_t aStep, int aRunType) const;
+  int storedInt(eParam aParam, std::uint32_t aStep) const;
+
+  StoredValues& mStored;
+};
 
 }  // namespace model

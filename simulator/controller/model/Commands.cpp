@@ -3,8 +3,7 @@
 
 #include <Status.h>
 
-#include "Alarms.h"
-#include "Sequence.h"
+#include "Tables.h"
 
 namespace model {
 
@@ -26,17 +25,19 @@ bool isAlways(const Behaviour& /*aBehaviour*/) {
 }
 
 constexpr CommandRow cCommands[] = {
-    {0, [](const Behaviour& b) { return b.canStartRun(); }, [](Behaviour& b) { b.startRun(); },
-     true},
-    {1, [](const Behaviour& b) { return b.isBusy(); }, [](Behaviour& b) { b.abortRun(); }, false},
-    {16, [](const Behaviour& b) { return b.canStartAutomation(); },
-     [](Behaviour& b) { b.startAutomation(); }, true},
-    {17, [](const Behaviour& b) { return b.canStopAutomation(); },
-     [](Behaviour& b) { b.stopAutomation(); }, false},
-    {19, &canInsertLine, &insertLine, false},
-    {22, &takesSettings, &clearSequence, false},
-    {26, &takesSettings, &clearCalibration, false},
-    {35, &isAlways, &resetAlarms, false},
+    {0, [](const Behaviour& b) { return b.runs().canStart(); },
+     [](Behaviour& b) { b.runs().start(); }, true},
+    {1, [](const Behaviour& b) { return b.runs().isBusy(); },
+     [](Behaviour& b) { b.runs().abort(); }, false},
+    {16, [](const Behaviour& b) { return b.runs().canStartAutomation(); },
+     [](Behaviour& b) { b.runs().startAutomation(); }, true},
+    {17, [](const Behaviour& b) { return b.runs().canStopAutomation(); },
+     [](Behaviour& b) { b.runs().stopAutomation(); }, false},
+    {19, [](const Behaviour& b) { return b.takesSettings() && canInsertLine(b.stored()); },
+     [](Behaviour& b) { insertLine(b.stored()); }, false},
+    {22, &takesSettings, [](Behaviour& b) { clearSequence(b.stored()); }, false},
+    {26, &takesSettings, [](Behaviour& b) { clearCalibration(b.stored()); }, false},
+    {35, &isAlways, [](Behaviour& b) { b.resetAlarms(); }, false},
 };
 
 }  // namespace
@@ -48,8 +49,7 @@ std::uint32_t executeCommand(Behaviour& behaviour, std::uint32_t aCommand) {
     }
     if (!row.isAllowed(behaviour)) {
       if (row.isStart) {
-        signalEvent(behaviour, eEvent::eStartRefused,
-                    static_cast<int>(behaviour.stored(eParam::eRunType)));
+        behaviour.refuseStart();
       }
       return eStateForbids;
     }

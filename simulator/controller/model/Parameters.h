@@ -13,6 +13,7 @@ constexpr std::uint32_t cSequenceLines = 20;
 constexpr std::uint32_t cAlarmRows = 38;
 constexpr std::uint32_t cSolutionSlots = 11;  ///< 0 to 10
 constexpr std::uint32_t cPeaks = 400;         ///< the most of a channel, and of all together
+constexpr double cMinute = 60.0;              ///< of parameters in minutes, in seconds
 
 /// The rows of the parameter table, in its order.
 enum class eParam : std::size_t {

@@ -1,22 +1,17 @@
-// Runs of the simulated instrument: single ones, calibrations, the automation sequence.
-#include <algorithm>
-#include <cmath>
-#include <limits>
+// Where the runs under way stand, what they show, and what they leave behind.
+#include "Runs.h"
 
-#include "Alarms.h"
-#include "Behaviour.h"
+#include <algorithm>
+
+#include "Measurement.h"
+#include "Planning.h"
+#include "Tables.h"
 
 namespace model {
 
 namespace {
 
-constexpr double cForEver = std::numeric_limits<double>::infinity();
-constexpr double cMinute = 60.0;
-constexpr double cShortestRun = 1.0;
-constexpr double cDelayBetweenRuns = 30.0;  ///< in a sequence
 constexpr double cSolutionLoadTime = 60.0;
-constexpr double cLargestShift = 0.002;    ///< of a coefficient by a calibration, relative
-constexpr double cCoefficientSteps = 1e9;  ///< resolution of a coefficient: so many a unit
 
 /// Automation states of a run that belongs to no sequence, by run type.
 constexpr int cSingleRunStates[] = {eAutoSingleRun, eAutoCalibration, eAutoSingleRun,
@@ -24,163 +19,136 @@ constexpr int cSingleRunStates[] = {eAutoSingleRun, eAutoCalibration, eAutoSingl
 
 }  // namespace
 
-bool Behaviour::canStartRun() const {
-  return state() == eReady && automation() == eAutoIdle;
+Runs::Runs(StoredValues& aStored, Holds& aHolds, Calibration& aCalibration, Alarms& aAlarms,
+           Phases& aPhases)
+    : mStored(aStored),
+      mHolds(aHolds),
+      mCalibration(aCalibration),
+      mAlarms(aAlarms),
+      mPhases(aPhases) {}
+
+bool Runs::canStart() const {
+  return mPhases.state() == eReady && mPhases.automation() == eAutoIdle;
 }
 
-void Behaviour::startRun() {
-  const double first = std::max(bounded(eParam::eStartReplicate), 1.0);
-  const bool isCalibration = static_cast<int>(bounded(eParam::eStartRunType)) == eCalibration;
-  const double replicates =
-      isCalibration ? std::max(bounded(eParam::eStartReplicates) - first + 1.0, 1.0) : 1.0;
-  begin(singleRun(eParam::eStartRunType, eParam::eStartStream, replicates, runTime(), mNow), false);
+void Runs::start() {
+  begin(planRun(mStored, mPhases.now()), false);
 }
 
-bool Behaviour::canStartAutomation() const {
-  return canStartRun() && !sequence().empty() &&
-         (stored(eParam::eContinuous) != 0.0 || bounded(eParam::eTableRepeat) >= 1.0);
+bool Runs::canStartAutomation() const {
+  return canStart() && hasSequence(mStored);
 }
 
-void Behaviour::startAutomation() {
-  const bool isContinuous = stored(eParam::eContinuous) != 0.0;
-  begin(Plan(sequence(), isContinuous ? cForEver : bounded(eParam::eTableRepeat), runTime(),
-             cDelayBetweenRuns, mNow),
-        true);
+void Runs::startAutomation() {
+  begin(planSequence(mStored, mPhases.now()), true);
 }
 
-bool Behaviour::isBusy() const {
-  return contains(statesOf(eFlushing, eRunning), state()) || automation() != eAutoIdle;
+bool Runs::isBusy() const {
+  return contains(statesOf(eFlushing, eRunning), mPhases.state()) ||
+         mPhases.automation() != eAutoIdle;
 }
 
-void Behaviour::abortRun() {
-  endRuns();
+void Runs::abort() {
+  end();
 }
 
-bool Behaviour::canStopAutomation() const {
-  return contains(cAllStates & ~cErrorStates, state());
+bool Runs::canStopAutomation() const {
+  return contains(cAllStates & ~cErrorStates, mPhases.state());
 }
 
-void Behaviour::stopAutomation() {
+void Runs::stopAutomation() {
   if (!mCourse) {
     return;
   }
-  if (mPhase.state == eRunning) {
+  if (mPhases.current().state == eRunning) {
     mCourse->isStopping = true;
   } else {
-    endRuns();
+    end();
   }
 }
 
-double Behaviour::runTime() const {
-  double longest = cShortestRun;
-  for (std::uint32_t n = 1; n <= cChannels; ++n) {
-    if (stored(eParam::eInstalled, n) != 0.0) {
-      longest = std::max(longest, stored(eParam::eRunTimeSP, n));
-    }
+void Runs::resume(double aElapsed, double aLeft) {
+  begin(planRunUnderWay(mStored, aElapsed, aLeft), false);
+}
+
+bool Runs::follow(double aUntil, double aNow) {
+  if (!mCourse) {
+    return false;
   }
-  return longest;
+  // Straight to where the plan stands now, however many runs that passes over.
+  followPlan(mCourse->isStopping ? aUntil : aNow);
+  return true;
 }
 
-/// A value as far as its bounds allow, whatever an operator has set.
-double Behaviour::bounded(eParam aParam, std::uint32_t aStep) const {
-  const std::size_t slot = slotOf(aParam, 1, aStep);
-  const ParameterRow& row = *slotAt(slot).row;
-  const double value = mValues[slot];
-  return std::isnan(value) ? row.lowest : std::clamp(value, row.lowest, row.highest);
+void Runs::loadSolution(std::uint32_t aSlot) {
+  mCourse.reset();  // there is one only if an operator has made its run look idle
+  useSolution(mStored, aSlot);
+  mPhases.enter({eNotReady, eAutoIdle, mPhases.now(), mPhases.now() + cSolutionLoadTime});
 }
 
-/// The lines that are run at all.
-std::vector<PlannedLine> Behaviour::sequence() const {
-  const auto whole = [this](eParam aParam, std::uint32_t aStep) {
-    return static_cast<std::uint32_t>(bounded(aParam, aStep));
-  };
-  const bool hasStreams = stored(eParam::eStreamConfigured) != 0.0;
-  std::vector<PlannedLine> lines;
-  for (std::uint32_t n = 1; n <= stepsOf(eTable::eSequence); ++n) {
-    const double replicates = bounded(eParam::eLineRepeat, n);
-    if (replicates >= 1.0) {
-      lines.push_back(
-          {n, whole(eParam::eLineRunType, n),
-           hasStreams ? whole(eParam::eLineStream, n) : whole(eParam::eCurrentStream, 1),
-           whole(eParam::eLineSolution, n), bounded(eParam::eLineFlushTime, n) * cMinute,
-           replicates});
-    }
-  }
-  return lines;
-}
-
-Plan Behaviour::singleRun(eParam aRunType, eParam aStream, double aReplicates, double aRunTime,
-                          double aStart) const {
-  const auto runType = static_cast<std::uint32_t>(bounded(aRunType));
-  const auto stream = static_cast<std::uint32_t>(bounded(aStream));
-  return {{{0, runType, stream, 0, 0.0, aReplicates}},
-          1.0,
-          std::max(aRunTime, cShortestRun),
-          0.0,
-          aStart};
-}
-
-void Behaviour::begin(const Plan& aPlan, bool isAutomation) {
-  mCourse = {aPlan, isAutomation, std::max(bounded(eParam::eStartReplicate), 1.0)};
+void Runs::begin(const Plan& aPlan, bool isAutomation) {
+  mCourse = {aPlan, isAutomation, firstReplicate(mStored)};
   // A scenario may begin behind the end of its run, which then ends at once.
   show(aPlan.at(aPlan.start()));
 }
 
-void Behaviour::followPlan(double aTime) {
+void Runs::followPlan(double aTime) {
   // Before the runs have their effect: what was held when the first of them ended is held no more
   // when the next one begins, even if nobody looks in between.
-  releaseAll();
+  mHolds.releaseAll();
   const Plan::Step step = mCourse->plan.at(aTime);
   const bool isOver = mCourse->isStopping || step.doing == Plan::eDoing::eNothing;
-  mNow = std::max(mNow, step.since);
+  mPhases.setNow(std::max(mPhases.now(), step.since));
   account(step.completed);
   if (isOver) {
-    endRuns();
+    end();
   } else {
     show(step);
   }
 }
 
-void Behaviour::show(const Plan::Step& aStep) {
+void Runs::show(const Plan::Step& aStep) {
   const PlannedLine& line = *aStep.line;
   const bool isAutomation = mCourse->isAutomation;
-  store(line.runType, eParam::eRunType);
-  store(line.stream, eParam::eCurrentStream);
+  mStored.set(line.runType, eParam::eRunType);
+  mStored.set(line.stream, eParam::eCurrentStream);
   if (isAutomation) {
-    store(line.number, eParam::eSeqLine);
-    store(aStep.replicate, eParam::eLineReplicate);
-    store(std::min(aStep.repeat, slotAt(slotOf(eParam::eSeqReplicate)).row->highest),
-          eParam::eSeqReplicate);
-    markSolution(line.solution);
+    mStored.set(line.number, eParam::eSeqLine);
+    mStored.set(aStep.replicate, eParam::eLineReplicate);
+    mStored.set(std::min(aStep.repeat, slotAt(slotOf(eParam::eSeqReplicate)).row->highest),
+                eParam::eSeqReplicate);
+    useSolution(mStored, line.solution);
   } else if (line.runType == eCalibration) {
-    store(mCourse->firstReplicate + aStep.replicate - 1.0, eParam::eStartReplicate);
+    mStored.set(mCourse->firstReplicate + aStep.replicate - 1.0, eParam::eStartReplicate);
   }
   switch (aStep.doing) {
     case Plan::eDoing::eFlushing:
-      return enter({eFlushing, eAutoFlushing, aStep.since, aStep.until});
+      return mPhases.enter({eFlushing, eAutoFlushing, aStep.since, aStep.until});
     case Plan::eDoing::eWaiting:
-      return enter({eReady, eAutoSequence, aStep.since, aStep.until, eActivity::eWaiting});
+      return mPhases.enter({eReady, eAutoSequence, aStep.since, aStep.until, eActivity::eWaiting});
     default:
-      return enter({eRunning, isAutomation ? int{eAutoSequence} : cSingleRunStates[line.runType],
-                    aStep.since, aStep.until});
+      return mPhases.enter({eRunning,
+                            isAutomation ? int{eAutoSequence} : cSingleRunStates[line.runType],
+                            aStep.since, aStep.until});
   }
 }
 
-void Behaviour::endRuns() {
+void Runs::end() {
   if (mCourse && mCourse->isAutomation) {
-    store(0.0, eParam::eSeqLine);
-    store(0.0, eParam::eLineReplicate);
-    store(0.0, eParam::eSeqReplicate);
+    mStored.set(0.0, eParam::eSeqLine);
+    mStored.set(0.0, eParam::eLineReplicate);
+    mStored.set(0.0, eParam::eSeqReplicate);
   } else if (mCourse) {
-    store(mCourse->firstReplicate, eParam::eStartReplicate);  // the same again at the next start
+    // The same again at the next start.
+    mStored.set(mCourse->firstReplicate, eParam::eStartReplicate);
   }
   mCourse.reset();
-  enter(idlePhase());
+  mPhases.enter(mPhases.idlePhase());
 }
 
 /// Gives effect to the runs completed since the last time.
-void Behaviour::account(const RunCounts& aCompleted) {
-  double counter = stored(eParam::eAnalysisCounter);
+void Runs::account(const RunCounts& aCompleted) {
+  double counter = mStored.of(eParam::eAnalysisCounter);
   for (std::size_t type = 0; type < aCompleted.size(); ++type) {
     const double runs = aCompleted[type] - mCourse->accounted[type];
     if (runs <= 0.0) {
@@ -188,59 +156,15 @@ void Behaviour::account(const RunCounts& aCompleted) {
     }
     counter += runs;
     // Nobody may have looked while a run of this type was under way.
-    watchConditions(*this, static_cast<int>(type));
+    mPhases.watchAlarms(static_cast<int>(type));
     if (type == eCalibration) {
-      calibrate(runs);
-    } else if (type == eVerification && !isCalibrated()) {
-      signalEvent(*this, eEvent::eVerificationFailed, eVerification);
+      mCalibration.complete(runs);
+    } else if (type == eVerification && !mCalibration.isDone()) {
+      mAlarms.signal(eEvent::eVerificationFailed, eVerification);
     }
   }
-  store(integral(counter), eParam::eAnalysisCounter);
+  mStored.set(integral(counter), eParam::eAnalysisCounter);
   mCourse->accounted = aCompleted;
-}
-
-/// Whether every channel in use has been.
-bool Behaviour::isCalibrated() const {
-  for (std::uint32_t n = 1; n <= cChannels; ++n) {
-    if (stored(eParam::eInstalled, n) != 0.0 && stored(eParam::eColumnHeader, n) == 0.0 &&
-        stored(eParam::eDetCalibrated, n) == 0.0) {
-      return false;
-    }
-  }
-  return true;
-}
-
-/// Each calibration shifts a coefficient away from the first one, not from the last: so a thousand
-/// of them can be passed over, and no coefficient drifts away.
-void Behaviour::calibrate(double aRuns) {
-  mCalibrations += aRuns;
-  for (std::uint32_t n = 1; n <= cChannels; ++n) {
-    if (stored(eParam::eInstalled, n) == 0.0) {
-      continue;
-    }
-    for (std::uint32_t peak = 1; peak <= mPeaks[n - 1]; ++peak) {
-      if (stored(eParam::ePeakLevelAmount, n, peak) == 0.0) {
-        continue;  // no amount, nothing to calibrate with
-      }
-      const std::size_t slot = slotOf(eParam::ePeakLinear, n, peak);
-      const double shift = cLargestShift * noise(mSeed, slot, mCalibrations);
-      mValues[slot] = rounded(mCoefficients[slot - slotOf(eParam::ePeakLinear)] * (1.0 + shift),
-                              cCoefficientSteps);
-    }
-  }
-}
-
-void Behaviour::loadSolution(std::uint32_t aSlot) {
-  mCourse.reset();  // there is one only if an operator has made its run look idle
-  markSolution(aSlot);
-  enter({eNotReady, eAutoIdle, mNow, mNow + cSolutionLoadTime});
-}
-
-/// Only one solution is in use.
-void Behaviour::markSolution(std::uint32_t aSlot) {
-  for (std::uint32_t slot = 0; slot < cSolutionSlots; ++slot) {
-    store(slot == aSlot ? 1.0 : 0.0, eParam::eSlotNr, 1, slot);
-  }
 }
 
 }  // namespace model
