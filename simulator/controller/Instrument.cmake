@@ -2,6 +2,7 @@
 add_library(gc_instrument STATIC
   Instrument.cpp
   Scenario.cpp
+  ScenarioSchema.cpp
   model/Alarms.cpp
   model/Behaviour.cpp
   model/Calibration.cpp

@@ -12,6 +12,8 @@ add_library(gc_server STATIC
   Control.cpp
   ControlConnection.cpp
   ControlSocket.cpp
+  FaultKinds.cpp
+  FaultReaders.cpp
   Faults.cpp
   FrameAssembler.cpp
   Journal.cpp
