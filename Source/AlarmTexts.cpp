@@ -31,7 +31,7 @@ constexpr CodeText cGroups[] = {
 };
 static_assert(isIndexedByCode(cGroups));
 
-// The normalised totals are numbered on from the external-standard ones: 14 is group 11.
+// The normalised totals continue the numbering of the external-standard ones: 14 is group 11.
 constexpr CodeText cSampleResults[] = {
     {0, "0. None"},
     {1, "1. Sum Unnormalized"},
@@ -186,7 +186,7 @@ static_assert(isIndexedByCode(cGCStatus));
 constexpr char cNone[] = "0. None";
 constexpr char cOther[] = "--";
 
-/// Texts of one group's parameters, and the text of every other id.
+/// Texts of one group's parameters, and the text for any other id.
 struct GroupRow {
   int group;
   const CodeText* rows;
@@ -203,7 +203,7 @@ constexpr GroupRow cParameters[] = {
     makeGroup(3, cSampleResults, cOther), makeGroup(4, cVerification, cOther),
     makeGroup(5, cAnalogInputs, cOther),  makeGroup(6, cIsoGost, cOther),
     makeGroup(7, cAstmGpa,
-              nullptr),  // the one list without a text for what it does not have
+              nullptr),  // the only list without a text for unknown ids
     makeGroup(8, cGCStatus, cOther),      makeGroup(9, cDigitalInputs, cOther),
     {10, nullptr, 0, "0. Any Alarm"},     {11, nullptr, 0, "0. Verification failure"},
     {12, nullptr, 0, "0. Start failure"},

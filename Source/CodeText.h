@@ -1,15 +1,15 @@
-// Tables of texts that stand for the instrument's codes.
+// Tables of texts for the instrument's codes.
 #pragma once
 
 #include <cstddef>
 
-/// One row of a table whose codes run without a gap.
+/// One row of a table whose codes have no gaps.
 struct CodeText {
   int code;
   const char* text;
 };
 
-/// Whether the codes run from `first` on; asserted of every table, since look-ups index it.
+/// Whether the codes count up from `first`; asserted for every table, since look-ups index it.
 template <std::size_t size>
 constexpr bool isIndexedByCode(const CodeText (&rows)[size], int first = 0) {
   for (std::size_t i = 0; i < size; ++i) {
@@ -20,11 +20,11 @@ constexpr bool isIndexedByCode(const CodeText (&rows)[size], int first = 0) {
   return true;
 }
 
-/// The text of any code; `fallback` for one that the table does not have.
+/// The text of a code; `fallback` for a code that the table does not have.
 template <std::size_t size>
 constexpr const char* textOfCode(const CodeText (&rows)[size], int code, const char* fallback,
                                  int first = 0) {
-  // Unsigned, so that a code below the first comes out above every size.
+  // Unsigned, so that a code below the first wraps to more than any size.
   const unsigned int index = static_cast<unsigned int>(code) - static_cast<unsigned int>(first);
   return index < size ? rows[index].text : fallback;
 }

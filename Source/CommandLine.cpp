@@ -10,15 +10,15 @@
 
 namespace {
 
-/// What an option's argument is.
+/// What kind of argument an option takes.
 enum class eTakes { eNothing, eAddress, eNumber, eAbortWord, eRunWord, eFile, eHelp };
 
 struct OptionRow {
   int letter;
   eTakes takes;
-  eSections section;         ///< operation it chooses; NR_OF_SECTIONS where it leaves the choice
-  int highest;               ///< of a number; the lowest is 0
-  const char* rangeMessage;  ///< for a number outside of that
+  eSections section;         ///< the operation it selects; NR_OF_SECTIONS if it selects none
+  int highest;               ///< largest number allowed; the smallest is 0
+  const char* rangeMessage;  ///< printed for a number out of range
 };
 
 constexpr char cOptionLetters[] = "s:htgaqcv:A:V:R:M:Q:C:P";
@@ -66,7 +66,7 @@ const OptionRow* findOption(int letter) {
   return nullptr;
 }
 
-/// Octets that cannot be read stay 0; the check of the first one refuses an address that is none.
+/// Octets that cannot be read stay 0; the check of the first octet rejects an invalid address.
 void readAddress(const char* text, InstrumentAddress& uAddr) {
   unsigned int octet[4] = {0, 0, 0, 0};
   std::sscanf(text, "%u.%u.%u.%u", &octet[0], &octet[1], &octet[2], &octet[3]);
@@ -75,7 +75,7 @@ void readAddress(const char* text, InstrumentAddress& uAddr) {
   }
 }
 
-/// Whatever follows the number is ignored: "5x" is 5.
+/// Ignores whatever follows the number: "5x" is 5.
 bool readNumber(const char* text, const OptionRow& row, int& set_num) {
   char* end = nullptr;
   const long number = std::strtol(text, &end, 10);
@@ -111,7 +111,7 @@ bool readFileName(const char* name, Request& aRequest) {
   return true;
 }
 
-/// Reads the option's argument into the request; false when it is refused.
+/// Reads the option's argument into the request; false when it is rejected.
 bool readArgument(const OptionRow& row, const char* argument, Request& aRequest) {
   switch (row.takes) {
     case eTakes::eAddress:
@@ -120,7 +120,7 @@ bool readArgument(const OptionRow& row, const char* argument, Request& aRequest)
     case eTakes::eNumber:
       return readNumber(argument, row, aRequest.set_num);
     case eTakes::eAbortWord:
-      // Every word but "now" does what "auto" does.
+      // Any word but "now" means "auto".
       aRequest.set_num = std::strcmp(argument, "now") == 0 ? 0 : 1;
       return true;
     case eTakes::eRunWord:

@@ -15,7 +15,7 @@
 namespace {
 
 /// The records of a whole map, in the map's own iteration order. Here and below done() ends the
-/// walk: of a closed map begin() is not end().
+/// loop: begin() of a closed map differs from its end().
 std::unique_ptr<ParamList[]> makeRecords(const ParameterMap& aMap) {
   std::unique_ptr<ParamList[]> pList(new ParamList[aMap.current_size()]);
   ParamList* record = pList.get();
@@ -34,7 +34,7 @@ bool isAscii(const char* text, std::size_t length) {
   return true;
 }
 
-/// Copies the text, with U+FFFD for each byte that belongs to no UTF-8 sequence.
+/// Copies the text, replacing each byte that is not part of a UTF-8 sequence by U+FFFD.
 void repairUtf8(const char* text, std::size_t length, rapidjson::StringBuffer& repaired) {
   std::size_t position = 0;
   while (position < length) {
@@ -55,7 +55,7 @@ void repairUtf8(const char* text, std::size_t length, rapidjson::StringBuffer& r
 unsigned int readParams(const ParameterMap& aMap, unsigned long aHandle) {
   const std::unique_ptr<ParamList[]> pList = makeRecords(aMap);
   const unsigned long ulResult = ReadParamList(aHandle, pList.get(), aMap.current_size());
-  // Also after a failure: a read that ended early has left the values that did arrive.
+  // Also after a failure: a read that ended early has still delivered some values.
   const ParamList* record = pList.get();
   for (ParameterMapConstIter it(aMap); !it.done(); it.advance()) {
     (*it).item()->update(*record++);
@@ -72,7 +72,7 @@ void clearParamMap(const ParameterMap& aMap, bool bclose) {
   for (ParameterMapConstIter it(aMap); !it.done(); it.advance()) {
     delete (*it).item();
   }
-  // Whoever holds a map may clear it; the reference is const only to say that no value changes.
+  // Anyone with a map may clear it; the reference is const only to say that no value changes.
   auto& map = const_cast<ParameterMap&>(aMap);
   map.unbind_all();
   if (bclose) {
@@ -135,9 +135,9 @@ int parseJsonFile(const char* file, Document& aDocument) {
   }
   char buffer[65536];
   rapidjson::FileReadStream stream(input, buffer, sizeof buffer);
-  // Iterative: the depth of the nesting is the file's choice, the size of the stack is not.
+  // Iterative: the file decides how deep the nesting is, and the stack is limited.
   aDocument.ParseStream<rapidjson::kParseIterativeFlag>(stream);
-  // The parser takes a zero octet for the end of the file; only there the stream stands still.
+  // The parser takes a zero octet for the end of the file; the stream stops only at the true end.
   const std::size_t end = stream.Tell();
   stream.Take();
   if (stream.Tell() != end) {

@@ -1,4 +1,4 @@
-// Texts from remote objects, and the factory singleton's one instantiation in the tool.
+// Texts from remote objects, and the tool's only instantiation of the factory singleton.
 #include "FetchObject.h"
 
 #include <RemoteObjects.h>

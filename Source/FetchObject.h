@@ -1,4 +1,4 @@
-// Fetching a remote object of a wanted class.
+// Fetching a remote object of a given class.
 #pragma once
 
 #include <InstrumentClient.h>
@@ -14,15 +14,15 @@ enum eRemoteObjects : unsigned long {
 };
 
 /// Fetches remote object `number`. Returns null when it does not arrive or is of another class; the
-/// library's status adds nothing to that and is not looked at. The object is the library's.
+/// library's status adds nothing to that and is ignored. The library owns the object.
 template <class Wanted>
 const Wanted* fetchObject(unsigned long handle, unsigned long number) {
-  // The library can only create objects of which the factory holds a prototype.
+  // The library can only create objects whose prototype the factory holds.
   ACE_Singleton<CloneFactory, ACE_Thread_Mutex>::instance()->registerObject(Wanted());
   RemoteObject* lObject = nullptr;
   ReadObject(handle, number, lObject);
   return dynamic_cast<const Wanted*>(lObject);
 }
 
-/// Sets the string to the text of remote object `number`, or leaves it when it cannot be had.
+/// Sets the string to the text of remote object `number`; leaves it unchanged if there is none.
 void fetchText(unsigned long handle, unsigned long number, ACE_CString& aTagName);

@@ -23,7 +23,7 @@
 
 namespace {
 
-// The two failures to which the tool gives a code of its own.
+// The two failures that have a code of the tool's own.
 constexpr unsigned int cLibraryFailed = 1;
 constexpr unsigned int cConnectionFailed = 10053;
 
@@ -58,7 +58,7 @@ constexpr OperationRow cOperations[] = {
     {eAlarmReset, create<SecAlarm>, eExtra::eNone},
 };
 
-/// A code without a row reads the status, as no option does.
+/// A code without a row reads the status, as when no option is given.
 const OperationRow& findOperation(eSections code) {
   for (const OperationRow& row : cOperations) {
     if (row.code == code) {
@@ -68,13 +68,13 @@ const OperationRow& findOperation(eSections code) {
   return cOperations[0];
 }
 
-/// Reports only look, and connect in mode 1; commands connect in mode 0.
+/// Reports only read, and connect in mode 1; commands connect in mode 0.
 unsigned long connectionMode(eSections code) {
   return code < eStreamWrite ? 1 : 0;
 }
 
-/// Starts the library and opens the connection; when that fails, says so on both outputs. A library
-/// that started is left as it is then: it is stopped only after a connection.
+/// Starts the library and opens the connection; a failure is reported on both outputs. A library
+/// that was started is not stopped then: it is stopped only after a connection.
 bool openConnection(const Request& aRequest, unsigned long& handle) {
   initializeACE();
   if (startupGC(1, static_cast<long>(aRequest.uAddr.lAddr), 0, 0, 1, "") != 0) {
@@ -90,7 +90,7 @@ bool openConnection(const Request& aRequest, unsigned long& handle) {
   return true;
 }
 
-/// Drives the section through its calls. Returns what the final one returned.
+/// Calls the section's functions in turn. Returns the result of the last one.
 int drive(SectionBase& lSection, const OperationRow& row, Request& aRequest, ParameterMap& lMap,
           unsigned long handle) {
   lSection.init(&lMap, handle);
@@ -101,8 +101,8 @@ int drive(SectionBase& lSection, const OperationRow& row, Request& aRequest, Par
       lSection.setArgument(aRequest.set_num);
       break;
     case eExtra::eFile:
-      // The result is not looked at: writeGC refuses a document that could not be read, and prints
-      // the verdict that the page waits for.
+      // The result is ignored: writeGC rejects a document that could not be read, and prints the
+      // verdict that the page waits for.
       lSection.parseFile(aRequest.filename.data());
       break;
   }
@@ -124,4 +124,4 @@ void performRequest(Request& aRequest, ParameterMap& lMap) {
   }
   BreakConnection(handle);
   shutdownGC();
-}  // the section goes after the library has stopped
+}  // the section is destroyed after the library has stopped

@@ -1,4 +1,4 @@
-// The front end: options to a request, a request to one section on one connection.
+// The front end: from options to a request, from a request to one section on one connection.
 #pragma once
 
 #include <array>
@@ -25,8 +25,8 @@ enum eSections {
   NR_OF_SECTIONS = 14
 };
 
-/// IPv4 address of the instrument, first octet in the lowest byte: on the little-endian processors
-/// of the controllers, and by g++'s and clang's rule for a union that is read by its other member.
+/// IPv4 address of the instrument, first octet in the lowest byte: true on the controllers'
+/// little-endian processors, and with g++'s and clang's rule for reading another member of a union.
 union InstrumentAddress {
   std::array<unsigned char, 4> bAddr;
   std::uint32_t lAddr;
@@ -35,22 +35,22 @@ union InstrumentAddress {
 /// What the command line asks for.
 struct Request {
   eSections selected_sections = eStatusRead;
-  /// Stream (-V, -v), slot (-M) or abort mode (-A): whichever option came last.
+  /// Stream (-V, -v), slot (-M) or abort mode (-A): the last of these options wins.
   int set_num = 0;
-  /// File of a download; a longer name is cut to 256 characters.
+  /// File of a download; a longer name is truncated to 256 characters.
   std::array<char, 256 + 1> filename{};
   InstrumentAddress uAddr = {{127, 0, 0, 1}};
 };
 
 /// Reads the command line into `aRequest`. Returns true when there is a request to perform;
-/// otherwise messages have been written to standard error and `result` is the exit status: -1 for
-/// an error, 0 after the usage text.
+/// otherwise it has written messages to standard error, and `result` is the exit status: -1 for an
+/// error, 0 after the usage text.
 bool parseCommandLine(int argc, char* argv[], Request& aRequest, int& result);
 
 /// Writes the usage text to standard error. `app` is the name under which the tool was invoked.
 void print_usage(char* app);
 
-/// Connects to the instrument, performs the request with `lMap` as the section's map, disconnects.
-/// The outcome is what was printed: the document or result object on standard output, "Execute
-/// failed" on standard error.
+/// Connects to the instrument, performs the request with `lMap` as the section's map, and
+/// disconnects. The outcome is what was printed: the document or result object on standard output,
+/// "Execute failed" on standard error.
 void performRequest(Request& aRequest, ParameterMap& lMap);

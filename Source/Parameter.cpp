@@ -1,4 +1,4 @@
-// One instrument parameter, to and from the record that crosses the connection.
+// One instrument parameter, converted to and from the record sent over the connection.
 #include "Parameter.h"
 
 #include <InstrumentClient.h>

@@ -1,4 +1,4 @@
-// Parameter tables, expanded into the map.
+// Expands parameter tables into the map.
 #include "ParameterTable.h"
 
 #include <algorithm>

@@ -9,19 +9,19 @@
 /// The analytical channels are numbered 1 to 4.
 constexpr int cChannels = 4;
 
-/// How many parameters a row of a table stands for.
+/// How many parameters a table row stands for.
 enum class eSpan {
   eSingle,     ///< one parameter
-  eByChannel,  ///< one on each channel n, with one id; n is appended to the name
-  eById,       ///< one id after the other on the row's channel; n is appended to the name
+  eByChannel,  ///< one on each channel n, all with the same id; n is appended to the name
+  eById,       ///< consecutive ids on the row's channel; n is appended to the name
 };
 
 struct ParameterRow {
   unsigned long id = 0;        ///< of the first parameter of the row
-  const char* name = nullptr;  ///< name in the map; without the digit where the row is a family
+  const char* name = nullptr;  ///< name in the map; without the digit if the row is a family
   unsigned long channel = 0;   ///< of the first parameter of the row
   eSpan span = eSpan::eSingle;
-  long value = 0;  ///< integer value that it starts with
+  long value = 0;  ///< initial integer value
 };
 
 /// How many parameters a table registers.
@@ -34,7 +34,7 @@ constexpr std::size_t countParameters(const ParameterRow (&rows)[size]) {
   return count;
 }
 
-/// Name of a channel's parameter: the family's name with the channel's digit appended.
+/// Name of a channel's parameter: the family's name followed by the channel's digit.
 class ChannelName {
  public:
   /// `aFamily`: at most 30 characters. `aChannel`: 1 to 4.
@@ -46,11 +46,11 @@ class ChannelName {
   char mText[32] = {};
 };
 
-/// Binds a parameter, which the map then owns. A name that is bound already keeps its parameter.
+/// Binds a parameter, which the map then owns. A name that is already bound keeps its parameter.
 void bindParameter(ParameterMap& aMap, const char* name, std::unique_ptr<Parameter> parameter);
 
-/// Registers a table in its order, each family channel by channel, with real value and method 0.
-/// `step`: the line that the rows belong to, from 1; 0 where they belong to no line.
+/// Registers a table in order, each family channel by channel, with real value and method 0.
+/// `step`: the line that the rows belong to, from 1; 0 if they belong to no line.
 void registerParameters(ParameterMap& aMap, const ParameterRow* rows, std::size_t count,
                         unsigned long step);
 
@@ -60,7 +60,7 @@ void registerParameters(ParameterMap& aMap, const ParameterRow (&rows)[size],
   registerParameters(aMap, rows, size, step);
 }
 
-/// A map for the batches of one call, which clears itself on every way out.
+/// A map for the batches of one call, which is cleared on every return path.
 class LocalMap {
  public:
   explicit LocalMap(std::size_t aBuckets) : mMap(aBuckets) {}

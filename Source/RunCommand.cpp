@@ -1,4 +1,4 @@
-// What the command operations share: writing their parameters, and saying so.
+// What the command operations share: writing and reporting their parameters.
 #include "RunCommand.h"
 
 #include <cstdio>

@@ -1,4 +1,4 @@
-// Run types, as status and sequence table name them.
+// Run types, as named in the status and the sequence table.
 #include "RunType.h"
 
 #include <cstring>

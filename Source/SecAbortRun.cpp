@@ -1,4 +1,4 @@
-// The abort of a run or sequence: one or two commands, one verdict.
+// Aborts a run or sequence: one or two commands, one verdict.
 #include "SecAbortRun.h"
 
 #include <InstrumentClient.h>

@@ -1,4 +1,4 @@
-// The abort of a run or sequence.
+// Aborts a run or sequence.
 #pragma once
 
 #include "Section.h"
@@ -7,7 +7,7 @@ class SecAbortRun : public SectionBase {
  public:
   void init(ParameterMap* aMap, unsigned long handle) override;
 
-  /// 0: abort the run at once, then stop the automation; any other: only stop the automation.
+  /// 0: abort the run at once, then stop the automation; otherwise only stop the automation.
   void setArgument(int arg) override;
 
   /// Sends the commands, prints the verdict and returns its status.

@@ -1,4 +1,4 @@
-// The alarms: a batch for each row, and the reset command.
+// The alarms: one batch per row, and the reset command.
 #include "SecAlarm.h"
 
 #include <InstrumentClient.h>
@@ -19,7 +19,7 @@ constexpr std::uint32_t cComponentNameId = 2021;
 
 constexpr unsigned long cResetAlarms = 35;
 
-// The instrument's parameter table: header, and rows, which are addressed by their step.
+// The instrument's parameter table: header, and rows, which are addressed by step.
 constexpr ParameterRow cHeader[] = {
     {2028, "mEnabled"},
     {2029, "mTotal"},
@@ -29,7 +29,7 @@ constexpr ParameterRow cRow[] = {
     {2032, "mParamID"}, {2212, "mTriggered"},
 };
 
-/// One more than the instrument's code; the highest int, which has no text either, stays.
+/// One more than the instrument's code; INT_MAX, which has no text either, stays as it is.
 int sampleTypeOfCode(int code) {
   return code < std::numeric_limits<int>::max() ? code + 1 : code;
 }
@@ -46,7 +46,7 @@ int SecAlarm::readGC() {
   ParameterMap& aMap = *local;
   registerParameters(aMap, cHeader);
   unsigned int ulResult = readParams(aMap, mHandle);
-  // Without either of the two there is nothing to go by: 28 is a failure here, not below.
+  // Nothing can be reported without both of these: 28 is a failure here, though not below.
   if (ulResult != 0) {
     return static_cast<int>(ulResult);
   }
@@ -80,7 +80,7 @@ int SecAlarm::writeGC() {
 Value SecAlarm::makeRow(const ParameterMap& aMap, AllocatorType& al) const {
   const int grp = getIntValue(aMap, "mGroupID", 0);
   const int prm = getIntValue(aMap, "mParamID", 0);
-  // One string for all texts: a parameter without a text of its own repeats its group's.
+  // One string for all texts: a parameter without a text of its own repeats its group's text.
   ACE_CString str;
   if (isSet(aMap, "mAlarmOnAll")) {
     str = "All";
@@ -122,7 +122,7 @@ void SecAlarm::getParamString(ACE_CString& str, int grp, int id) const {
 void SecAlarm::getCompNameByNormIdx(ACE_CString& name, int norm_idx) const {
   ParamList pList[cNameLength] = {};
   for (std::size_t i = 0; i < cNameLength; ++i) {
-    // The position of the character stands where a channel does elsewhere.
+    // The character's position takes the place of the channel.
     pList[i].Channel = static_cast<std::uint32_t>(i + 1);
     pList[i].ParmID = cComponentNameId;
     pList[i].Step = static_cast<std::uint32_t>(norm_idx);

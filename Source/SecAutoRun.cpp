@@ -1,4 +1,4 @@
-// The start of the automation sequence: one command, one verdict.
+// Starts the automation sequence: one command, one verdict.
 #include "SecAutoRun.h"
 
 #include <InstrumentClient.h>

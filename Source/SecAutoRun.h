@@ -1,4 +1,4 @@
-// The start of the automation sequence.
+// Starts the automation sequence.
 #pragma once
 
 #include "Section.h"

@@ -1,4 +1,4 @@
-// The start of a calibration run.
+// Starts a calibration run.
 #include "SecCalibRun.h"
 
 #include "ParameterTable.h"

@@ -1,4 +1,4 @@
-// The start of a calibration run.
+// Starts a calibration run.
 #pragma once
 
 #include "Parameter.h"

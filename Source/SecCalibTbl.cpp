@@ -1,4 +1,4 @@
-// The calibration table: a batch for each peak, both ways.
+// The calibration table: one batch per peak, in both directions.
 #include "SecCalibTbl.h"
 
 #include <InstrumentClient.h>
@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr unsigned long cMaxPeaks = 100;  // of a channel
+constexpr unsigned long cMaxPeaks = 100;  // per channel
 constexpr int cMaxRows = 400;
 constexpr std::size_t cReportBuckets = 25;
 constexpr std::size_t cDownloadBuckets = 10;
@@ -20,7 +20,7 @@ constexpr std::size_t cDownloadBuckets = 10;
 constexpr unsigned long cClearCalibration = 26;
 
 // The instrument's parameter table. A name is twenty parameters of one character each; channel and
-// step say which peak it is.
+// step identify the peak.
 constexpr unsigned long cFirstNameId = 1176;
 constexpr const char* cNameKeys[] = {"mNameC0",  "mNameC1",  "mNameC2",  "mNameC3",  "mNameC4",
                                      "mNameC5",  "mNameC6",  "mNameC7",  "mNameC8",  "mNameC9",
@@ -108,7 +108,7 @@ int SecCalibTbl::writeGC() {
     printErroMsg(2, "Format invalid");
     return -1;
   }
-  // Kept odd: the result is not looked at. What could not be cleared is overwritten peak by peak.
+  // Kept odd: the result is ignored. What could not be cleared is overwritten peak by peak.
   ExecuteCommand(mHandle, 0, cClearCalibration);
 
   const int count = std::min(getIntJsonMember(dom4write, "total", 0), cMaxRows);
@@ -122,7 +122,7 @@ int SecCalibTbl::writeGC() {
       const Value* chn = findJsonMember(row, "Channel");
       const Value* pkid = findJsonMember(row, "ID");
       const Value* amt = findJsonMember(row, "Level_amt");
-      // A malformed row is passed over without a word, and still uses up its place.
+      // A malformed row is skipped silently, and still uses up its place.
       if (chn == nullptr || !chn->IsInt() || pkid == nullptr || !pkid->IsInt() || amt == nullptr ||
           !amt->IsNumber()) {
         continue;

@@ -13,8 +13,8 @@ namespace {
 
 constexpr std::size_t cGasSize = 20;
 
-// The instrument's parameter table, in the order of registration. The installed flags belong to the
-// instrument, one id each; everything else about a channel is the channel's own.
+// The instrument's parameter table, in registration order. The installed flags belong to the
+// instrument, one id each; everything else about a channel belongs to that channel.
 constexpr ParameterRow cConfigParameters[] = {
     {601, "mInstSerial"},
     {525, "mStreamConfigured"},
@@ -55,8 +55,8 @@ int SecConfig::readGC() {
   Document document;
   document.SetObject();
   AllocatorType& al = document.GetAllocator();
-  // Kept odd: one string for both texts, so that an instrument without site information repeats its
-  // name there.
+  // Kept odd: one string for both texts, so that an instrument without site information shows its
+  // name twice.
   ACE_CString str;
   getBOOTPName(str);
   addText(document, "Inst_name", str.c_str(), al);
@@ -114,7 +114,7 @@ void SecConfig::AddChannelConfig(const ParameterMap& aMap, int channel, Value& p
   contactor.AddMember("Disabled", valueOf("mColumnHeader") != 0, al);
   contactor.AddMember("Serial", valueOf("mAM_SerialNumber"), al);
   contactor.AddMember("PN", valueOf("mAM_PN"), al);
-  // Fetched anew for every channel: six object reads a report, in this order.
+  // Fetched again for every channel: six object reads per report, in this order.
   ACE_CString description;
   getColumnDescriptions(description, channel);
   addText(contactor, "Description", description.c_str(), al);

@@ -1,4 +1,4 @@
-// The configuration report: what the instrument is and what it is made of.
+// The configuration report: what the instrument is and how it is equipped.
 #pragma once
 
 #include "Common.h"
@@ -14,17 +14,17 @@ class SecConfig : public SectionBase {
   int readGC() override;
 
  private:
-  friend class SecConfigAccess;  // calls the functions below one by one, in tests
+  friend class SecConfigAccess;  // lets tests call the functions below
 
-  // Texts that the instrument keeps as remote objects. Each leaves the string as it was when its
-  // object does not arrive.
+  // Texts that the instrument stores as remote objects. Each function leaves the string unchanged
+  // when its object does not arrive.
   void getSiteInfoTag(ACE_CString& aTagName) const;
   void getInstrumentName(ACE_CString& aTagName) const;
   void getBOOTPName(ACE_CString& aTagName) const;
   /// Description of the column of channel 1 to 4; "Unknown" for any other channel.
   void getColumnDescriptions(ACE_CString& aTagName, int channel) const;
 
-  /// Name of a carrier gas code into a buffer of 20 characters; takes every code.
+  /// Copies the name of a carrier gas code into a buffer of 20 characters; accepts any code.
   static void convertGasType(int aGasType, char* aDescription);
 
   /// Adds the object of channel 1 to 4.

@@ -1,4 +1,4 @@
-// The automation sequence table: a batch for the header and one for each line, both ways.
+// The automation sequence table: one batch for the header and one per line, in both directions.
 #include "SecSequenceTbl.h"
 
 #include <InstrumentClient.h>
@@ -19,7 +19,7 @@ constexpr std::size_t cRunTypeSize = 30;
 constexpr unsigned long cInsertLine = 19;
 constexpr unsigned long cClearTable = 22;
 
-// The instrument's parameter table: header, and lines, which are addressed by their step.
+// The instrument's parameter table: header, and lines, which are addressed by step.
 constexpr unsigned long cTableRepeatId = 15;
 constexpr unsigned long cContinuousId = 12;
 constexpr unsigned long cStreamConfiguredId = 525;
@@ -30,7 +30,7 @@ constexpr unsigned long cCalibId = 25;
 constexpr unsigned long cStreamId = 22;
 constexpr unsigned long cSolutionId = 1010;
 constexpr unsigned long cFlushTimeId = 26;
-// Solutions belong to channel 1 on the instrument, everything else about a line to channel 0.
+// The instrument keeps solutions on channel 1, everything else about a line on channel 0.
 constexpr unsigned long cSolutionChannel = 1;
 
 constexpr ParameterRow cHeader[] = {
@@ -66,7 +66,7 @@ int SecSequenceTbl::readGC() {
   AllocatorType& al = document.GetAllocator();
   document.AddMember("Table_repeat", getIntValue(aMap, "mTableRepeat", 0), al);
   document.AddMember("Continuous", isSet(aMap, "mContinuous"), al);
-  // Without a stream selection there is one line, whatever the instrument counts.
+  // Without a stream selection there is one line, whatever count the instrument reports.
   const bool bStream = getIntValue(aMap, "mStreamConfigured", 0) > 0;
   const int lines = bStream ? getIntValue(aMap, "mTotalLines", 0) : 1;
   document.AddMember("total", lines, al);
@@ -102,7 +102,7 @@ int SecSequenceTbl::parseFile(char* file) {
 int SecSequenceTbl::writeGC() {
   if (findJsonMember(dom4write, "Table_repeat") == nullptr ||
       findJsonMember(dom4write, "total") == nullptr) {
-    // Kept odd: code 0 although nothing was done. What tells is the status returned.
+    // Kept odd: code 0 although nothing was done. Only the returned status shows the failure.
     printErroMsg(0, "Format Invalid");
     return -1;
   }
@@ -134,7 +134,7 @@ int SecSequenceTbl::writeGC() {
       if (++n > count) {
         break;
       }
-      // A cleared table has its first line already.
+      // A cleared table already has its first line.
       if (n > 1) {
         ulResult = ExecuteCommand(mHandle, 0, cInsertLine);
         if (ulResult != 0) {
@@ -157,7 +157,7 @@ unsigned int SecSequenceTbl::writeLine(ParameterMap& aMap, const Value& row,
   const ParameterRow line[] = {
       {cRunTypeId, "mRunType", 0, eSpan::eSingle, runType},
       {cRepeatId, "mRepeat", 0, eSpan::eSingle, getIntJsonMember(row, "Repeat", 0)},
-      {cCalibId, "mCalib", 0, eSpan::eSingle, 1},  // on every line: the file has no key for it
+      {cCalibId, "mCalib", 0, eSpan::eSingle, 1},  // always: the file has no key for it
       {cStreamId, "mStream", 0, eSpan::eSingle, getIntJsonMember(row, "Stream", 0)},
       {cSolutionId, "mSolution", cSolutionChannel, eSpan::eSingle,
        getIntJsonMember(row, "Slot", 0)},

@@ -1,4 +1,4 @@
-// The start of a single run: one batch, one command, one verdict.
+// Starts a single run: one batch, one command, one verdict.
 #include "SecSingleRun.h"
 
 #include <InstrumentClient.h>

@@ -1,4 +1,4 @@
-// The start of a single run.
+// Starts a single run.
 #pragma once
 
 #include "Section.h"

@@ -1,4 +1,4 @@
-// The load of a stored solution: one write, one verdict.
+// Loads a stored solution: one write, one verdict.
 #include "SecSolutionLoad.h"
 
 #include "Common.h"
@@ -27,6 +27,6 @@ void SecSolutionLoad::setArgument(int arg) {
 
 int SecSolutionLoad::writeGC() {
   const unsigned int ulResult = writeAndReport(*mMap, mHandle);
-  // Kept odd: the words are the wrong way round. What counts is the code.
+  // Kept odd: the texts are swapped. The code is correct.
   return printResult(ulResult, ulResult != 0 ? "Accepted" : "Refused");
 }

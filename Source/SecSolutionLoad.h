@@ -1,4 +1,4 @@
-// The load of a stored solution.
+// Loads a stored solution.
 #pragma once
 
 #include "Section.h"
@@ -11,8 +11,8 @@ class SecSolutionLoad : public SectionBase {
   /// Sets the slot, 0 to 10.
   void setArgument(int arg) override;
 
-  /// Writes the slot, which loads its solution. Prints the verdict, its words inverted, and returns
-  /// the status.
+  /// Writes the slot, which loads its solution. Prints the verdict, with its texts swapped, and
+  /// returns the status.
   int writeGC() override;
 
  private:

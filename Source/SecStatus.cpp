@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::size_t cTextSize = 128;
 
-// The instrument's parameter table, in the order of registration.
+// The instrument's parameter table, in registration order.
 constexpr ParameterRow cStatusParameters[] = {
     // Fitted parts. The four installed flags belong to the instrument, not to the channels.
     {502, "mInstalled", 0, eSpan::eById},
@@ -62,7 +62,7 @@ constexpr ParameterRow cStatusParameters[] = {
 static_assert(countParameters(cStatusParameters) == 71, "48 channel and 23 instrument parameters");
 
 // Instrument state codes (parameter 102). Running carries a live count when there is one, cleaning
-// always.
+// always does.
 constexpr CodeText cStates[] = {
     {0, "Initializing"}, {1, "Flushing"},     {2, "Running"},           {3, "Stabilizing"},
     {4, "Ready"},        {5, "Error"},        {6, "Recoverable Error"}, {7, "Unrecoverable Error"},
@@ -88,8 +88,8 @@ constexpr int cAutoStateFlushing = 6;
 
 constexpr char cUnknown[] = "Unknown";
 
-/// Truncates toward zero. What an int cannot hold becomes the nearest that it can: the instrument
-/// may send any double, and a conversion out of range is undefined. Not for NaN.
+/// Truncates toward zero. A value out of range becomes the nearest int: the instrument may send any
+/// double, and converting one out of range is undefined behaviour. Not for NaN.
 int truncateToInt(double value) {
   constexpr double cLowest = std::numeric_limits<int>::min();
   constexpr double cHighest = std::numeric_limits<int>::max();
@@ -259,8 +259,8 @@ void SecStatus::printGC_State(int aValue, char* mGC_State, const ParameterMap& a
 void SecStatus::printAutoState(int aValue, char* mAutoState, const ParameterMap& aMap) {
   const double delay = getRealValue(aMap, "mGC_WaitingBetweenRuns", 0.0);
   const double flushing = getRealValue(aMap, "mGC_FlushingStream", 0.0);
-  // Both counts come in minutes. Kept odd: the delay is shown to the second, the flushing time in
-  // whole minutes, expressed in seconds.
+  // Both counts are in minutes. Kept odd: the delay is shown to the second, the flushing time in
+  // whole minutes, converted to seconds.
   if (aValue == cAutoStateSequence && delay > 0.0) {
     std::snprintf(mAutoState, cTextSize, "Run Delay %ds", truncateToInt(delay * 60.0));
   } else if (aValue == cAutoStateFlushing && flushing > 0.0) {

@@ -1,4 +1,4 @@
-// The switch of the stream selection valve: one write.
+// Switches the stream selection valve: one write.
 #include "SecStream.h"
 
 #include "Common.h"
@@ -25,6 +25,6 @@ void SecStream::setArgument(int arg) {
 }
 
 int SecStream::writeGC() {
-  // Kept odd: no verdict. Whoever switches streams watches the status.
+  // Kept odd: no verdict. The status shows the stream.
   return static_cast<int>(writeAndReport(*mMap, mHandle));
 }

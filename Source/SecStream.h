@@ -1,4 +1,4 @@
-// The switch of the stream selection valve.
+// Switches the stream selection valve.
 #pragma once
 
 #include "Section.h"

@@ -1,4 +1,4 @@
-// The defaults that an operation gets when it overrides nothing.
+// What an operation inherits unless it overrides it.
 #include "Section.h"
 
 #include <algorithm>

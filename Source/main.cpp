@@ -1,4 +1,4 @@
-// The tool: one request, start to end.
+// The tool: one request from start to end.
 #include <PlatformLayer.h>
 
 #include "Common.h"

@@ -6,7 +6,7 @@
 #include <ace/Thread_Mutex.h>  // IWYU pragma: export
 #include <ace/Versioned_Namespace.h>
 
-// Named only: whoever marshals includes ace/CDR_Stream.h.
+// Only declared: code that marshals includes ace/CDR_Stream.h.
 ACE_BEGIN_VERSIONED_NAMESPACE_DECL
 class ACE_InputCDR;
 class ACE_OutputCDR;
@@ -14,7 +14,7 @@ ACE_END_VERSIONED_NAMESPACE_DECL
 
 #pragma GCC visibility push(default)
 
-/// Something that can make a copy of itself without its maker knowing the class.
+/// An object that can be copied without the caller knowing its class.
 class Clone {
  public:
   virtual ~Clone();
@@ -23,16 +23,16 @@ class Clone {
   virtual Clone* clone() const = 0;
 };
 
-/// Something that crosses the connection as a CDR stream.
+/// An object sent over the connection as a CDR stream.
 class Serializable {
  public:
   virtual ~Serializable();
 
-  /// The name under which the class is known on both ends.
+  /// The name of the class on both ends.
   virtual const char* className() const = 0;
-  /// Writes the contents; false when the stream refuses them.
+  /// Writes the contents; false if the stream rejects them.
   virtual bool save(ACE_OutputCDR& aStream) const = 0;
-  /// Replaces the contents; false, and contents unchanged, when the stream does not hold them.
+  /// Replaces the contents; false, with the contents unchanged, if the stream does not hold them.
   virtual bool load(ACE_InputCDR& aStream) = 0;
 };
 
@@ -58,7 +58,7 @@ class SiteInfoTag : public RemoteObject {
   ACE_CString mTagName;
 };
 
-/// What the columns of the four analytical channels are.
+/// Descriptions of the columns of the four analytical channels.
 class ColumnDescriptions : public RemoteObject {
  public:
   ColumnDescriptions();
@@ -78,8 +78,8 @@ class ColumnDescriptions : public RemoteObject {
   ACE_CString mDescriptions[4];
 };
 
-/// Keeps a prototype of each class that the library may have to create. Reached only through its
-/// singleton, which program and libraries share.
+/// Keeps a prototype of each class that the library may have to create. Accessible only through its
+/// singleton, which the program and the libraries share.
 class CloneFactory {
  public:
   CloneFactory();
@@ -87,18 +87,18 @@ class CloneFactory {
   CloneFactory(const CloneFactory&) = delete;
   CloneFactory& operator=(const CloneFactory&) = delete;
 
-  /// Keeps a copy of `aPrototype`, in place of an earlier one of the same class.
+  /// Keeps a copy of `aPrototype`, replacing any earlier one of the same class.
   void registerObject(const Clone& aPrototype);
 
  private:
-  friend class CloneFactoryAccess;  // the library's way to its prototypes
+  friend class CloneFactoryAccess;  // gives the library access to its prototypes
   struct Prototypes;
   Prototypes* mPrototypes;
 };
 
-// Program and libraries each instantiate the singleton. Only while these symbols are visible does
-// the loader let all of them share one: hidden, a prototype registered by the program would never
-// be seen by the library.
+// The program and the libraries each instantiate the singleton. The loader makes them share one
+// only if these symbols are visible: if they were hidden, the library would never see a prototype
+// that the program registers.
 extern template class __attribute__((visibility("default")))
 ACE_Singleton<CloneFactory, ACE_Thread_Mutex>;
 
