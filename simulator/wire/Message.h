@@ -14,6 +14,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "ObjectTexts.h"
+
 namespace wire {
 
 /// The one port that controllers listen on.
@@ -22,7 +24,6 @@ constexpr std::uint16_t cPort = 20047;
 constexpr std::uint32_t cMagic = 0x47435731;  // "GCW1"
 constexpr std::size_t cHeaderSize = 16;
 constexpr std::uint32_t cMaxRecords = 4096;
-constexpr std::uint32_t cMaxText = 4096;  ///< octets of a text, the terminating zero not counted
 constexpr std::uint32_t cMaxBody = 256 * 1024;  ///< more than any message needs
 
 enum class eType : std::uint32_t {

@@ -2,7 +2,6 @@
 // looks.
 #include "ObjectTexts.h"
 
-#include "Message.h"
 #include "NetworkOrder.h"
 
 namespace wire {

@@ -6,11 +6,14 @@
 #include <ace/SString.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace wire {
+
+constexpr std::uint32_t cMaxText = 4096;  ///< octets, the terminating zero not counted
 
 // Names of the classes, as an ObjectReply carries them, and the texts that their contents are.
 constexpr char cSiteInfoTag[] = "SiteInfoTag";
