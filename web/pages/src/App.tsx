@@ -13,6 +13,7 @@ import { StatusPage } from './pages/Status';
 import { TablePage } from './pages/TablePage';
 import { WallPage } from './pages/Wall';
 import { isStale, status } from './store';
+import { titleBegin } from './watch';
 
 interface Page {
   name: string;
@@ -75,10 +76,11 @@ export function App() {
   const page = pages.find((one) => one.name === name);
   const title = name === 'wall' ? 'Wall' : (page?.title ?? 'Unknown page');
   const application = status.value?.Application || 'Gas chromatograph';
+  const begin = titleBegin.value;
 
   useEffect(() => {
-    document.title = `${title} – ${application}`;
-  }, [title, application]);
+    document.title = `${begin}${title} – ${application}`;
+  }, [begin, title, application]);
   // A screen reader goes on reading where the new page begins.
   useEffect(() => {
     if (!isFirst.current) {

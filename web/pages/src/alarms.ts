@@ -88,7 +88,9 @@ export function watchAlarms(): () => void {
       return;
     }
     const isAlarm = status.peek()!.Alarm_overall;
-    forgetAlarms();
+    if (!isFirst) {
+      forgetAlarms();
+    }
     // Nobody asks which alarms are not active, but who has the table in front.
     if (isAlarm || !isFirst) {
       void loadAlarms();

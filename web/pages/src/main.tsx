@@ -4,11 +4,15 @@ import { watchAlarms } from './alarms';
 import { App } from './App';
 import { warnBeforeLeaving } from './editors';
 import { watchSequence } from './sequence';
+import { watchSound } from './sound';
 import { start } from './store';
+import { watchIcon } from './watch';
 import './styles/index.css';
 
 start();
 watchAlarms();
 watchSequence();
+watchIcon();
+watchSound();
 warnBeforeLeaving();
 render(<App />, document.body);

@@ -29,9 +29,9 @@ function isGoingOn({ kind, following }: Notice): boolean {
 }
 
 /** Says something new; what is over, or about the same, is not shown any more. Returns its number. */
-export function say(about: string, said: Said): number {
+export function say(about: string, said: Said, more: Partial<Notice> = {}): number {
   const stay = notices.value.filter((one) => isGoingOn(one) && one.about !== about);
-  notices.value = [...stay, { ...said, id: ++count, about, time: Date.now() }];
+  notices.value = [...stay, { ...said, ...more, id: ++count, about, time: Date.now() }];
   return count;
 }
 

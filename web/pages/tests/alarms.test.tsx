@@ -3,11 +3,13 @@ import { act } from 'preact/test-utils';
 import { afterEach, beforeEach, describe, expect, it, vi } from 'vitest';
 import type { Alarm, Alarms } from '../src/documents';
 import { AlarmsPage } from '../src/pages/Alarms';
-import { statusFault } from '../src/store';
+import { alarms, alarmsFault, loadAlarms } from '../src/alarms';
+import { takeStatus } from '../src/notices';
+import { returns, statusFault } from '../src/store';
 import { load, statusWith } from './documents';
 import { find, press, reasonOf, rowsOf, settle, show, textOf, textsOf } from './dom';
 import type { Gateway } from './gateway';
-import { arrange, clear, said, setHidden, setStatus } from './world';
+import { arrange, clear, said, setAge, setHidden, setStatus } from './world';
 
 let gateway: Gateway;
 const example = load<Alarms>('docs/schemas/examples/alarms.json');
@@ -23,6 +25,8 @@ beforeEach(async () => {
 });
 afterEach(async () => {
   await clear();
+  alarms.value = undefined;
+  alarmsFault.value = undefined;
   vi.useRealTimers();
 });
 
@@ -111,24 +115,19 @@ describe('asking for alarms', () => {
     expect(asked()).toBe(2);
   });
 
-  it('happens when the overall alarm comes or goes, and with no other status', async () => {
+  it('happens when the instrument comes back', async () => {
     await open();
-    await setStatus(statusWith({ Alarm_overall: true }));
+    await act(() => {
+      returns.value++;
+    });
     await settle();
     expect(asked()).toBe(2);
-    await setStatus(statusWith({ Alarm_overall: true, Run_time: 4 }));
-    await settle();
-    expect(asked()).toBe(2);
-    await setStatus(undefined);
-    await settle();
-    expect(asked()).toBe(3);
   });
 
   it('that fails leaves the last ones, and says why', async () => {
     await open();
     gateway.answer('/api/alarms', {}, 503);
-    await setStatus(statusWith({ Alarm_overall: true }));
-    await settle();
+    await act(async () => void (await loadAlarms()));
     expect(textsOf('[role=alert] p')).toEqual(['The instrument is not reachable.']);
     expect(textsOf('h2')).toEqual(['Active (0)', 'Not active (5)']);
     await act(() => {
@@ -137,20 +136,8 @@ describe('asking for alarms', () => {
     expect(textsOf('[role=alert] p')).toEqual([]);
     statusFault.value = undefined;
     gateway.answer('/api/alarms', example);
-    await setStatus(statusWith());
-    await settle();
+    await act(async () => void (await loadAlarms()));
     expect(textsOf('[role=alert] p')).toEqual([]);
-  });
-
-  it('shows the latest request, whichever is answered last', async () => {
-    const first = gateway.hold('/api/alarms');
-    await show(<AlarmsPage />);
-    gateway.answer('/api/alarms', withActive(0));
-    await setStatus(statusWith({ Alarm_overall: true }));
-    await settle();
-    first(example);
-    await settle();
-    expect(textsOf('h2')).toEqual(['Active (1)', 'Not active (4)']);
   });
 
   it('takes no other document for it', async () => {
@@ -161,8 +148,59 @@ describe('asking for alarms', () => {
   });
 });
 
+describe('a sign that knows more than the report', () => {
+  it('is not contradicted', async () => {
+    await setStatus(statusWith({ Alarm_overall: true }));
+    await open();
+    expect(textsOf('h2')).toEqual(['Not active (5)']);
+    expect(textsOf('p[role=status]')).toEqual([
+      'The instrument tells of an alarm, but its table does not name one yet.',
+    ]);
+    expect(reasonOf('Reset all alarms…')).toBe('');
+    await act(async () => {
+      alarms.value = { ...example, total: 40 };
+    });
+    expect(textsOf('p[role=status]')).toEqual([
+      'None of the alarms that can be shown is active: it is a later one.',
+    ]);
+    await act(async () => {
+      alarms.value = { total: 0 };
+    });
+    expect(textOf(find('body'))).not.toContain('No alarm is defined');
+    await setStatus(statusWith());
+    expect(textOf(find('body'))).toContain('No alarm is defined');
+  });
+});
+
 describe('the reset', () => {
-  const outcome = (): string => textOf(find('[data-testid=reset-outcome]'));
+  const outcome = (): string | undefined => said()?.text;
+
+  it('is off only where status and report say that there is nothing to reset', async () => {
+    const answer = gateway.hold('/api/alarms');
+    await show(<AlarmsPage />);
+    expect(reasonOf('Reset all alarms…')).toBe('The alarms are being read.');
+    answer(example);
+    await settle();
+    expect(reasonOf('Reset all alarms…')).toBe('No alarm is active.');
+    await setStatus(statusWith({ Alarm_overall: true }));
+    expect(reasonOf('Reset all alarms…')).toBe('');
+    await setStatus(statusWith());
+    expect(reasonOf('Reset all alarms…')).toBe('No alarm is active.');
+    await setAge(60);
+    expect(reasonOf('Reset all alarms…')).toBe('');
+  });
+
+  it('can be given when the report cannot be had', async () => {
+    gateway.answer('/api/alarms', {}, 502);
+    await show(<AlarmsPage />);
+    await settle();
+    expect(reasonOf('Reset all alarms…')).toBe('');
+    await press('Reset all alarms…');
+    expect(textsOf('dialog p')).toEqual([
+      'Which alarms are active is not known. All are reset.',
+      'An alarm whose cause persists comes back at once.',
+    ]);
+  });
 
   it('asks, and names what will be reset', async () => {
     const odd: Alarm[] = [
@@ -184,57 +222,52 @@ describe('the reset', () => {
     expect(gateway.of('/api/command/alarm-reset')).toEqual([]);
   });
 
-  it('is sent, and the alarms asked for again', async () => {
+  it('is sent, followed, and the alarms asked for again', async () => {
+    await setStatus(statusWith({ Alarm_overall: true }));
     await open(withActive(1));
     await reset(withActive());
     expect(gateway.of('/api/command/alarm-reset')).toEqual([
       { method: 'POST', path: '/api/command/alarm-reset', body: {} },
     ]);
     expect(document.querySelector('dialog')).toBeNull();
-    expect(said()).toEqual({ kind: 'good', text: 'Reset of all alarms: accepted.' });
+    expect(said()).toEqual({ kind: 'waiting', text: 'Reset of all alarms: accepted.' });
     expect(asked()).toBe(2);
-    expect(find('[data-testid=reset-outcome]').getAttribute('role')).toBe('status');
-    expect(outcome()).toBe('All alarms are reset, and none came back.');
-    expect(find('[data-testid=reset-outcome] p').className).toBe('message good');
-    expect(textsOf('h2')).toEqual(['Active (0)', 'Not active (5)']);
+    const moment = Date.now();
+    await act(() => takeStatus(statusWith(), moment));
+    expect(said()).toEqual({ kind: 'good', text: 'Reset of all alarms: no alarm is active.' });
+    // It goes as soon as another one comes.
+    await act(() => takeStatus(statusWith({ Alarm_overall: true }), moment));
+    expect(said()).toBeUndefined();
   });
 
-  it('names the alarms that came back', async () => {
+  it('names the alarms that came back, until they go', async () => {
+    await setStatus(statusWith({ Alarm_overall: true }));
     await open(withActive(1, 3));
     await reset(withActive(1, 3));
-    expect(outcome()).toBe(
-      'Still active after the reset, because the cause persists: GC Status: Cabinet Temperature; NORM Amounts: Methane.',
-    );
-    expect(find('[data-testid=reset-outcome] p').className).toBe('message bad');
-    const answer = gateway.hold('/api/command/alarm-reset');
-    await press('Reset all alarms…');
-    await press('Reset');
-    expect(outcome()).toBe('');
-    answer({ ErrorCode: 0, Msg: 'Accepted' });
-    await settle();
-    expect(outcome()).toMatch(/^Still active/);
+    expect(said()).toEqual({
+      kind: 'bad',
+      text: 'Reset of all alarms: accepted. Still active, because the cause persists: GC Status: Cabinet Temperature; NORM Amounts: Methane.',
+    });
+    await act(() => takeStatus(statusWith({ Alarm_overall: true }), Date.now()));
+    expect(outcome()).toMatch(/Still active/);
+    await act(() => takeStatus(statusWith(), Date.now()));
+    expect(outcome()).toBeUndefined();
   });
 
-  it('of which nobody knows what came back says nothing', async () => {
+  it('of which nobody knows what came back claims nothing', async () => {
     await open(withActive(1));
     await press('Reset all alarms…');
     gateway.lose('/api/alarms');
     await press('Reset');
     await settle();
-    expect(outcome()).toBe('');
+    expect(outcome()).toBe('Reset of all alarms: accepted.');
   });
 
-  it('that left an empty table has reset them all', async () => {
-    await open(withActive(1));
-    await reset({ total: 0 });
-    expect(outcome()).toBe('All alarms are reset, and none came back.');
-  });
-
-  it('that was refused has no outcome, and the alarms are asked for all the same', async () => {
+  it('that was refused says so, and the alarms are asked for all the same', async () => {
     await open(withActive(1));
     gateway.answer('/api/command/alarm-reset', {}, 409);
     await reset(withActive(1));
-    expect(outcome()).toBe('');
+    expect(outcome()).toBe('Reset of all alarms: The gateway did not take the command.');
     expect(asked()).toBe(2);
   });
 });

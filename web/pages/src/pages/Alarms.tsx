@@ -1,24 +1,18 @@
 // The instrument's alarms, and their reset.
-import { useEffect, useRef, useState } from 'preact/hooks';
-import { getReport, type Fault } from '../api';
+import { useEffect, useState } from 'preact/hooks';
+import { activeAlarms, alarms, alarmsFault, loadAlarms, nameOf } from '../alarms';
 import { ActionButton } from '../components/ActionButton';
 import { Confirm } from '../components/Dialog';
-import type { Alarm, Alarms } from '../documents';
-import { command, describeFault, status, statusFault } from '../store';
+import { SoundSwitch } from '../components/SoundSwitch';
+import type { Alarm } from '../documents';
+import { followAlarmReset } from '../follow';
+import { say } from '../notices';
+import { command, describeFault, knownStatus, returns, statusFault } from '../store';
+
+const resetName = 'Reset of all alarms';
 
 /** Milliseconds between two looks at the table while nothing else asks for one. */
 const interval = 15_000;
-
-/** The texts begin with their numbers, which say nothing to a reader. */
-function withoutNumber(text: string): string {
-  return text.replace(/^-?\d+\. /, '');
-}
-
-function nameOf(alarm: Alarm): string {
-  const group = withoutNumber(alarm.GroupStr);
-  const parameter = alarm.ParamStr === '--' ? group : withoutNumber(alarm.ParamStr);
-  return group === parameter ? group : `${group}: ${parameter}`;
-}
 
 function AlarmTable({ id, title, alarms }: { id: string; title: string; alarms: Alarm[] }) {
   return (
@@ -56,97 +50,23 @@ function AlarmTable({ id, title, alarms }: { id: string; title: string; alarms: 
   );
 }
 
-export function AlarmsPage() {
-  const [alarms, setAlarms] = useState<Alarms>();
-  const [fault, setFault] = useState<Fault>();
-  const [isAsking, setIsAsking] = useState(false);
-  const [outcome, setOutcome] = useState<{ kind: 'good' | 'bad'; text: string }>();
+/** Only what status and report both say is certain. */
+function reasonAgainstReset(): string {
+  if (!knownStatus.value || knownStatus.value.Alarm_overall || activeAlarms.value.length > 0) {
+    return '';
+  }
+  if (!alarms.value) {
+    return alarmsFault.value ? '' : 'The alarms are being read.';
+  }
+  return 'No alarm is active.';
+}
 
-  const asked = useRef(0);
-
-  const load = async (): Promise<Alarm[] | undefined> => {
-    const number = ++asked.current;
-    const answer = await getReport<Alarms>('/api/alarms', 'total');
-    // The latest request is shown, whichever is answered last.
-    if (number === asked.current) {
-      setAlarms((shown) => (answer.ok ? answer.value : shown));
-      setFault(answer.ok ? undefined : answer.fault);
-    }
-    return answer.ok ? (answer.value.rows ?? []).filter(({ Triggered }) => Triggered) : undefined;
-  };
-  const reset = async (): Promise<void> => {
-    setIsAsking(false);
-    setOutcome(undefined);
-    const send = { method: 'POST', path: 'alarm-reset', body: {} } as const;
-    const answer = await command('Reset of all alarms', send);
-    const active = await load();
-    if (answer.ok && active) {
-      const names = active.map(nameOf).join('; ');
-      setOutcome(
-        names === ''
-          ? { kind: 'good', text: 'All alarms are reset, and none came back.' }
-          : {
-              kind: 'bad',
-              text: `Still active after the reset, because the cause persists: ${names}.`,
-            },
-      );
-    }
-  };
-
-  // Whenever the overall alarm comes or goes, and now and then.
-  useEffect(() => {
-    void load();
-    const timer = setInterval(() => {
-      if (!document.hidden) {
-        void load();
-      }
-    }, interval);
-    return () => clearInterval(timer);
-  }, [status.value?.Alarm_overall]);
-
-  const rows = alarms?.rows ?? [];
-  const active = rows.filter(({ Triggered }) => Triggered);
+function AskReset({ onYes, onNo }: { onYes: () => void; onNo: () => void }) {
+  const active = activeAlarms.value;
   return (
-    <>
-      <div role="alert">
-        {/* The top says what is wrong when the status is not to be had either. */}
-        {fault && !statusFault.value && <p class="message bad">{describeFault(fault)}</p>}
-      </div>
-      <div role="status" data-testid="reset-outcome">
-        {outcome && <p class={`message ${outcome.kind}`}>{outcome.text}</p>}
-      </div>
-      <div class="toolbar">
-        <ActionButton
-          action="alarm-reset"
-          label="Reset all alarms…"
-          reason={active.length === 0 ? 'No alarm is active.' : ''}
-          onClick={() => setIsAsking(true)}
-        />
-      </div>
-      {alarms && rows.length === 0 && <p>No alarm is defined, or alarms are switched off.</p>}
-      {alarms && rows.length > 0 && (
+    <Confirm title="Reset all alarms?" yes="Reset" action="alarm-reset" onYes={onYes} onNo={onNo}>
+      {active.length > 0 ? (
         <>
-          <AlarmTable id="active" title="Active" alarms={active} />
-          <AlarmTable
-            id="others"
-            title="Not active"
-            alarms={rows.filter(({ Triggered }) => !Triggered)}
-          />
-        </>
-      )}
-      {alarms && alarms.total > rows.length && rows.length > 0 && (
-        <p>
-          The instrument has {alarms.total} alarms; the first {rows.length} are shown.
-        </p>
-      )}
-      {isAsking && (
-        <Confirm
-          title="Reset all alarms?"
-          yes="Reset"
-          action="alarm-reset"
-          onYes={() => void reset()}
-          onNo={() => setIsAsking(false)}
-        >
           <p>These are active and will be reset:</p>
           <ul>
             {active.map((alarm, index) => (
@@ -155,9 +75,88 @@ export function AlarmsPage() {
               </li>
             ))}
           </ul>
-          <p>An alarm whose cause persists comes back at once.</p>
-        </Confirm>
+        </>
+      ) : (
+        <p>Which alarms are active is not known. All are reset.</p>
       )}
+      <p>An alarm whose cause persists comes back at once.</p>
+    </Confirm>
+  );
+}
+
+export function AlarmsPage() {
+  const [isAsking, setIsAsking] = useState(false);
+
+  const reset = async (): Promise<void> => {
+    setIsAsking(false);
+    const send = { method: 'POST', path: 'alarm-reset', body: {} } as const;
+    const answer = await command(resetName, send, followAlarmReset);
+    const after = await loadAlarms();
+    const names = activeAlarms.value.map(nameOf).join('; ');
+    if (answer.ok && after && names !== '') {
+      const text = `${resetName}: accepted. Still active, because the cause persists: ${names}.`;
+      say(send.path, { kind: 'bad', text }, { holds: ({ Alarm_overall }) => Alarm_overall });
+    }
+  };
+
+  // Now and then, and when the instrument was away; `alarms` itself asks when the sign changes.
+  useEffect(() => {
+    void loadAlarms();
+    const timer = setInterval(() => {
+      if (!document.hidden) {
+        void loadAlarms();
+      }
+    }, interval);
+    return () => clearInterval(timer);
+  }, [returns.value]);
+
+  const report = alarms.value;
+  const fault = alarmsFault.value;
+  const rows = report?.rows ?? [];
+  const active = activeAlarms.value;
+  // The sign knows of one that the report, which is older, does not name.
+  const isBehind = knownStatus.value?.Alarm_overall === true && active.length === 0;
+  return (
+    <>
+      <div role="alert">
+        {/* The top says what is wrong when the status is not to be had either. */}
+        {fault && !statusFault.value && <p class="message bad">{describeFault(fault)}</p>}
+      </div>
+      <div class="toolbar">
+        <ActionButton
+          action="alarm-reset"
+          label="Reset all alarms…"
+          reason={reasonAgainstReset()}
+          onClick={() => setIsAsking(true)}
+        />
+      </div>
+      <SoundSwitch />
+      {isBehind && (
+        <p role="status">
+          {report && report.total > rows.length
+            ? 'None of the alarms that can be shown is active: it is a later one.'
+            : 'The instrument tells of an alarm, but its table does not name one yet.'}
+        </p>
+      )}
+      {report && rows.length === 0 && !isBehind && (
+        <p>No alarm is defined, or alarms are switched off.</p>
+      )}
+      {report && rows.length > 0 && (
+        <>
+          {!isBehind && <AlarmTable id="active" title="Active" alarms={active} />}
+          <AlarmTable
+            id="others"
+            title="Not active"
+            alarms={rows.filter(({ Triggered }) => !Triggered)}
+          />
+        </>
+      )}
+      {report && report.total > rows.length && rows.length > 0 && (
+        <p>
+          The instrument has {report.total} alarms; the first {rows.length} are shown.
+        </p>
+      )}
+      {isAsking && <AskReset onYes={() => void reset()} onNo={() => setIsAsking(false)} />}
     </>
   );
 }
