@@ -22,6 +22,7 @@ import {
   tick,
   type,
 } from './dom';
+import { returns, samples } from '../src/store';
 import { arrange, clear, setStatus } from './world';
 
 const unreachable = { status: 503, text: 'The instrument is not reachable.', detail: '' };
@@ -125,6 +126,61 @@ describe('the page of a table', () => {
     expect(field('Runs, line 1').value).toBe('7');
     expect(message()).toBe('');
     expect(state()).toBe('Changed here, not sent.');
+  });
+
+  it('reads it by itself when the instrument comes back, but not over edits', async () => {
+    world.isReachable = false;
+    await show(<TablePage editor={world.editor()} hint="" />);
+    await settle();
+    expect(message()).toBe('The instrument is not reachable.');
+    // It was away between two answers for the status.
+    world.isReachable = true;
+    await act(() => {
+      samples.value++;
+    });
+    await settle();
+    expect(message()).toBe('');
+    expect(field('Runs, line 1').value).toBe('2');
+    const change = async (count: number): Promise<void> => {
+      world.table = { ...world.table, header: { ...world.table.header, Table_repeat: count } };
+      await act(() => {
+        samples.value++;
+        returns.value++;
+      });
+      await settle();
+    };
+    await change(4);
+    expect(field('Runs of the whole table').value).toBe('4');
+    await type('Runs of the whole table', '7');
+    await change(5);
+    expect(field('Runs of the whole table').value).toBe('7');
+    expect(state()).toBe('Changed here, not sent.');
+  });
+
+  it('is not read with every status', async () => {
+    const editor = world.editor();
+    const read = vi.spyOn(editor, 'load');
+    await show(<TablePage editor={editor} hint="" />);
+    await settle();
+    await act(() => {
+      samples.value++;
+    });
+    await settle();
+    expect(read).toHaveBeenCalledTimes(1);
+  });
+
+  it('leaves what somebody is asked about', async () => {
+    const editor = world.editor();
+    await show(<TablePage editor={editor} hint="" />);
+    await settle();
+    await press('Compare and send…');
+    await settle();
+    expect(dialog()).toMatch(/^Send/);
+    await act(() => {
+      returns.value++;
+    });
+    await settle();
+    expect(dialog()).toMatch(/^Send/);
   });
 
   it('offers to try again when it could not be read', async () => {

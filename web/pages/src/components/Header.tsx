@@ -16,6 +16,7 @@ import {
   statusFault,
   takeNote,
 } from '../store';
+import { ActiveAlarms } from './ActiveAlarms';
 import { Session } from './Session';
 import { Stop } from './Stop';
 
@@ -134,6 +135,12 @@ function State({ current }: { current: Status }) {
       <span class="live">
         <AlarmSign />
       </span>
+      {current.Alarm_overall && (
+        <details class="which live">
+          <summary>Which alarms</summary>
+          <ActiveAlarms />
+        </details>
+      )}
       {gcStateOf(current) === 'Running' && (
         <span class="live run" data-testid="run">
           <span class="dim">Run</span> {formatSpan(current.Run_time)} of{' '}

@@ -1,13 +1,14 @@
 // What the instrument consists of.
-import { useEffect, useState } from 'preact/hooks';
+import { useState } from 'preact/hooks';
 import type { Fault } from '../api';
+import { useLoad } from '../comeback';
 import { channelKeys } from '../documents';
 import { configuration, describeFault, loadConfiguration } from '../store';
 
 export function ConfigurationPage() {
   const [fault, setFault] = useState<Fault>();
   const load = async (): Promise<void> => setFault(await loadConfiguration());
-  useEffect(() => void load(), []);
+  useLoad(() => void load(), !configuration.value);
   const current = configuration.value;
   return (
     <>

@@ -1,14 +1,15 @@
 // Starting runs, switching the stream, loading a solution.
-import { useId, useState } from 'preact/hooks';
+import { useEffect, useId, useState } from 'preact/hooks';
 import { getReport } from '../api';
 import { ActionButton } from '../components/ActionButton';
 import { Confirm } from '../components/Dialog';
+import { ExpectedEnd } from '../components/ExpectedEnd';
 import { Now } from '../components/Now';
 import { SequenceLines } from '../components/SequenceLines';
 import type { Sequence, Status } from '../documents';
 import { followAutomation, followRun, followStream } from '../follow';
 import { formatSpan } from '../format';
-import { command, configuration, describeFault, status } from '../store';
+import { command, configuration, describeFault, returns, status } from '../store';
 import { lastSlot } from '../tables';
 
 /** The gateway takes no stream above this. */
@@ -154,6 +155,8 @@ export function RunPage() {
   const [valveStream, setValveStream] = useState<number>();
   const [slot, setSlot] = useState(0);
   const [sequenceFault, setSequenceFault] = useState('');
+  // It was so while the instrument was away.
+  useEffect(() => setSequenceFault(''), [returns.value]);
   const current = status.value;
   if (!current) {
     return <p>Waiting for the first answer of the instrument.</p>;
@@ -176,6 +179,9 @@ export function RunPage() {
       <section class="card wide live" aria-labelledby="now">
         <h2 id="now">Now</h2>
         <Now status={current} />
+        <dl class="facts inline">
+          <ExpectedEnd />
+        </dl>
       </section>
       <div class="cards small">
         <section class="card" aria-labelledby="start">

@@ -1,6 +1,7 @@
 // Editing the sequence or the calibration.
 import type { ComponentType } from 'preact';
-import { useEffect, useRef, useState } from 'preact/hooks';
+import { useRef, useState } from 'preact/hooks';
+import { useLoad } from '../comeback';
 import { ActionButton } from '../components/ActionButton';
 import { Confirm, Dialog } from '../components/Dialog';
 import { DiffTable, type ExtraColumn } from '../components/DiffTable';
@@ -176,13 +177,21 @@ interface Props {
   extra?: ExtraColumn;
 }
 
-export function TablePage({ editor, hint, picture: Picture, extra }: Props) {
-  const [focusedId, setFocusedId] = useState<number>();
-  useEffect(() => {
-    if (!editor.draft.value) {
+/** Reads the table when there is none, and when the instrument comes back, but never over edits. */
+function useReload(editor: Editor): void {
+  const isFirst = useRef(true);
+  useLoad(() => {
+    const isKept = editor.draft.value && (isFirst.current || editor.isDirty.value);
+    isFirst.current = false;
+    if (!isKept && !editor.busy.value && !editor.review.value) {
       void editor.load();
     }
-  }, []);
+  }, !editor.draft.value);
+}
+
+export function TablePage({ editor, hint, picture: Picture, extra }: Props) {
+  const [focusedId, setFocusedId] = useState<number>();
+  useReload(editor);
   const draft = editor.draft.value;
   const focused = draft?.rows.findIndex(({ id }) => id === focusedId) ?? -1;
   return (
