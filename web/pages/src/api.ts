@@ -82,6 +82,10 @@ export function faultOf(status: number, body: unknown): Fault {
   }
   const number = Number(code ?? instrument);
   const known = Number.isNaN(number) ? {} : { code: number };
+  if (status >= 500 && body === undefined) {
+    // The web server's own: the gateway has not come to its end.
+    return { status, text, detail: '', isUnknown: true };
+  }
   return { status, text, detail: details.filter(Boolean).join(': '), ...known };
 }
 

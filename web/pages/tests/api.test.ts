@@ -241,3 +241,36 @@ describe('the number of a refusal', () => {
     expect(faultOf(409, body).code).toBe(code);
   });
 });
+
+describe('an answer that is not the gateway’s', () => {
+  it.each([
+    [500, undefined, true],
+    [502, undefined, true],
+    [500, { title: 'No log' }, undefined],
+    [404, undefined, undefined],
+  ])('HTTP %d with %j: unknown %j', (status, body, isUnknown) => {
+    expect(faultOf(status, body).isUnknown).toBe(isUnknown);
+  });
+});
+
+describe('a command', () => {
+  it.each([
+    ['J%C3%BCrgen', 'Jürgen'],
+    ['100%', '100%'],
+  ])('tells who is asked for it: %s', async (header, user) => {
+    const response = new Response('{}', { status: 200, headers: { 'X-GC-User': header } });
+    vi.stubGlobal('fetch', async () => response);
+    expect((await sendCommand('POST', 'login', '{}')).user).toBe(user);
+  });
+
+  it('without an answer is of unknown outcome, and one that was refused is not', async () => {
+    vi.stubGlobal('fetch', async () => {
+      throw new TypeError('Failed to fetch');
+    });
+    const lost = await sendCommand('POST', 'run', '{}');
+    expect(!lost.ok && lost.fault.isUnknown).toBe(true);
+    vi.stubGlobal('fetch', async () => new Response('{}', { status: 409 }));
+    const refused = await sendCommand('POST', 'run', '{}');
+    expect(!refused.ok && refused.fault.isUnknown).toBeUndefined();
+  });
+});

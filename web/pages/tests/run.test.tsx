@@ -1,9 +1,9 @@
 // @vitest-environment happy-dom
 import { act } from 'preact/test-utils';
-import { afterEach, beforeEach, describe, expect, it } from 'vitest';
+import { afterEach, beforeEach, describe, expect, it, vi } from 'vitest';
 import type { Status } from '../src/documents';
 import { RunPage } from '../src/pages/Run';
-import { configuration, notice } from '../src/store';
+import { configuration, notice, returns } from '../src/store';
 import { statusWith } from './documents';
 import {
   choose,
@@ -19,7 +19,7 @@ import {
   textsOf,
 } from './dom';
 import type { Gateway } from './gateway';
-import { arrange, clear, exampleConfiguration, setHidden, setStatus } from './world';
+import { arrange, clear, exampleConfiguration, setAge, setHidden, setStatus } from './world';
 
 let gateway: Gateway;
 
@@ -56,6 +56,28 @@ async function confirm(yes: string, effect: Partial<Status>): Promise<unknown[]>
 }
 
 describe('the run page', () => {
+  it('names what is old as such', async () => {
+    vi.useFakeTimers({ now: new Date(2026, 2, 5, 14, 32, 7) });
+    await setAge(0);
+    await show(<RunPage />);
+    expect(textsOf('#now')).toEqual(['Now']);
+    await setAge(60);
+    expect(textsOf('#now')).toEqual(['Last values, of 14:31:07']);
+    vi.useRealTimers();
+  });
+
+  it('forgets why the sequence was not to be had when the instrument is back', async () => {
+    await show(<RunPage />);
+    gateway.answer('/api/sequence', {}, 503);
+    await press('Start automation…');
+    await settle();
+    expect(textsOf('[role=alert] p')).toEqual(['The instrument is not reachable.']);
+    await act(() => {
+      returns.value++;
+    });
+    expect(textsOf('[role=alert] p')).toEqual([]);
+  });
+
   it('waits for the first answer', async () => {
     await setStatus(undefined);
     await show(<RunPage />);

@@ -2,24 +2,17 @@
 import { useEffect, useId, useState } from 'preact/hooks';
 import { getReport } from '../api';
 import { ActionButton } from '../components/ActionButton';
-import { Confirm } from '../components/Dialog';
 import { ExpectedEnd } from '../components/ExpectedEnd';
 import { Now } from '../components/Now';
-import { SequenceLines } from '../components/SequenceLines';
+import { RunQuestion, type Question } from '../components/RunQuestion';
 import type { Sequence, Status } from '../documents';
-import { followAutomation, followRun, followStream } from '../follow';
-import { formatSpan } from '../format';
-import { command, configuration, describeFault, returns, status } from '../store';
+import { followStream } from '../follow';
+import { formatInstant } from '../format';
+import { command, configuration, describeFault, returns, status, lostSince, now } from '../store';
 import { lastSlot } from '../tables';
 
 /** The gateway takes no stream above this. */
 const lastStream = 46;
-
-/** What is asked before it is done. */
-type Question =
-  | { kind: 'single' | 'calibration'; stream: number }
-  | { kind: 'automation'; sequence: Sequence }
-  | { kind: 'solution'; slot: number };
 
 function streamsOf(current: Status): number[] {
   const { Stream_configured: isConfigured, Stream_max: max } = configuration.value ?? {};
@@ -54,99 +47,9 @@ function NumberSelect(props: {
   );
 }
 
-function startRun(type: 'single' | 'calibration', stream: number): void {
-  const name = type === 'single' ? 'Single run' : 'Calibration';
-  const send = { method: 'POST', path: 'run', body: { type, stream } } as const;
-  void command(
-    `${name} on stream ${stream}`,
-    send,
-    (before) => before && followRun(type, stream, before),
-  );
-}
-
-function startAutomation(): void {
-  const send = { method: 'POST', path: 'run', body: { type: 'automation' } } as const;
-  void command('Automation', send, (before) => before && followAutomation(before));
-}
-
 function switchStream(stream: number): void {
   const send = { method: 'PUT', path: 'stream', body: { stream } } as const;
   void command(`Stream ${stream}`, send, () => followStream(stream));
-}
-
-function loadSolution(solution: number): void {
-  const send = { method: 'PUT', path: 'solution', body: { solution } } as const;
-  const accepted = 'accepted. No report tells whether it is in use already.';
-  void command(`Solution ${solution}`, send, undefined, accepted);
-}
-
-function Ask({ question, onDone }: { question: Question; onDone: () => void }) {
-  const total = formatSpan(status.value?.Total_run_time ?? 0);
-  const yes = (act: () => void) => (): void => {
-    onDone();
-    act();
-  };
-  switch (question.kind) {
-    case 'single': {
-      const { stream } = question;
-      return (
-        <Confirm
-          title="Start a single run?"
-          yes="Start"
-          action="start-run"
-          onYes={yes(() => startRun('single', stream))}
-          onNo={onDone}
-        >
-          <p>
-            One analysis on stream {stream}, {total}.
-          </p>
-        </Confirm>
-      );
-    }
-    case 'calibration': {
-      const { stream } = question;
-      return (
-        <Confirm
-          title="Start a calibration?"
-          yes="Start"
-          action="start-run"
-          onYes={yes(() => startRun('calibration', stream))}
-          onNo={onDone}
-        >
-          <p>
-            Two calibration runs at level 1 on stream {stream}, {total} each. The calibration gas
-            must be connected there. The coefficients of all peaks are set anew.
-          </p>
-        </Confirm>
-      );
-    }
-    case 'automation':
-      return (
-        <Confirm
-          title="Start the automation?"
-          yes="Start"
-          action="start-automation"
-          onYes={yes(startAutomation)}
-          onNo={onDone}
-        >
-          <SequenceLines sequence={question.sequence} />
-        </Confirm>
-      );
-    case 'solution': {
-      const { slot } = question;
-      return (
-        <Confirm
-          title={`Load solution ${slot}?`}
-          yes="Load"
-          action="solution"
-          onYes={yes(() => loadSolution(slot))}
-          onNo={onDone}
-        >
-          <p>The solution of slot {slot} replaces the one in use.</p>
-        </Confirm>
-      );
-    }
-  }
 }
 
 export function RunPage() {
@@ -177,7 +80,11 @@ export function RunPage() {
   return (
     <>
       <section class="card wide live" aria-labelledby="now">
-        <h2 id="now">Now</h2>
+        <h2 id="now">
+          {lostSince.value === undefined
+            ? 'Now'
+            : `Last values, of ${formatInstant(lostSince.value, now.value)}`}
+        </h2>
         <Now status={current} />
         <dl class="facts inline">
           <ExpectedEnd />
@@ -264,7 +171,7 @@ export function RunPage() {
           <p class="dim">No report tells which solution is in use.</p>
         </section>
       </div>
-      {question && <Ask question={question} onDone={() => setQuestion(undefined)} />}
+      {question && <RunQuestion question={question} onDone={() => setQuestion(undefined)} />}
     </>
   );
 }
