@@ -101,4 +101,3 @@ export function RunQuestion({ question, onDone }: { question: Question; onDone: 
     }
   }
 }
-
