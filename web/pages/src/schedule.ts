@@ -200,7 +200,7 @@ export function describeEnd(end: End, present: number): string {
     case 'none':
       return '';
     case 'never':
-      return 'none: it runs until it is stopped';
+      return 'when it is stopped';
     case 'unknown':
       return 'not known';
     default: {

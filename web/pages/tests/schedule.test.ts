@@ -228,7 +228,7 @@ describe('the end of the automation', () => {
 describe('an end in words', () => {
   it.each([
     [{ kind: 'none' }, ''],
-    [{ kind: 'never' }, 'none: it runs until it is stopped'],
+    [{ kind: 'never' }, 'when it is stopped'],
     [{ kind: 'unknown', why: '' }, 'not known'],
     [{ kind: 'at', time: after(143) }, '14:32'],
     [{ kind: 'not-before', time: after(143), why: '' }, 'not before 14:32'],

@@ -143,8 +143,8 @@ function State({ current }: { current: Status }) {
       )}
       {gcStateOf(current) === 'Running' && (
         <span class="live run" data-testid="run">
-          <span class="dim">Run</span> {formatSpan(current.Run_time)} of{' '}
-          {formatSpan(current.Total_run_time)}
+          <span class="dim">Run</span>{' '}
+          {`${formatSpan(current.Run_time)} of ${formatSpan(current.Total_run_time)}`}
         </span>
       )}
     </>
