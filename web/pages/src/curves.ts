@@ -1,5 +1,5 @@
 // Which curves there are of an instrument, and the spans of their axes.
-import { channelKeys, type Real, type Status } from './documents';
+import { channelKeys, type Real, type Status, type Units } from './documents';
 import type { Points } from './history';
 import { quantities, sampleLine } from './quantities';
 
@@ -13,6 +13,7 @@ export interface Curve {
 export interface Choice {
   label: string;
   decimals: number;
+  unit: keyof Units;
   curves: Curve[];
 }
 
@@ -27,10 +28,11 @@ export function choicesOf(status: Status): Choice[] {
   ];
   const single = (name: string, label: string): Curve[] => [{ name, label, isSetpoint: false }];
   return [
-    ...quantities.flatMap(({ key: quantity, label, decimals }) => [
+    ...quantities.flatMap(({ key: quantity, label, decimals, unit }) => [
       {
         label: `${label}, all channels`,
         decimals,
+        unit,
         curves: installed.flatMap(({ key, label: name }) =>
           single(`${key}.${quantity}.Actual`, name),
         ),
@@ -38,12 +40,14 @@ export function choicesOf(status: Status): Choice[] {
       ...installed.map(({ key, label: name }) => ({
         label: `${label}, ${name.toLowerCase()}`,
         decimals,
+        unit,
         curves: pair(`${key}.${quantity}`),
       })),
     ]),
     {
       label: 'Auto zero, all channels',
       decimals: 3,
+      unit: 'auto_zero',
       curves: installed.flatMap(({ key, label }) => single(`${key}.Auto_zero`, label)),
     },
     ...(status.Sample_line_temp.Setpoint === '-'
@@ -52,11 +56,22 @@ export function choicesOf(status: Status): Choice[] {
           {
             label: sampleLine.label,
             decimals: sampleLine.decimals,
+            unit: sampleLine.unit,
             curves: pair('Sample_line_temp'),
           },
         ]),
-    { label: 'Ambient temperature', decimals: 0, curves: single('Ambient_temp', 'Ambient') },
-    { label: 'Ambient pressure', decimals: 2, curves: single('Ambient_press', 'Ambient') },
+    {
+      label: 'Ambient temperature',
+      decimals: 0,
+      unit: 'temperature',
+      curves: single('Ambient_temp', 'Ambient'),
+    },
+    {
+      label: 'Ambient pressure',
+      decimals: 2,
+      unit: 'ambient_pressure',
+      curves: single('Ambient_press', 'Ambient'),
+    },
   ];
 }
 

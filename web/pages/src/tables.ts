@@ -94,7 +94,7 @@ function sequenceLayout(configuration: Configuration | undefined): Layout {
       },
       {
         key: 'Flush_time',
-        label: 'Flush time',
+        label: ['Flush time', configuration?.units?.flush_time].filter(Boolean).join(', '),
         kind: 'real',
         ...editable,
         schema: `${line}Flush_time`,

@@ -3,12 +3,12 @@ import { act } from 'preact/test-utils';
 import { afterEach, beforeEach, describe, expect, it, vi } from 'vitest';
 import type uPlot from 'uplot';
 import { Chart } from '../src/components/Chart';
-import { history, samples } from '../src/store';
+import { configuration, history, samples } from '../src/store';
 import { measurementsOf } from '../src/history';
 import type { Status } from '../src/documents';
 import { load, statusWith } from './documents';
 import { choose, field, find, rowsOf, show, textOf, textsOf } from './dom';
-import { arrange, clear } from './world';
+import { arrange, clear, exampleConfiguration } from './world';
 
 /** What was drawn; drawing itself needs a browser. */
 class Plot {
@@ -117,6 +117,18 @@ describe('the chart', () => {
       ['Channel 1', '61.50', '59.98', '61.50'],
       ['Channel 2', '75.01', '75.01', '75.01'],
     ]);
+  });
+
+  it('tells the unit, where the owner has named it', async () => {
+    configuration.value = { ...exampleConfiguration, units: { pressure: 'kPa' } };
+    await show(<Chart status={statusWith()} />);
+    expect(rowsOf('table')[0]![1]).toBe('Now');
+    await choose('Quantity', 'Column pressure, channel 2');
+    expect(rowsOf('table')[0]![1]).toBe('Now, kPa');
+    expect(find('.chart').getAttribute('aria-label')).toBe(
+      'Curve: Column pressure, channel 2, kPa',
+    );
+    expect(textOf(find('.section-head'))).toMatch(/ kPa$/);
   });
 
   it('shows another curve on demand, with its setpoint', async () => {

@@ -8,20 +8,20 @@ describe('curves', () => {
   const choices = choicesOf(statusWith());
 
   it('are there of each quantity, for all channels and for each', () => {
-    expect(choices.map(({ label, decimals }) => [label, decimals])).toEqual([
-      ['Column temperature, all channels', 2],
-      ['Column temperature, channel 1', 2],
-      ['Column temperature, channel 2', 2],
-      ['Injector temperature, all channels', 2],
-      ['Injector temperature, channel 1', 2],
-      ['Injector temperature, channel 2', 2],
-      ['Column pressure, all channels', 1],
-      ['Column pressure, channel 1', 1],
-      ['Column pressure, channel 2', 1],
-      ['Auto zero, all channels', 3],
-      ['Sample line temperature', 2],
-      ['Ambient temperature', 0],
-      ['Ambient pressure', 2],
+    expect(choices.map(({ label, decimals, unit }) => [label, decimals, unit])).toEqual([
+      ['Column temperature, all channels', 2, 'temperature'],
+      ['Column temperature, channel 1', 2, 'temperature'],
+      ['Column temperature, channel 2', 2, 'temperature'],
+      ['Injector temperature, all channels', 2, 'temperature'],
+      ['Injector temperature, channel 1', 2, 'temperature'],
+      ['Injector temperature, channel 2', 2, 'temperature'],
+      ['Column pressure, all channels', 1, 'pressure'],
+      ['Column pressure, channel 1', 1, 'pressure'],
+      ['Column pressure, channel 2', 1, 'pressure'],
+      ['Auto zero, all channels', 3, 'auto_zero'],
+      ['Sample line temperature', 2, 'temperature'],
+      ['Ambient temperature', 0, 'temperature'],
+      ['Ambient pressure', 2, 'ambient_pressure'],
     ]);
   });
 

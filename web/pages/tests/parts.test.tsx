@@ -8,11 +8,12 @@ import { Progress } from '../src/components/Progress';
 import { SequenceLines } from '../src/components/SequenceLines';
 import { diffTables, type RowChange } from '../src/diff';
 import type { Sequence } from '../src/documents';
+import { configuration } from '../src/store';
 import type { Table } from '../src/table';
 import { calibrationKind, sequenceKind } from '../src/tables';
 import { load, statusWith } from './documents';
 import { button, factsOf, find, press, reasonOf, rowsOf, show, textOf, textsOf } from './dom';
-import { arrange, clear, setAge, setStatus } from './world';
+import { arrange, clear, exampleConfiguration, setAge, setStatus } from './world';
 
 beforeEach(async () => void (await arrange()));
 afterEach(clear);
@@ -275,6 +276,13 @@ describe('the run', () => {
 
 describe('the lines of a sequence', () => {
   const sequence = load<Sequence>('tests/system/documents/sequence/everyday.json');
+
+  it('tells the unit of flush times, where the owner has named it', async () => {
+    await arrange();
+    configuration.value = { ...exampleConfiguration, units: { flush_time: 'min' } };
+    await show(<SequenceLines sequence={sequence} />);
+    expect(rowsOf('table')[0]!.at(-1)).toBe('Flush time, min');
+  });
 
   it('are shown as they are run', async () => {
     await show(<SequenceLines sequence={sequence} />);

@@ -14,6 +14,18 @@ const readSequence = (document: unknown) =>
 const readCalibration = (document: unknown) =>
   readFile(octets(JSON.stringify(document)), calibrationKind, calibration);
 
+it('tells the unit of flush times in the head of the column, if there is one', () => {
+  const labels = (units?: Configuration['units']): string[] =>
+    sequenceKind
+      .layout({
+        ...load<Configuration>('docs/schemas/examples/configuration.json'),
+        ...(units && { units }),
+      })
+      .columns.map(({ label }) => label);
+  expect(labels()).toContain('Flush time');
+  expect(labels({ flush_time: 'min' })).toContain('Flush time, min');
+});
+
 describe('layouts', () => {
   const configuration = load<Configuration>('docs/schemas/examples/configuration.json');
   const told = (columns: readonly Column[]) =>

@@ -7,6 +7,7 @@ import type { Real, Status } from '../documents';
 import { formatReal } from '../format';
 import type { Points } from '../history';
 import { history, samples } from '../store';
+import { nameWithUnit, unitOf } from '../units';
 
 const height = 240;
 /** Seconds that may lie between two marks of the axis. */
@@ -91,7 +92,7 @@ function Numbers({ choice, points }: { choice: Choice; points: readonly Points[]
       <thead>
         <tr>
           <th scope="col">Curve</th>
-          <th scope="col">Now</th>
+          <th scope="col">{nameWithUnit('Now', choice.unit)}</th>
           <th scope="col">Lowest</th>
           <th scope="col">Highest</th>
         </tr>
@@ -159,10 +160,16 @@ export function Chart({ status }: { status: Status }) {
                 {label}
               </option>
             ))}
-          </select>
+          </select>{' '}
+          {unitOf(choice.unit)}
         </span>
       </div>
-      <div ref={place} class="chart" role="img" aria-label={`Curve: ${choice.label}`} />
+      <div
+        ref={place}
+        class="chart"
+        role="img"
+        aria-label={`Curve: ${nameWithUnit(choice.label, choice.unit)}`}
+      />
       <Numbers choice={choice} points={points} />
       <p class="dim">Kept in this browser tab while it is open.</p>
     </section>

@@ -1,6 +1,7 @@
 // The lines of a sequence, to be read.
 import { formatReal } from '../format';
 import type { Sequence } from '../documents';
+import { nameWithUnit } from '../units';
 
 /** How often the table is run, as a sentence. */
 export function repeatText(sequence: Sequence): string {
@@ -27,7 +28,7 @@ export function SequenceLines({ sequence }: { sequence: Sequence }) {
               <th scope="col">Runs</th>
               <th scope="col">Stream</th>
               <th scope="col">Solution</th>
-              <th scope="col">Flush time</th>
+              <th scope="col">{nameWithUnit('Flush time', 'flush_time')}</th>
             </tr>
           </thead>
           <tbody>
