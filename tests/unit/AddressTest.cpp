@@ -1,4 +1,4 @@
-// The address of the instrument on the command line.
+// The instrument's address on the command line.
 #include <gtest/gtest.h>
 
 #include <ostream>
@@ -31,21 +31,21 @@ const AddressRow cAccepted[] = {
     {{"-s", "300.1.1.1"}, {44, 1, 1, 1}},
     {{"-s", "10.4294967295.65536.65537"}, {10, 255, 0, 1}},
     {{"-s", "10.-1.-2.-256"}, {10, 255, 254, 0}},
-    // As numbers are scanned.
+    // As scanf reads numbers.
     {{"-s", "010.001.02.3"}, {10, 1, 2, 3}},
     {{"-s", " 10. 1. 2. 3"}, {10, 1, 2, 3}},
     {{"-s", "+10.+1.2.3"}, {10, 1, 2, 3}},
     {{"-s", "10.1.2.3.4"}, {10, 1, 2, 3}},
     {{"-s", "10.1.2.3:8080"}, {10, 1, 2, 3}},
     {{"-s", "10.1.2.3 "}, {10, 1, 2, 3}},
-    // Octets that are not there are 0.
+    // Missing octets are 0.
     {{"-s", "10"}, {10, 0, 0, 0}},
     {{"-s", "10."}, {10, 0, 0, 0}},
     {{"-s", "10.1"}, {10, 1, 0, 0}},
     {{"-s", "10.1.2"}, {10, 1, 2, 0}},
     {{"-s", "10.1.x.3"}, {10, 1, 0, 0}},
     {{"-s", "10 .1.2.3"}, {10, 0, 0, 0}},
-    // The last address counts, wherever it stands.
+    // The last address wins, wherever it appears.
     {{"-s", "10.1.2.3", "-s", "11.4.5.6"}, {11, 4, 5, 6}},
     {{"-s", "0.0.0.0", "-s", "11.4.5.6"}, {11, 4, 5, 6}},
     {{"-t", "-s", "11.4.5.6", "-g"}, {11, 4, 5, 6}},

@@ -1,4 +1,4 @@
-// The names of alarms as the section assigns them, those of the instrument's components included.
+// The names that the section gives to alarms, including those of the instrument's components.
 #include <gmock/gmock.h>
 
 #include "AlarmRows.h"
@@ -9,7 +9,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
-// One record for each character, on the channel of its position.
+// One record per character, on the channel that matches its position.
 constexpr const char* cNameOfSeven =
     "ReadParamList(handle, 20): 1:2021@7 2:2021@7 3:2021@7 4:2021@7 5:2021@7 6:2021@7 7:2021@7 "
     "8:2021@7 9:2021@7 10:2021@7 11:2021@7 12:2021@7 13:2021@7 14:2021@7 15:2021@7 16:2021@7 "
@@ -116,5 +116,5 @@ TEST_P(ComponentFailureTest, IsUnknown) {
   EXPECT_EQ(parameter(1, 5), "5. Unknown");
 }
 
-// An incomplete name is no name: 28 fails here like any other status.
+// An incomplete name is not used: 28 fails here like any other status.
 INSTANTIATE_TEST_SUITE_P(IncompleteIncluded, ComponentFailureTest, testing::ValuesIn(cRefusals));

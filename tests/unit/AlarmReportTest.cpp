@@ -199,7 +199,7 @@ TEST_F(AlarmReportTest, ComponentNameThatIsNotUtf8IsRepaired) {
               HasSubstr("\"ParamStr\": \"3. \xEF\xBF\xBD\\\"\xC3\xA4\xEF\xBF\xBD\",\n"));
 }
 
-// Rows may be incomplete, the head may not.
+// Rows may be incomplete, the header may not.
 
 TEST_P(AlarmStatusTest, FailedHeadIsReturnedWithNothingPrinted) {
   setAlarms(mInstrument, 1, 2);
@@ -239,7 +239,7 @@ TEST_F(AlarmReportTest, FailedComponentNameIsUnknownAndTheReportGoesOn) {
   EXPECT_EQ(mInstrument.traffic().back(), rowBatch(2));
 }
 
-// The reset.
+// The reset of all alarms.
 
 TEST_F(AlarmReportTest, ResetIsOneCommand) {
   EXPECT_EQ(write(), 0);

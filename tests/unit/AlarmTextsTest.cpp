@@ -74,7 +74,7 @@ constexpr ParameterText cSampleResults[] = {
     {3, INT_MIN, "--"},
 };
 
-// They go on counting after the ten groups of the other totals.
+// They continue the numbering after the ten groups of the other totals.
 constexpr ParameterText cNormTotals[] = {
     {3, 14, "14. Norm total group 11"}, {3, 15, "15. Norm total group 12"},
     {3, 16, "16. Norm total group 13"}, {3, 17, "17. Norm total group 14"},

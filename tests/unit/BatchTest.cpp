@@ -1,4 +1,4 @@
-// Batch transfers: one library call for a whole map, and what becomes of its records.
+// Batch transfers: one library call for a whole map, and what happens to its records.
 #include <gmock/gmock.h>
 
 #include <utility>
@@ -13,10 +13,10 @@ namespace {
 class BatchTest : public testing::Test {
  protected:
   FakeInstrument mInstrument;
-  TestMap mMap{1};  // one bucket: the parameter bound last comes first
+  TestMap mMap{1};  // one bucket: the last parameter bound comes first
 };
 
-/// A record as it is sent.
+/// A record as sent.
 void expectSent(const ParamList& aRecord, const ParamList& aExpected) {
   EXPECT_EQ(aRecord.Channel, aExpected.Channel);
   EXPECT_EQ(aRecord.Method, aExpected.Method);
@@ -36,7 +36,7 @@ TEST_F(BatchTest, EmptyMapIsOneCallOfNoRecords) {
   EXPECT_THAT(mInstrument.calls(), ElementsAre("ReadParamList(7, 0)", "WriteParamList(8, 0)"));
 }
 
-/// Where a long has 64 bits, only the lower half of a status is the batch's.
+/// Only the lower half of a 64-bit long is the status of the batch.
 TEST_F(BatchTest, StatusHas32Bits) {
   mInstrument.setStatus(eFunction::eReadParamList, ~0xFFFFFFFFUL | 5);
   mInstrument.setStatus(eFunction::eWriteParamList, ~0xFFFFFFFFUL);

@@ -1,4 +1,4 @@
-// The download of calibration level amounts: what is written, what is skipped, every refusal.
+// The download of calibration level amounts: what is written, what is skipped, every rejection.
 #include <gmock/gmock.h>
 
 #include "DownloadBench.h"
@@ -19,7 +19,7 @@ constexpr const char* cThreeRows = R"({"total": 3, "rows": [
 
 class CalibDownloadTest : public DownloadBench<SecCalibTbl>, public testing::Test {
  protected:
-  /// The traffic of a download that succeeds.
+  /// The traffic of a successful download.
   std::vector<std::string> written(const std::string& aContent) {
     EXPECT_EQ(download(aContent), 0);
     EXPECT_EQ(mOutput.out, resultObject(0, "Success"));
@@ -27,13 +27,13 @@ class CalibDownloadTest : public DownloadBench<SecCalibTbl>, public testing::Tes
   }
 };
 
-/// A row of the file, and what is written of it.
+/// A row of the file, and what is written for it.
 struct UsedRow {
   const char* json;
   const char* written;
 };
 
-// Neither channel nor peak is checked against a range: that is the instrument's business.
+// Channel and peak are not range-checked: that is up to the instrument.
 constexpr UsedRow cUsed[] = {
     {R"({"Channel": 1, "ID": 1, "Level_amt": 0})", "WriteParamList(handle, 1): 1:1230@1"},
     {R"({"Channel": 0, "ID": 0, "Level_amt": 1e300})",

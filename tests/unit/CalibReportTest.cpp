@@ -13,19 +13,19 @@ using testing::HasSubstr;
 using testing::StartsWith;
 
 namespace {
-/// The section with what it holds in sight.
+/// Exposes the section's state.
 class OpenCalibTbl : public SecCalibTbl {
  public:
   ParameterMap* map() const { return mMap; }
   unsigned long handle() const { return mHandle; }
 };
 
-/// The call for the number of peaks of a channel.
+/// The call for the number of peaks on a channel.
 std::string infoCall(int aChannel) {
   return "ReadProgramInfo(handle, 0, " + std::to_string(aChannel) + ", 1)";
 }
 
-/// The records of a peak in the order of a map of 25 buckets.
+/// The records of a peak in the iteration order of a map with 25 buckets.
 std::string peakBatch(int aChannel, int aPeak) {
   std::string lText = "ReadParamList(handle, 23):";
   for (const int id : {1196, 1188, 1185, 1179, 1190, 1181, 1183, 1176, 1178, 1192, 1186, 1230,
@@ -38,7 +38,7 @@ std::string peakBatch(int aChannel, int aPeak) {
 
 class CalibReportTest : public SectionBench<OpenCalibTbl>, public testing::Test {
  protected:
-  /// The second result is another number, to be told from the first.
+  /// The second result differs from the first, so that a mix-up is seen.
   void setPeaks(unsigned long a1, unsigned long a2, unsigned long a3, unsigned long a4) {
     unsigned long lChannel = 0;
     for (const unsigned long peaks : {a1, a2, a3, a4}) {
@@ -192,7 +192,7 @@ TEST_F(CalibReportTest, NameThatIsNotUtf8IsRepaired) {
 TEST_F(CalibReportTest, NumbersThatHaveNoJsonFormAreDashes) {
   constexpr double cInfinity = std::numeric_limits<double>::infinity();
   setPeaks(2, 0, 0, 0);
-  // The time in seconds is beyond all numbers although the one in minutes is not.
+  // The time in seconds overflows although the time in minutes does not.
   setPeak(1, 1, "", 1e308, std::numeric_limits<double>::quiet_NaN(), -cInfinity);
   setPeak(1, 2, "", -cInfinity, cInfinity, std::numeric_limits<double>::max());
   EXPECT_THAT(document(),

@@ -1,4 +1,5 @@
-// Clearing a map: parameters deleted once (the sanitizers watch that), names gone, map open or not.
+// Clearing a map: parameters deleted once (checked by the sanitizers), names unbound, map open or
+// not.
 #include <gtest/gtest.h>
 
 #include "TestMap.h"

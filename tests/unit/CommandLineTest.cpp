@@ -1,4 +1,4 @@
-// Options of the command line: the operation and number that they ask for, and every refusal.
+// Options of the command line: the operation and number that they select, and every rejection.
 #include <gtest/gtest.h>
 
 #include <ostream>
@@ -91,7 +91,7 @@ const AcceptedRow cNumbers[] = {
 };
 
 const AcceptedRow cTogether[] = {
-    // The last operation counts, and the last number.
+    // The last operation wins, and so does the last number.
     {{"-g", "-t"}, eStatusRead},
     {{"-t", "-g", "-a", "-q", "-c"}, eCalibRead},
     {{"-c", "-q", "-a", "-g"}, eConfigRead},
@@ -118,7 +118,7 @@ const AcceptedRow cTogether[] = {
     {{"-C", "two", "-Q", "one"}, eSequenceWrite, 0, "one"},
     {{"-Q", "one", "-t"}, eStatusRead, 0, "one"},
     {{"-Q", "a long name", "-Q", "b"}, eSequenceWrite, 0, "b"},
-    // Bundled, joined to their arguments, and ended.
+    // Bundled options, attached arguments, and the end of options.
     {{"-tga"}, eAlarmRead},
     {{"-atP"}, eAlarmReset},
     {{"-tV5"}, eStreamWrite, 5},
@@ -202,7 +202,7 @@ const RefusedRow cRefused[] = {
     {{"-Q"}, withUsage("option requires an argument -- 'Q'\n")},
     {{"-C"}, withUsage("option requires an argument -- 'C'\n")},
     {{"-tgV"}, withUsage("option requires an argument -- 'V'\n")},
-    // The first fault ends it.
+    // Parsing stops at the first error.
     {{"-V", "47", "-M", "11"}, cNoStream},
     {{"-M", "11", "-V", "47"}, cNoSlot},
     {{"-R", "foo", "-X"}, "Operation 'foo' unknown\n"},

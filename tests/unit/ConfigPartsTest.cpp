@@ -19,7 +19,7 @@ constexpr GasRow cGases[] = {
     {4, "Unknown"}, {-1, "Unknown"}, {INT_MAX, "Unknown"}, {INT_MIN, "Unknown"},
 };
 
-/// A text of the section that comes as a tag, and the number of its object.
+/// A text that the section gets as a remote object, with the object's number.
 struct TagRow {
   std::string (*read)(const SecConfig& aSection, const char* aBefore);
   unsigned long number;
@@ -37,8 +37,8 @@ struct Registered {
   std::uint32_t id;
 };
 
-/// In the order of registration. The installed flags have an id for each channel, all other
-/// families a channel for each.
+/// In registration order. The installed flags have one id per channel, all other families one
+/// channel each.
 constexpr Registered cRegistered[] = {
     {"mInstSerial", 0, 601},       {"mStreamConfigured", 0, 525},
     {"mStreamMaxNr", 0, 524},      {"mInstalled1", 0, 502},
@@ -67,7 +67,7 @@ TEST_P(GasTest, Text) {
 INSTANTIATE_TEST_SUITE_P(Codes, GasTest, testing::ValuesIn(cGases));
 
 TEST_F(ConfigPartsTest, AreRegisteredInOrderWithZeroValues) {
-  TestMap map(1);  // one bucket: iterated from the parameter bound last to the first
+  TestMap map(1);  // one bucket: iterated from the last parameter bound to the first
   SecConfig section;
   section.init(&map, FakeInstrument::cHandle);
   ASSERT_EQ(map.current_size(), std::size(cRegistered));

@@ -10,7 +10,7 @@ using testing::HasSubstr;
 using testing::StartsWith;
 
 namespace {
-// In the order of a map of 128 buckets.
+// In the iteration order of a map with 128 buckets.
 constexpr const char* cBatch =
     "ReadParamList(handle, 24): 3:201 3:200 4:201 4:826 2:200 1:827 0:502 0:602 2:827 0:524 "
     "1:200 3:827 4:827 0:505 1:826 0:525 0:601 3:826 0:503 1:201 4:200 0:504 2:201 2:826";

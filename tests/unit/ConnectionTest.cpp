@@ -1,5 +1,5 @@
-// The life of a run: every call of the libraries in order, the failures of the connection, and the
-// program as a whole.
+// A run from start to end: every library call in order, connection failures, and the program as a
+// whole.
 #include <gmock/gmock.h>
 
 #include "AceBlocks.h"
@@ -63,7 +63,7 @@ TEST_F(ConnectionTest, StatusOptionIsTheSameReport) {
   EXPECT_EQ(mOutput.err, "");
 }
 
-// The report sends its records in the order of a map of 128 buckets.
+// The report sends its records in the iteration order of a map with 128 buckets.
 TEST_F(ConnectionTest, MapOfTheProgramHas128Buckets) {
   EXPECT_EQ(run({}), 0);
   const std::vector<ParamList> sent = mInstrument.batch(0);
@@ -88,7 +88,7 @@ TEST_F(ConnectionTest, MapIsClearedAndClosedBeforeThePlatformLayerFinishes) {
     }
   };
   EXPECT_EQ(run({}), 0);
-  EXPECT_GT(heldAtBreak, 71);  // the map's table, and an entry at least for each parameter
+  EXPECT_GT(heldAtBreak, 71);  // the map's table, and at least one entry per parameter
   EXPECT_EQ(heldAtFinish, 0);
 }
 
@@ -97,7 +97,7 @@ TEST_F(ConnectionTest, AddressIsHandedOverAsAnUnsignedNumber) {
   EXPECT_EQ(mInstrument.calls()[1], "startupGC(1, 16777226, 0, 0, 1, \"\")");
 }
 
-// Where long has 64 bits the number is positive, else it has the same 32 bits.
+// With a 64-bit long the number is positive, otherwise it has the same 32 bits.
 TEST_F(ConnectionTest, AddressAboveTheRangeOfInt) {
   run({"-s", "1.2.3.200"});
   const long address = static_cast<long>(3355640321UL);
@@ -197,7 +197,7 @@ TEST_F(ConnectionTest, HelpReachesNoLibrary) {
   EXPECT_THAT(mInstrument.calls(), IsEmpty());
 }
 
-// One request on a map of the caller's.
+// A single request with the caller's map.
 
 TEST_F(ConnectionTest, RequestLeavesItsParametersInTheMap) {
   ParameterMap map(128);

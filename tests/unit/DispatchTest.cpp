@@ -1,5 +1,5 @@
-// From the command line to the instrument: each operation creates its section, in its mode, with
-// its number or file.
+// From the command line to the instrument: each operation creates its section, in the right mode,
+// with its number or file.
 #include <gmock/gmock.h>
 
 #include <ostream>
@@ -19,7 +19,7 @@ using testing::Not;
 int gcWebMain(int argc, char* argv[]);
 
 namespace {
-/// A command line, and what it sends between the start of the connection and its end.
+/// A command line, and what it sends between opening and closing the connection.
 struct OperationRow {
   std::vector<std::string> words;
   std::vector<std::string> traffic;
@@ -71,7 +71,7 @@ const OperationRow cCommands[] = {
     {{"-P"}, {"ExecuteCommand(handle, 0, 35)"}},
 };
 
-/// A command, the call of which the instrument refuses, and what it prints for code 5.
+/// A command whose call the instrument refuses, and what it prints for code 5.
 struct RefusedRow {
   std::vector<std::string> words;
   eFunction refused;
@@ -107,13 +107,13 @@ const RefusedRow cRefused[] = {
 
 class DispatchTest : public testing::Test {
  protected:
-  /// Runs the program to its exit status, which is 0 whatever the instrument answers.
+  /// Runs the program, which exits with 0 whatever the instrument answers.
   void run(std::vector<std::string> aOptions) {
     aOptions.insert(aOptions.begin(), "GC_Web");
     Arguments lArguments(std::move(aOptions));
     mOutput = capture([&] { EXPECT_EQ(gcWebMain(lArguments.count(), lArguments.words()), 0); });
   }
-  /// All calls of a run in a connection mode, around those of its operation.
+  /// All calls of a run in a connection mode, including those around the operation.
   static std::vector<std::string> around(const std::string& aMode,
                                          const std::vector<std::string>& aTraffic) {
     std::vector<std::string> lAll = {"initializeACE()", "startupGC(1, 16777343, 0, 0, 1, \"\")",
@@ -197,7 +197,7 @@ TEST_F(DispatchTest, CalibrationDownloadReadsItsFile) {
   EXPECT_EQ(mOutput.err, "");
 }
 
-// The result of the parsing is not looked at: the section itself refuses, with its own verdict.
+// The result of parsing is ignored: the section itself refuses, with its own verdict.
 
 TEST_F(DispatchTest, SequenceDownloadWithoutFileIsRefusedBySection) {
   run({"-Q", testing::TempDir() + "no/such/file.json"});
@@ -220,7 +220,7 @@ TEST_F(DispatchTest, EmptyFileIsRefusedBySection) {
   EXPECT_EQ(mOutput.err, "Execute failed -1.\n");
 }
 
-// A number that is no operation is the status section, in the mode of its number.
+// An unknown operation number selects the status section, in the mode for that number.
 TEST_F(DispatchTest, UnknownOperationIsTheStatusSection) {
   ParameterMap map(128);
   Request request;
@@ -233,7 +233,7 @@ TEST_F(DispatchTest, UnknownOperationIsTheStatusSection) {
   EXPECT_EQ(mOutput.err, "");
 }
 
-// How many parameters an operation leaves in the map that it is lent.
+// How many parameters an operation leaves in the caller's map.
 TEST_F(DispatchTest, ReportsWithMapsOfTheirOwnLeaveTheLentMapEmpty) {
   struct Row {
     eSections operation;

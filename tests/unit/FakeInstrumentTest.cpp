@@ -52,7 +52,7 @@ TEST_F(FakeInstrumentTest, KeepsTheRecordsAsTheyWereSent) {
   EXPECT_EQ(records[0].intvalue, 8);
   EXPECT_EQ(records[0].realvalue, 9.5);
   EXPECT_EQ(records[0].ServiceStatus, 10U);
-  EXPECT_EQ(records[1].intvalue, 46);  // without an answer
+  EXPECT_EQ(records[1].intvalue, 46);  // no scripted answer
 }
 
 TEST_F(FakeInstrumentTest, AnswerForAStepGoesBeforeThatForAll) {
@@ -71,7 +71,7 @@ TEST_F(FakeInstrumentTest, ProgramInfo) {
   EXPECT_EQ(ReadProgramInfo(FakeInstrument::cHandle, 5, 2, 6, &first, &second), 0UL);
   EXPECT_EQ(first, 11UL);
   EXPECT_EQ(second, 12UL);
-  ReadProgramInfo(9, 0, 3, 0, &first, &second);  // a channel without info
+  ReadProgramInfo(9, 0, 3, 0, &first, &second);  // no info for this channel
   EXPECT_EQ(first, 11UL);
   EXPECT_EQ(second, 12UL);
   EXPECT_THAT(mInstrument.calls(),

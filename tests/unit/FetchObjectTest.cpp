@@ -1,4 +1,4 @@
-// Fetching remote objects: the prototype first, then the object, used only if its class is right.
+// Fetching remote objects: the prototype first, then the object, used only if its class matches.
 #include "FetchObject.h"
 
 #include <gmock/gmock.h>

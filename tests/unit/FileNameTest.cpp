@@ -1,10 +1,10 @@
-// File names of downloads on the command line, of all lengths.
+// File names of downloads on the command line, of every length.
 #include <gtest/gtest.h>
 
 #include "Arguments.h"
 
 namespace {
-/// A name of the given length that is different at every place near the limit.
+/// A name of the given length without repetitions near the limit.
 std::string name(std::size_t aLength) {
   std::string lName;
   while (lName.size() < aLength) {

@@ -1,4 +1,4 @@
-// The files of downloads: which ones are refused, with what verdict, and that nothing is sent then.
+// Files of downloads: which are rejected, with what verdict, and that nothing is sent then.
 #include <gmock/gmock.h>
 #include <unistd.h>
 
@@ -15,7 +15,7 @@ namespace {
 constexpr std::size_t cMillion = 1000000;
 constexpr std::size_t cReadBuffer = 65536;
 
-/// By doubling: every start of the test program builds these texts.
+/// By doubling, because these texts are built at every start of the test program.
 std::string repeated(const std::string& aText, std::size_t n) {
   const std::size_t size = n * aText.size();
   std::string lText = aText;
@@ -25,7 +25,7 @@ std::string repeated(const std::string& aText, std::size_t n) {
   return lText;
 }
 
-/// A file that both downloads take, with whatever members are put in; it writes no row.
+/// A file that both downloads accept, with the given members added; it writes no row.
 std::string fileWith(const std::string& aMembers) {
   return "{\"Table_repeat\": 0, \"total\": 0" + aMembers + "}";
 }
@@ -35,7 +35,7 @@ struct FileRow {
   std::string content;
 };
 
-// GoogleTest would print whole files.
+// GoogleTest would print the whole files.
 std::ostream& operator<<(std::ostream& aStream, const FileRow& aRow) {
   return aStream << aRow.name;
 }
@@ -101,7 +101,7 @@ const FileRow cTaken[] = {
     {"one byte more than the read buffer",
      std::string(cReadBuffer + 1 - fileWith("").size(), ' ') + fileWith("")},
     {"number below all doubles", fileWith(", \"a\": 1e-400")},
-    // Numbers that an exact parser would need more than its tables for.
+    // Numbers for which an exact parser's tables do not suffice.
     {"number below all doubles in full", fileWith(", \"a\": 0." + repeated("0", 400) + "1")},
     {"number far below all doubles in full", fileWith(", \"a\": 0." + repeated("0", 5000) + "1")},
     {"number just above all doubles", fileWith(", \"a\": 1.8e308")},
@@ -111,7 +111,7 @@ const FileRow cTaken[] = {
      fileWith(", \"a\": " + repeated("[", cMillion) + repeated("]", cMillion))},
 };
 
-/// A download that refuses with its verdict.
+/// A download that rejects its file with its verdict.
 class SequenceFile : public DownloadBench<SecSequenceTbl> {
  public:
   void expectRefused() {
@@ -139,7 +139,7 @@ class CalibFile : public DownloadBench<SecCalibTbl> {
   int parseUnopened(const char* aName) { return mSection.parseFile(std::string(aName).data()); }
 };
 
-/// The next descriptor that a file would get.
+/// The descriptor that the next opened file would get.
 int freeDescriptor() {
   const int lDescriptor = dup(STDOUT_FILENO);
   close(lDescriptor);
@@ -231,7 +231,7 @@ TYPED_TEST(DownloadFileTest, GoodFileTakesThePlaceOfABrokenOne) {
   this->mDownload.expectTaken();
 }
 
-// Presence is all that is asked of the members of the file; the calibration needs the total only.
+// Members of the file only need to be present; the calibration needs only the total.
 
 TEST(SequenceFileMembersTest, TableRepeatIsRequired) {
   SequenceFile file;
@@ -245,7 +245,7 @@ TEST(CalibFileMembersTest, TableRepeatIsNotRequired) {
   file.expectTaken();
 }
 
-// The reading itself.
+// Reading the file.
 
 TEST(ParseJsonFileTest, MissingFileIsMinusOne) {
   Document document;

@@ -1,4 +1,4 @@
-// Reading members of JSON objects: which types count, and the default for all others.
+// Reading members of JSON objects: which types are accepted, and the default for all others.
 #include <gtest/gtest.h>
 
 #include <ostream>
@@ -11,8 +11,8 @@ constexpr int cInt = -77;
 constexpr double cReal = -77.5;
 constexpr const char* cText = "default";
 
-/// A member's value, and what each function makes of it. Where a function does not take the type
-/// the default stands.
+/// A member's value, and the result of each function. A function that does not accept the type
+/// returns the default.
 struct Row {
   const char* json;
   int integer;

@@ -9,11 +9,12 @@
 #include "Capture.h"
 #include "Common.h"
 
-// The replacement character as the document holds it; a macro, to be joined to other literals.
+// The replacement character as it appears in the document; a macro, so that it joins other
+// literals.
 #define FFFD "\xEF\xBF\xBD"
 
 namespace {
-/// A text of the instrument, and how the document shows it between its quotes.
+/// A text of the instrument, and its form between the document's quotes.
 struct TextRow {
   const char* text;
   const char* shown;
@@ -23,7 +24,7 @@ std::ostream& operator<<(std::ostream& aStream, const TextRow& aRow) {
   return aStream << '"' << aRow.shown << '"';
 }
 
-// The bounds are those of the table of well-formed byte sequences in the Unicode standard.
+// The bounds follow the Unicode standard's table of well-formed byte sequences.
 constexpr TextRow cTexts[] = {
     {"", ""},
     {"Natural gas", "Natural gas"},
@@ -49,7 +50,7 @@ constexpr TextRow cTexts[] = {
      "C \xE2\x82\xAC",
      "20 \xC2\xB0"
      "C \xE2\x82\xAC"},
-    // One byte beyond each range.
+    // One byte outside each range.
     {"\x80", FFFD},
     {"\xBF", FFFD},
     {"\xC0\x80", FFFD FFFD},
@@ -76,7 +77,7 @@ constexpr TextRow cTexts[] = {
     {"\xF8\x88\x80\x80\x80", FFFD FFFD FFFD FFFD FFFD},
     {"\xFE", FFFD},
     {"\xFF", FFFD},
-    // Cut off by the end of the text, or by another character.
+    // Truncated by the end of the text, or by another character.
     {"\xC2", FFFD},
     {"\xE2\x82", FFFD FFFD},
     {"\xF0\x9F\x98", FFFD FFFD FFFD},
@@ -256,7 +257,7 @@ TEST(ResultObjectTest, VerdictOfACommandIsItsStatus) {
   }
 }
 
-/// Where a long has 64 bits, the words are those of the whole status, the code is its lower half.
+/// With a 64-bit long, the text shows the whole status, the code its lower half.
 TEST(ResultObjectTest, VerdictIsOfTheWholeStatus) {
   constexpr unsigned long cHigh = ~0xFFFFFFFFUL;
   int result = 99;

@@ -1,4 +1,4 @@
-// Abort, stream switch and solution load, whose outputs differ on purpose.
+// Abort, stream switch and solution load, whose outputs deliberately differ.
 #include <gmock/gmock.h>
 
 #include "RunCommand.h"
@@ -154,7 +154,7 @@ TEST_P(SolutionLoadStatus, FailureIsCalledAccepted) {
 
 INSTANTIATE_TEST_SUITE_P(Statuses, SolutionLoadStatus, testing::ValuesIn(cRefusals));
 
-// What they share: the write with its line on standard error.
+// What they have in common: the write with its line on standard error.
 
 TEST(WriteAndReportTest, StatusIsReportedOnStandardErrorAndReturned) {
   FakeInstrument instrument;

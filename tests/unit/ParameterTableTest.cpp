@@ -1,4 +1,4 @@
-// Tables of parameters, and how their rows are registered.
+// Parameter tables, and how their rows are registered.
 #include "ParameterTable.h"
 
 #include <InstrumentClient.h>
@@ -22,7 +22,7 @@ struct Registered {
   }
 };
 
-/// What a map of one bucket holds, in the order of registration: it keeps the last one first.
+/// The contents of a map with one bucket, which iterates backwards, in registration order.
 std::vector<Registered> registered(const ParameterMap& aMap) {
   std::vector<Registered> lAll;
   for (ParameterMapConstIter it(aMap); !it.done(); it.advance()) {
@@ -142,7 +142,7 @@ TEST(ParameterTableTest, NameIsCopied) {
   EXPECT_EQ(map.at("mAutoZero2"), nullptr);
 }
 
-// The sanitizers watch that what the map holds is deleted, on every way out.
+// The sanitizers check that the map's contents are deleted on every return path.
 TEST(LocalMapTest, OwnsWhatIsBoundIntoIt) {
   LocalMap map(20);
   EXPECT_EQ((*map).total_size(), 20U);

@@ -1,4 +1,4 @@
-// The starts of single, calibration and automation runs.
+// Starting single, calibration and automation runs.
 #include <gmock/gmock.h>
 
 #include "SecAutoRun.h"
@@ -10,7 +10,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
-/// A run's section with its fields in sight.
+/// Exposes a run section's fields.
 template <class Section>
 class OpenRun : public Section {
  public:
@@ -28,9 +28,8 @@ class SingleRunStatus : public SingleRun, public testing::WithParamInterface<uns
 class CalibRunStatus : public CalibRun, public testing::WithParamInterface<unsigned long> {};
 class AutoRunStatus : public AutoRun, public testing::WithParamInterface<unsigned long> {};
 
-// The parameters in the order of a map of 128 buckets: of the single run stream, run type and
-// level; of the calibration run stream, calibration type, current replicate, run type, level and
-// replicates.
+// The parameters in the iteration order of a map with 128 buckets. Single run: stream, run type,
+// level. Calibration run: stream, calibration type, current replicate, run type, level, replicates.
 constexpr const char* cSingleRun = "WriteParamList(handle, 3): 0:62=46 0:60 0:61";
 constexpr const char* cCalibRun =
     "WriteParamList(handle, 6): 0:62=46 0:75=1 0:74=1 0:60=1 0:61=1 0:73=2";
@@ -40,8 +39,8 @@ std::string written(unsigned long aStatus) {
   return "writeParam. return " + std::to_string(asInt(aStatus)) + ".\n";
 }
 
-/// The names that a section registers, in order; it works with a map of one bucket, which is
-/// iterated from the parameter bound last to the first.
+/// The names that a section registers, in order; uses a map with one bucket, which iterates from
+/// the last parameter bound to the first.
 template <class Section>
 std::vector<std::string> registered() {
   TestMap lMap(1);

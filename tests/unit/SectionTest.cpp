@@ -1,5 +1,5 @@
-// The base class of the operations: what it holds, what its functions do unless overridden, and
-// what every operation keeps of its start.
+// The base class of the operations: its state, the defaults of its functions, and what every
+// operation keeps from its start.
 #include "Section.h"
 
 #include <gtest/gtest.h>
@@ -21,7 +21,7 @@
 #include "TestMap.h"
 
 namespace {
-/// A section that overrides only what it must and shows what it holds.
+/// Overrides only what it must, and exposes its state.
 class PlainSection : public SectionBase {
  public:
   void init(ParameterMap* aMap, unsigned long handle) override {
@@ -43,7 +43,7 @@ class SectionTest : public testing::Test {
   PlainSection mFourth;
 };
 
-/// A section that tells when it is deleted.
+/// Reports its own deletion.
 class CountedSection : public PlainSection {
  public:
   explicit CountedSection(int& aDeleted) : mDeleted(aDeleted) {}
@@ -53,7 +53,7 @@ class CountedSection : public PlainSection {
   int& mDeleted;
 };
 
-/// An operation that shows what it holds.
+/// Exposes an operation's state.
 template <class Section>
 class OpenSection : public Section {
  public:

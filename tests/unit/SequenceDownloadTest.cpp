@@ -1,4 +1,4 @@
-// The download of a sequence table: what is written in which order, and every refusal.
+// The download of a sequence table: what is written in which order, and every rejection.
 #include <gmock/gmock.h>
 
 #include "DownloadBench.h"
@@ -12,14 +12,14 @@ constexpr const char* cClear = "ExecuteCommand(handle, 0, 22)";
 constexpr const char* cInsert = "ExecuteCommand(handle, 0, 19)";
 constexpr const char* cEmptyHead = "WriteParamList(handle, 2): 0:12 0:15";
 
-/// A line of zeros in the order of a map of 20 buckets; calibration is always 1.
+/// A line of zeros in the iteration order of a map with 20 buckets; calibration is always 1.
 std::string zeroLine(int aLine) {
   const std::string step = "@" + std::to_string(aLine);
   return "WriteParamList(handle, 6): 0:23" + step + " 1:1010" + step + " 0:25" + step + "=1 0:24" +
          step + " 0:26" + step + " 0:22" + step;
 }
 
-/// A file of n rows, of which `aTotal` are to be written.
+/// A file of n rows, `aTotal` of which are to be written.
 std::string fileOf(int n, const std::string& aTotal) {
   std::string lRows;
   for (int i = 0; i < n; ++i) {
@@ -38,7 +38,7 @@ constexpr const char* cThreeLines = R"({
 
 class SequenceDownloadTest : public DownloadBench<SecSequenceTbl>, public testing::Test {
  protected:
-  /// The traffic of a download that succeeds.
+  /// The traffic of a successful download.
   std::vector<std::string> written(const std::string& aContent) {
     const std::size_t lBefore = mInstrument.calls().size();
     EXPECT_EQ(download(aContent), 0);
@@ -84,7 +84,7 @@ constexpr CountRow cCounts[] = {
     {3, "1e300", 0},
 };
 
-/// A row of the file, and what is written of it.
+/// A row of the file, and what is written for it.
 struct LineRow {
   const char* json;
   const char* line;
@@ -220,7 +220,7 @@ TEST_P(SequenceLineTest, IsWrittenWithDefaultsForWhatItLacks) {
 
 INSTANTIATE_TEST_SUITE_P(Rows, SequenceLineTest, testing::ValuesIn(cLines));
 
-// Every status but 0 refuses, 28 included; what was done before stays done.
+// Any status but 0 is a refusal, 28 included; earlier steps are not undone.
 
 TEST_P(SequenceRefusalTest, Head) {
   mInstrument.setStatusOfCall(eFunction::eWriteParamList, 1, GetParam());

@@ -12,10 +12,10 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-/// The way of the tests to the run types of the sequence table.
+/// Gives tests access to the run types of the sequence table.
 class SecSequenceTblAccess {
  public:
-  /// The text that is left in a used buffer of the smallest size.
+  /// The text left in a used buffer of the minimum size.
   static std::string text(int aCode) {
     std::array<char, 30> lBuffer = {};
     lBuffer.fill('#');
@@ -28,7 +28,7 @@ class SecSequenceTblAccess {
 };
 
 namespace {
-// In the order of a map of 20 buckets.
+// In the iteration order of a map with 20 buckets.
 constexpr const char* cHead = "ReadParamList(handle, 4): 0:12 0:525 0:15 0:144";
 
 std::string lineBatch(int aLine) {

@@ -1,4 +1,4 @@
-// The texts of instrument state, automation state and run type.
+// The texts for instrument state, automation state and run type.
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -63,8 +63,8 @@ constexpr CountRow cCounts[] = {
     {INT_MIN, "Running -2147483648s", "Cleaning -2147483648 min"},
 };
 
-/// Minutes, and the two texts that show them as seconds: one cut to whole seconds, one to whole
-/// minutes before that.
+/// Minutes, and the two texts that show them as seconds: one truncated to whole seconds, the other
+/// to whole minutes first.
 struct MinutesRow {
   double minutes;
   const char* delay;
@@ -87,7 +87,7 @@ constexpr MinutesRow cMinutes[] = {
     {1.999, "Run Delay 119s", "Flushing Stream 60s"},
     {2.9, "Run Delay 174s", "Flushing Stream 120s"},
     {1440.25, "Run Delay 86415s", "Flushing Stream 86400s"},
-    // 35791394 minutes are the most whose seconds an int holds.
+    // 35791394 minutes is the largest number whose seconds fit into an int.
     {35791394.0, "Run Delay 2147483640s", "Flushing Stream 2147483640s"},
     {35791394.99, "Run Delay 2147483647s", "Flushing Stream 2147483640s"},
     {35791395.0, "Run Delay 2147483647s", "Flushing Stream 2147483647s"},
@@ -115,7 +115,7 @@ class CountTest : public testing::TestWithParam<CountRow> {};
 class MinutesTest : public testing::TestWithParam<MinutesRow> {};
 }  // namespace
 
-// A map without the counts: they then read as 0.
+// A map without the counts, which then read as 0.
 
 TEST_P(GcStateTest, Text) {
   EXPECT_EQ(SecStatusAccess::gcState(GetParam().code, TestMap()), GetParam().text);
@@ -129,7 +129,7 @@ TEST_P(RunTypeCodeTest, Text) {
   EXPECT_EQ(SecStatusAccess::runType(GetParam().code, TestMap()), GetParam().text);
 }
 
-// The values that do not belong to the text are set to others, to be told from those that do.
+// All values that the text does not use are set to something else, so that a mix-up is seen.
 
 TEST_P(CountTest, Running) {
   TestMap map;

@@ -1,4 +1,4 @@
-// Whole status documents, byte for byte, of instruments as they come.
+// Whole status documents, byte for byte, of realistic instruments.
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -12,7 +12,7 @@
 namespace {
 class StatusDocumentTest : public testing::Test {
  protected:
-  /// The document of the instrument as it stands.
+  /// The document of the instrument in its present state.
   std::string document() {
     TestMap lMap;
     SecStatus lSection;
@@ -25,7 +25,7 @@ class StatusDocumentTest : public testing::Test {
   FakeInstrument mInstrument;
 };
 
-// What an instrument without any values shows.
+// The document of an instrument without any values.
 constexpr const char* cBareStatus = R"({
     "GC_time": "5-3-2024 07:04:09",
     "Application": "",
@@ -81,7 +81,7 @@ TEST_F(StatusDocumentTest, IncompleteBatchShowsAllThatArrived) {
   EXPECT_EQ(document(), cEverydayStatus);
 }
 
-// Channels 1 and 3, no heated line; every flag and code is the other way round than everyday.
+// Channels 1 and 3, no heated line; every flag and code differs from the everyday instrument's.
 TEST_F(StatusDocumentTest, ChannelsOneAndThree) {
   setEveryday(mInstrument);
   setInteger(mInstrument, 0, 503, 0);
@@ -168,7 +168,7 @@ TEST_F(StatusDocumentTest, ChannelsOneAndThree) {
 )");
 }
 
-// Channels 2 and 4 with extremes, and a heated line whose setpoint is no number.
+// Channels 2 and 4 with extreme values, and a heated line whose setpoint is NaN.
 TEST_F(StatusDocumentTest, Extremes) {
   constexpr double cNaN = std::numeric_limits<double>::quiet_NaN();
   constexpr double cInfinity = std::numeric_limits<double>::infinity();

@@ -22,7 +22,7 @@ struct Sent {
   std::uint32_t id;
 };
 
-/// In the order of registration.
+/// In registration order.
 constexpr Registered cRegistered[] = {
     {"mInstalled1", 0, 502},
     {"mInstalled2", 0, 503},
@@ -98,8 +98,8 @@ constexpr Registered cRegistered[] = {
 };
 static_assert(std::size(cRegistered) == 71);
 
-/// In the order of a map of 128 buckets: bucket by bucket, each newest first, where the bucket of a
-/// name is its PJW hash modulo 128 with each character weighted by 13.
+/// In the iteration order of a map with 128 buckets: bucket by bucket, each newest first. A name's
+/// bucket is its PJW hash modulo 128, with each character weighted by 13.
 constexpr Sent cSent[] = {
     {0, 102},   // mGC_State
     {0, 96},    // mGC_CleaningTimeLeft
@@ -183,7 +183,7 @@ class StatusParametersTest : public testing::Test {
 }  // namespace
 
 TEST_F(StatusParametersTest, AreRegisteredInOrderWithZeroValues) {
-  TestMap map(1);  // one bucket: iterated from the parameter bound last to the first
+  TestMap map(1);  // one bucket: iterated from the last parameter bound to the first
   mSection.init(&map, FakeInstrument::cHandle);
   ASSERT_EQ(map.current_size(), std::size(cRegistered));
   std::size_t row = std::size(cRegistered);

@@ -1,4 +1,4 @@
-// The status report against the instrument: its calls, its failures, and texts as they may come.
+// The status report and the instrument: calls, failures, and texts of any kind.
 #include <gmock/gmock.h>
 
 #include <array>
@@ -20,14 +20,14 @@ class StatusReportTest : public testing::Test {
  protected:
   StatusReportTest() { mSection.init(&mMap, FakeInstrument::cHandle); }
 
-  /// The status of the report; what it wrote is in mOutput.
+  /// The status returned by the report; its output is in mOutput.
   int report() {
     int lResult = -99;
     mOutput = capture([&] { lResult = mSection.readGC(); });
     EXPECT_EQ(mOutput.err, "");
     return lResult;
   }
-  /// The document of a report that succeeds.
+  /// The document of a successful report.
   std::string document() {
     EXPECT_EQ(report(), 0);
     return mOutput.out;
@@ -105,7 +105,7 @@ TEST_F(StatusReportTest, MapWithoutParametersShowsZeros) {
 TEST_P(StatusBatchFailureTest, IsReturnedWithNothingPrintedAndNothingAsked) {
   setEveryday(mInstrument);
   mInstrument.setStatus(eFunction::eReadParamList, GetParam());
-  // The unsigned status comes back in the bits of an int.
+  // The unsigned status is returned in the bits of an int.
   EXPECT_EQ(static_cast<unsigned int>(report()), GetParam());
   EXPECT_EQ(mOutput.out, "");
   EXPECT_THAT(mInstrument.calls(), ElementsAre("ReadParamList(handle, 71)"));
@@ -162,8 +162,8 @@ TEST_F(StatusReportTest, ClockBeyondAllBoundsStillFits) {
                                      "2147483647:2147483647:2147483647\",\n"));
 }
 
-// Whatever the clock left untouched reads as 0, and an error text that is left untouched shows the
-// clock's text, which the buffer held before.
+// Anything that the clock leaves unset reads as 0; an error text left unset shows the clock's text,
+// which the buffer held before.
 TEST_F(StatusReportTest, LibrariesThatWriteNothing) {
   mInstrument.setTag(4, "Natural gas");
   mInstrument.silent = true;

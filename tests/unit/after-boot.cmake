@@ -1,5 +1,5 @@
-# What looks at a clock that begins with the system, soon after that and long after it:
-# gc_test_after_boot(NAME PROGRAM). Once is enough.
+# gc_test_after_boot(NAME PROGRAM) runs tests of clocks that start at boot, both soon and long after
+# boot. One build is enough.
 function(gc_test_after_boot name program)
   if(GC_SANITIZE OR CMAKE_CROSSCOMPILING)
     return()

@@ -1,4 +1,4 @@
-// Follows a good run call by call, and bends it where the injury and the tables say so.
+// Follows a good run call by call, and changes it where the injury and the tables require it.
 #include "Expectations.h"
 
 #include <rapidjson/document.h>
@@ -28,7 +28,7 @@ bool begins(const std::string& aText, const char* aStart) {
   return aText.rfind(aStart, 0) == 0;
 }
 
-/// A text of a table, for member `aNumber` of its family.
+/// A text from a table, for member `aNumber` of its family.
 std::string forMember(const char* aText, unsigned int aNumber) {
   std::string text(aText);
   std::replace(text.begin(), text.end(), '%', static_cast<char>('0' + aNumber));
@@ -62,7 +62,8 @@ class Edited {
     mDocument.Parse<rapidjson::kParseFullPrecisionFlag>(aText.c_str());
   }
 
-  /// Replaces what is there; null removes it. A pointer to nothing is a mistake of the tables.
+  /// Replaces the value at the pointer; null removes it. A pointer to nothing is an error in the
+  /// tables.
   void put(const std::string& aPointer, const char* aJson) {
     const rapidjson::Pointer pointer(aPointer.c_str());
     const bool copies = aJson != nullptr && *aJson == '/';
@@ -88,7 +89,7 @@ class Edited {
     return std::string(buffer.GetString()) + "\n";
   }
   const std::string& undefined() const { return mUndefined; }
-  /// The text that is there; empty when there is none.
+  /// The text at the pointer; empty if there is none.
   std::string textAt(const std::string& aPointer) const {
     const rapidjson::Value* const text = rapidjson::Pointer(aPointer.c_str()).Get(mDocument);
     return text != nullptr && text->IsString() ? text->GetString() : "";
@@ -99,14 +100,14 @@ class Edited {
   std::string mUndefined;
 };
 
-/// What went wrong on the way to a document that is printed all the same.
+/// What went wrong in a run that still prints a document.
 struct Missing {
   std::set<Address> unread;
-  std::set<std::string> unfilled;  ///< calls, as text
+  std::set<std::string> unfilled;  ///< calls as text
   std::vector<const ShownCall*> shownCalls;
-  const ParamList* special = nullptr;  ///< the record with a value that is not finite
+  const ParamList* special = nullptr;  ///< the record with a non-finite value
   double value = 0.0;
-  std::pair<std::size_t, std::size_t> letters = {0, 0};  ///< of a component's name, swapped
+  std::pair<std::size_t, std::size_t> letters = {0, 0};  ///< swapped in a component's name
 
   bool has(std::uint32_t aId, std::uint32_t aStep) const {
     return std::any_of(unread.begin(), unread.end(), [&](const Address& address) {
@@ -130,7 +131,7 @@ bool isSkipped(const Operation& aOperation, const Missing& aMissing, const std::
       });
 }
 
-/// The calls that show something of their own, and what went wrong with this one.
+/// Notes what went wrong with a call that has an effect of its own on the document.
 void noteCall(const Operation& aOperation, const GoodRun& aGood, std::size_t aCall,
               const AnswerGiven& aAnswer, Missing& missing) {
   const std::string& text = aGood.log[aCall].text;
@@ -149,7 +150,7 @@ void noteCall(const Operation& aOperation, const GoodRun& aGood, std::size_t aCa
   }
 }
 
-/// Which records of a batch read do not reach the parameters that asked for them.
+/// Notes which records of a batch read do not reach the parameters that requested them.
 void noteRecords(const std::vector<ParamList>& aRecords, const Injury& aInjury,
                  const AnswerGiven& aAnswer, Missing& missing) {
   for (std::size_t i = 0; i < aRecords.size(); ++i) {
@@ -191,7 +192,7 @@ void editValues(const Operation& aOperation, const Missing& aMissing, Edited& do
   }
 }
 
-/// A name ends where its first character is missing.
+/// A name ends at its first missing character.
 void cutNames(const Missing& aMissing, Edited& document) {
   for (const Address& address : aMissing.unread) {
     const auto [channel, id, step] = address;
@@ -204,9 +205,9 @@ void cutNames(const Missing& aMissing, Edited& document) {
   }
 }
 
-/// The letters of a component's name are taken as they come: nobody looks whose they are.
+/// The tool uses a component's letters in the order of arrival, without checking their addresses.
 void swapLetters(const Missing& aMissing, Edited& document) {
-  constexpr std::size_t cNumber = 3;  // characters in front of the name
+  constexpr std::size_t cNumber = 3;  // characters before the name
   const char* const pointer = "/rows/1/ParamStr";
   std::string text = document.textAt(pointer);
   std::swap(text.at(cNumber + aMissing.letters.first), text.at(cNumber + aMissing.letters.second));
@@ -249,7 +250,7 @@ std::string document(const Operation& aOperation, const GoodRun& aGood, const Mi
   return edited.text();
 }
 
-/// A call as it is made when the connection brought no handle.
+/// The call as made if the connection returned no handle.
 std::string withoutHandle(std::string text) {
   const std::string handle = "(handle";
   const std::size_t place = text.find(handle);

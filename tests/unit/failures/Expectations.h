@@ -1,4 +1,4 @@
-// What a run with an injury is to print, and which calls it is to make.
+// What a run with an injury should print, and which calls it should make.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 #include "Faults.h"
 #include "Operations.h"
 
-/// A run without injury: what it printed, and its calls, as text and with the records sent.
+/// A run without an injury: its output, and its calls, as text and with the records sent.
 struct GoodRun {
   Output output;
   std::vector<Call> log;
@@ -17,11 +17,11 @@ struct GoodRun {
 struct Expectation {
   Output output;
   std::vector<std::string> calls;
-  /// Of what the tables do not know; none in a defined cell.
+  /// What the tables do not cover; empty in a defined cell.
   std::string undefined;
 };
 
 Expectation expectation(const Operation& aOperation, const GoodRun& aGood, const Injury& aInjury);
 
-/// A call of the log without what is settled elsewhere: which error's text was asked for.
+/// A logged call without details checked elsewhere, such as the error whose text was requested.
 std::string plainCall(const std::string& aCall);

@@ -1,4 +1,4 @@
-// What can go wrong with one call of the libraries, and how the scripted instrument does it.
+// What can go wrong with a library call, and how the scripted instrument does it.
 #include "Faults.h"
 
 #include <limits>
@@ -13,7 +13,7 @@ bool isBatchRead(const FunctionRow& aFunction) {
   return aFunction.function == eFunction::eReadParamList;
 }
 
-/// How often a fault can hit a call: a fault of a record once for each.
+/// How often a fault can hit a call; a fault of a record, once for each record.
 std::size_t countHits(const FaultRow& aFault, const FunctionRow& aFunction, const Call& aCall) {
   switch (aFault.hits) {
     case eHits::eStatus:
@@ -32,7 +32,7 @@ std::size_t countHits(const FaultRow& aFault, const FunctionRow& aFunction, cons
   return 0;
 }
 
-/// Spoils the answer to a batch, of which the log has what was sent.
+/// Corrupts the answer to a batch, using the records sent, which are in the log.
 void spoil(const Injury& aInjury, const FakeInstrument& aInstrument, ParamList* records,
            unsigned long count) {
   const std::vector<ParamList>& sent = aInstrument.log().back().records;

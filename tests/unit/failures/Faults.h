@@ -1,4 +1,4 @@
-// What can go wrong with one call of the libraries.
+// What can go wrong with a library call.
 #pragma once
 
 #include <cstddef>
@@ -7,69 +7,68 @@
 
 #include "FakeInstrument.h"
 
-/// What becomes of that which a call is to fill in.
+/// What happens to the data that a call should fill in.
 enum class eFilled {
   eAll,
-  eHalf,       ///< of a batch every second record comes back as it was sent; else as eAll
-  eNothing,    ///< what the caller handed over stays as it was
-  eAllButOne,  ///< one record of a batch comes back as it was sent
-  eSwapped,    ///< one record of a batch changes places with its partner
-  eValue,      ///< one record of a batch has another real value
+  eHalf,       ///< every second record of a batch returns unchanged; otherwise as eAll
+  eNothing,    ///< the caller's data stays unchanged
+  eAllButOne,  ///< one record of a batch returns unchanged
+  eSwapped,    ///< one record of a batch is swapped with its partner
+  eValue,      ///< one record of a batch gets another real value
 };
 
 /// Which calls a fault can hit.
 enum class eHits {
-  eStatus,      ///< all that answer with a status
-  eFilling,     ///< all that fill something in
+  eStatus,      ///< all that return a status
+  eFilling,     ///< all that fill in data
   eBatchRead,   ///< batch reads
-  eRecord,      ///< batch reads, each record in its turn
-  eBatch,       ///< batches of two records or more, both ways, each record in its turn
+  eRecord,      ///< batch reads, each record in turn
+  eBatch,       ///< batches of at least two records, reads and writes, each record in turn
   eConnection,  ///< all that go over the connection
 };
 
 struct FaultRow {
   const char* name;
   eHits hits;
-  unsigned long status;  ///< of the call that is hit
+  unsigned long status;  ///< of the affected call
   eFilled filled;
-  unsigned long later;  ///< status of every later call over the connection; 0: nothing amiss
-  double value;         ///< of eValue
+  unsigned long later;  ///< status of all later calls over the connection; 0: no fault
+  double value;         ///< for eValue
 };
 
 const std::vector<FaultRow>& faults();
 
-/// A function of the libraries, as the log names it.
+/// A function of the libraries, under its name in the log.
 struct FunctionRow {
   const char* name;
-  eFunction function;  ///< eCount where it answers without a status
+  eFunction function;  ///< eCount if it returns no status
   bool overConnection;
   bool fills;
 };
 
-/// The row of a call; null when there is none.
+/// The row for a call; null if there is none.
 const FunctionRow* findFunction(const std::string& aCall);
 
-/// One call that goes wrong: call and record count from 0, as the log has them.
+/// One call that goes wrong: call and record count from 0, as in the log.
 struct Injury {
   const FaultRow* fault;
   std::size_t call;
   std::size_t record;
 };
 
-/// The record with which one changes places: the next of the same id, on another channel; where
-/// there is none, the next one.
+/// The record to swap with: the next one with the same id on another channel, or else the next one.
 std::size_t partnerOf(const std::vector<ParamList>& aRecords, std::size_t aRecord);
 
-/// What the caller is answered in one call.
+/// The answer that one call gets.
 struct AnswerGiven {
   unsigned long status = 0;
   eFilled filled = eFilled::eAll;
 };
 
-/// What call `aCall` of a run is answered.
+/// The answer to call `aCall` of a run.
 AnswerGiven answerTo(const Injury& aInjury, std::size_t aCall, const FunctionRow& aFunction);
 
-/// All ways in which a fault can hit a run that made these calls.
+/// All ways in which a fault can hit a run with these calls.
 std::vector<Injury> injuries(const FaultRow& aFault, const std::vector<Call>& aLog);
 
 /// Makes the instrument answer the next run with the injury.

@@ -1,4 +1,4 @@
-// The failure matrix: every operation, every call of the libraries that it makes, every fault.
+// The failure matrix: every operation, every library call it makes, every fault.
 #include <gtest/gtest.h>
 #include <rapidjson/document.h>
 
@@ -13,7 +13,7 @@
 
 namespace {
 
-/// How many cells there are of each operation and fault, and how many of them are undefined.
+/// The number of cells for each operation and fault, and how many of them are undefined.
 class MatrixTable : public testing::Environment {
  public:
   void count(const Operation& aOperation, const FaultRow& aFault, bool aDefined) {
@@ -76,7 +76,7 @@ std::size_t countCalls(const std::vector<Call>& aLog, const std::string& aFuncti
   return count;
 }
 
-/// What holds in every cell, found without the expectations: empty, or what does not.
+/// Checks what must hold in every cell, whatever the expectations. Returns the violations.
 std::string brokenInvariants(const Operation& aOperation, const Injury& aInjury,
                              const std::vector<Call>& aLog, const Outcome& aOutcome) {
   std::string broken;
@@ -107,7 +107,7 @@ std::string brokenInvariants(const Operation& aOperation, const Injury& aInjury,
   return broken;
 }
 
-/// Runs a cell; returns what is not as it is to be.
+/// Runs a cell; returns a description of any difference from the expectation.
 std::string tryCell(const Operation& aOperation, const GoodRun& aGood, const Injury& aInjury) {
   FakeInstrument instrument;
   setAnswers(instrument);
@@ -158,7 +158,7 @@ TEST_P(FailureMatrixTest, EveryCellIsDefined) {
   }
 }
 
-/// An operation's name, in the letters that a test's name may have.
+/// An operation's name, in characters allowed in a test name.
 INSTANTIATE_TEST_SUITE_P(Operations, FailureMatrixTest, testing::ValuesIn(operations()),
                          [](const testing::TestParamInfo<Operation>& aInfo) {
                            std::string name(aInfo.param.name);
@@ -182,7 +182,7 @@ TEST(FailureMatrix, EveryOperationHasARow) {
   }
 }
 
-// A matrix that lost its faults would be green.
+// An empty matrix would pass.
 TEST(FailureMatrix, EveryFaultHitsACall) {
   for (const FaultRow& fault : faults()) {
     std::size_t hits = 0;

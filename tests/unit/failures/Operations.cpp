@@ -1,4 +1,4 @@
-// The operations of the tool, and the instrument that they are tried on.
+// The operations of the tool, and the instrument that they run against.
 #include "Operations.h"
 
 #include <memory>
@@ -91,7 +91,7 @@ void setAnswers(FakeInstrument& aInstrument) {
   for (const std::uint32_t id : {70U, 173U, 2211U}) {
     setInteger(aInstrument, 0, id, 1);
   }
-  // Only one channel has a run time, so that none other takes its place when it is missing.
+  // Only one channel has a run time, so that no other replaces it when it is missing.
   for (const std::uint32_t channel : {1U, 3U, 4U}) {
     setInteger(aInstrument, channel, 204, 0);
   }

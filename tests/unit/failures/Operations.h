@@ -1,4 +1,4 @@
-// The operations of the tool, each as a command line that succeeds on one and the same instrument.
+// The operations of the tool, each as a command line that succeeds on the same instrument.
 #pragma once
 
 #include <ostream>
@@ -13,7 +13,7 @@ struct Operation {
   const char* name;
   eSections code;
   std::vector<std::string> words;
-  const char* file;  ///< contents of the file that the last word is to name; null for none
+  const char* file;  ///< contents of the file named by the last word; null for none
 };
 
 inline std::ostream& operator<<(std::ostream& aStream, const Operation& aOperation) {
@@ -22,16 +22,16 @@ inline std::ostream& operator<<(std::ostream& aStream, const Operation& aOperati
 
 const std::vector<Operation>& operations();
 
-/// Gives the instrument something to answer to each report: no value that is shown is 0, so that
-/// one that did not arrive is seen.
+/// Gives the instrument an answer to each report: no displayed value is 0, so that a missing one is
+/// seen.
 void setAnswers(FakeInstrument& aInstrument);
 
-/// What one run of the program left behind.
+/// The results of one run of the program.
 struct Outcome {
   int status = 99;  ///< exit status
   Output output;
   int aceBlocks = 0;  ///< blocks of ACE's containers that were not freed
 };
 
-/// Runs the whole program. The file of a download goes when the run has ended.
+/// Runs the whole program, then removes the file of a download.
 Outcome run(const Operation& aOperation);

@@ -1,4 +1,4 @@
-// What a call that fails is to bring about, operation by operation.
+// The effects of a failed call, by operation.
 #pragma once
 
 #include <cstddef>
@@ -7,16 +7,16 @@
 
 constexpr eSections cAnyOperation = NR_OF_SECTIONS;
 
-/// With which statuses a call ends the operation.
+/// The statuses of a call that end the operation.
 enum class eEnds { eNever, eNotZero, eNeither0Nor28 };
 
-/// The first rule that fits is the one of a call.
+/// The first matching rule applies to a call.
 struct Rule {
   eSections operation = cAnyOperation;
-  const char* call = nullptr;  ///< how the call and its records begin, as the log has them
+  const char* call = nullptr;  ///< how the call and its records begin, as logged
   eEnds ends = eEnds::eNever;
   const char* message = nullptr;  ///< of the result object then; null: nothing is printed
-  bool announced = false;         ///< whether standard error gets the status, failed or not
+  bool announced = false;         ///< whether standard error gets the status, in any case
 };
 
 constexpr Rule cRules[] = {
@@ -64,8 +64,8 @@ constexpr Rule cRules[] = {
     {cAnyOperation, "finishACE(", eEnds::eNever},
 };
 
-/// The failures of the connection: the two that have a code and a line of their own, and after
-/// which nothing is closed.
+/// The connection failures: the two that have a code and a line of their own, and after which
+/// nothing is closed.
 struct ConnectionRule {
   const char* call;
   unsigned long code;

@@ -1,12 +1,12 @@
-// Where reports show what they read, and what stands there when it has not arrived.
+// Where reports show what they read, and what they show if it has not arrived.
 #pragma once
 
 #include <cstdint>
 
 #include "GC_Web.h"
 
-/// How many parameters, and places in the document, a row stands for. '%' in its texts is the
-/// number from 1, '#' the one from 0.
+/// How many parameters, and places in the document, a row stands for. In its texts, '%' is the
+/// number counted from 1, '#' counted from 0.
 enum class eFamily { eOne, eChannel, eId, eStep };
 
 struct ShownValue {
@@ -16,13 +16,13 @@ struct ShownValue {
   std::uint32_t channel = 0;
   std::uint32_t id = 0;
   const char* pointer = nullptr;  ///< JSON pointer into the document
-  const char* unread = nullptr;   ///< JSON that stands there then; null: the member is missing
-  bool real = false;              ///< "-" stands there when it is not finite
+  const char* unread = nullptr;   ///< the JSON there if unread; null: the member is missing
+  bool real = false;              ///< shown as "-" if not finite
   std::uint32_t step = 0;         ///< of eOne
-  std::uint32_t unless = 0;  ///< id of a parameter of the same batch: not when that is unread, too
+  std::uint32_t unless = 0;       ///< not if the parameter with this id in the batch is unread too
 };
 
-// What overrides another stands behind it: a member that goes behind the values that it holds.
+// An overriding row follows the rows that it overrides, such as a member that contains them.
 constexpr ShownValue cShownValues[] = {
     {eStatusRead, eFamily::eOne, 1, 0, 173, "/Host", R"("online")"},
     {eStatusRead, eFamily::eOne, 1, 2, 204, "/Total_run_time", "0"},
@@ -102,7 +102,7 @@ constexpr ShownValue cShownValues[] = {
     {eAlarmRead, eFamily::eOne, 1, 0, 2029, "/rows", nullptr, false, 0, 2028},
 };
 
-/// Real values that are shown in a text: what it says then.
+/// Real values that appear within a text, and that text for non-finite values.
 struct SpecialReal {
   eSections operation;
   std::uint32_t channel;
@@ -118,22 +118,22 @@ constexpr SpecialReal cSpecialReals[] = {
      R"("Running Sequence")"},
 };
 
-/// What a call that is no batch of parameters shows, by what went wrong with it.
+/// How a failed call other than a parameter batch shows in the document.
 enum class eWrong { eUnfilled, eFailed };
 
 struct ShownCall {
   eSections operation;
-  const char* call;  ///< how it begins
-  unsigned int nth;  ///< of these calls, from 1
+  const char* call;  ///< its beginning
+  unsigned int nth;  ///< among these calls, from 1
   eWrong wrong;
   const char* pointer;
-  const char* shown;  ///< JSON, or a pointer to what stands there, too
+  const char* shown;  ///< JSON, or a pointer to a member with the same value
 };
 
 constexpr ShownCall cShownCalls[] = {
     {eStatusRead, "plxGetTime(", 1, eWrong::eUnfilled, "/GC_time", R"("0-0-0 00:00:00")"},
     {eStatusRead, "ReadObject(handle, 4)", 1, eWrong::eUnfilled, "/Application", R"("")"},
-    // One buffer for all texts: one that is not filled holds the clock.
+    // One buffer for all texts: if it is not filled, it still holds the clock.
     {eStatusRead, "getErrorText(", 1, eWrong::eUnfilled, "/Error_str", "/GC_time"},
     {eConfigRead, "ReadObject(handle, 5)", 1, eWrong::eUnfilled, "/Inst_name", R"("")"},
     {eConfigRead, "ReadObject(handle, 2)", 1, eWrong::eUnfilled, "/Site_info", "/Inst_name"},
@@ -149,14 +149,14 @@ constexpr ShownCall cShownCalls[] = {
     {eCalibRead, "ReadProgramInfo(handle, 0, 1,", 1, eWrong::eUnfilled, "/rows", "[]"},
 };
 
-/// Calls that are not made, because what asks for them has not arrived.
+/// Calls that are not made because their cause has not arrived.
 struct SkippedCall {
   eSections operation;
-  const char* cause;  ///< how the call begins that brought nothing; null: a parameter is unread
+  const char* cause;  ///< beginning of the call that returned nothing; null: a parameter is unread
   std::uint32_t id;
   std::uint32_t step;
   std::uint32_t unless;  ///< as in ShownValue
-  const char* call;      ///< how the calls and their records begin
+  const char* call;      ///< beginning of the calls with their records
 };
 
 constexpr SkippedCall cSkippedCalls[] = {

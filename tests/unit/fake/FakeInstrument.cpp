@@ -1,4 +1,4 @@
-// The scripts and the log of the scripted instrument.
+// The scripted instrument's scripts and log.
 #include "FakeInstrument.h"
 
 #include <ace/CDR_Stream.h>
@@ -12,7 +12,7 @@
 namespace {
 FakeInstrument* sInstrument = nullptr;
 
-/// Fills an object with texts the only way there is from outside: out of a stream.
+/// Fills an object with texts from a stream, the only way from outside the class.
 template <class Object>
 std::unique_ptr<RemoteObject> load(const std::string* aTexts, std::size_t aCount) {
   ACE_OutputCDR lOut;

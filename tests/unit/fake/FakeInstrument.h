@@ -1,5 +1,5 @@
-// A scripted instrument in the place of the three closed libraries: it answers as told and keeps a
-// log of every call.
+// A scripted instrument in place of the three closed libraries: it gives scripted answers and logs
+// every call.
 #pragma once
 
 #include <InstrumentClient.h>
@@ -15,7 +15,7 @@
 #include <utility>
 #include <vector>
 
-/// The functions of the libraries that answer with a status.
+/// The library functions that return a status.
 enum class eFunction {
   eStartupGC,
   eEstablishConnection,
@@ -30,14 +30,14 @@ enum class eFunction {
   eCount
 };
 
-/// What the instrument says of one parameter.
+/// The instrument's answer for one parameter.
 struct Answer {
   std::int32_t integer = 0;
   double real = 0.0;
   std::uint32_t serviceStatus = 0;
 };
 
-/// The controller's clock, in the order in which it is handed over.
+/// The controller's clock, in the order of plxGetTime's results.
 struct Clock {
   unsigned int hour = 7;
   unsigned int minute = 4;
@@ -47,19 +47,19 @@ struct Clock {
   unsigned int year = 2024;
 };
 
-/// One call as it arrived: the function with its arguments, and the records of a batch before
-/// anything was written to them. The handle of the connection stands as the word "handle".
+/// One call as received: the function with its arguments, and the records of a batch before they
+/// were changed. The handle of the connection is logged as the word "handle".
 struct Call {
   std::string text;
   std::vector<ParamList> records;
 };
 
-/// While one exists, every call of the libraries comes to it. Owns all objects that it hands out.
+/// While one exists, it receives every library call. Owns all objects that it hands out.
 class FakeInstrument {
  public:
-  /// The handle of the connection: a value that survives no narrowing.
+  /// The handle of the connection: a value that any narrowing would change.
   static constexpr unsigned long cHandle = ~0xABCDUL;
-  /// Size of the buffer that getErrorText writes to.
+  /// Size of the buffer that getErrorText fills.
   static constexpr std::size_t cErrorTextSize = 128;
 
   FakeInstrument();
@@ -67,49 +67,49 @@ class FakeInstrument {
   FakeInstrument(const FakeInstrument&) = delete;
   FakeInstrument& operator=(const FakeInstrument&) = delete;
 
-  /// The one instrument that exists; null when there is none.
+  /// The existing instrument; null if there is none.
   static FakeInstrument* current();
 
-  // --- scripts; without one every status is 0 ---
+  // --- scripts; without them every status is 0 ---
 
   /// The status of each call of a function.
   void setStatus(eFunction aFunction, unsigned long aStatus);
-  /// The status of one call, counted from 1; goes before setStatus.
+  /// The status of one call, counted from 1; takes precedence over setStatus.
   void setStatusOfCall(eFunction aFunction, unsigned int aCall, unsigned long aStatus);
-  /// The answer for a parameter. One without an answer comes back as it was sent.
+  /// The answer for a parameter. A parameter without one returns unchanged.
   void setValue(std::uint32_t aChannel, std::uint32_t aId, Answer aAnswer);
-  /// The answer for one step of a parameter; goes before the answer for all steps.
+  /// The answer for one step of a parameter; takes precedence over the answer for all steps.
   void setStepValue(std::uint32_t aChannel, std::uint32_t aId, std::uint32_t aStep, Answer aAnswer);
-  /// A remote object; null for one that does not arrive, like all that were never set.
+  /// A remote object; null, the default, for one that does not arrive.
   void setObject(unsigned long aNumber, std::unique_ptr<RemoteObject> aObject);
   void setTag(unsigned long aNumber, const std::string& aText);
   void setColumns(unsigned long aNumber, const std::array<std::string, 4>& aTexts);
   /// Text of an error code, up to the whole buffer: 128 characters leave no room for the zero.
   void setErrorText(int aCode, const std::string& aText);
-  /// The program info of a channel; one without leaves both results as they were.
+  /// The program info of a channel; without it both results stay unchanged.
   void setProgramInfo(unsigned long aChannel, unsigned long aFirst, unsigned long aSecond);
 
   Clock clock;
-  /// Whether the libraries answer with a status only and write to nothing that they were given.
+  /// Whether the libraries only return a status and write nothing to the caller's data.
   bool silent = false;
-  /// Called with the records of each batch last, to spoil them.
+  /// Called last with the records of each batch, to corrupt them.
   std::function<void(ParamList*, unsigned long)> tamper;
-  /// Called with the text of each call, to look at the caller's side at that moment.
+  /// Called with the text of each call, to inspect the caller's state at that moment.
   std::function<void(const std::string&)> atCall;
 
-  // --- what happened ---
+  // --- the log ---
 
   const std::vector<Call>& log() const { return mLog; }
   /// The texts of all calls in order.
   std::vector<std::string> calls() const;
-  /// The texts of all calls in order, each batch with its records behind it, such as
-  /// "ReadParamList(handle, 2): 0:23@1 1:1010@1=5": channel and id, and of what is not 0 the
-  /// @step, =integer, ~real, #method and !service status.
+  /// The texts of all calls in order, each batch followed by its records, such as
+  /// "ReadParamList(handle, 2): 0:23@1 1:1010@1=5": channel and id, and, if not 0, @step, =integer,
+  /// ~real, #method and !service status.
   std::vector<std::string> traffic() const;
-  /// The records of batch n, counted from 0 over reads and writes; empty if there was none.
+  /// The records of batch n, counted from 0 over reads and writes; empty if there is none.
   std::vector<ParamList> batch(std::size_t n) const;
 
-  // --- for the functions of the libraries ---
+  // --- for the library functions ---
 
   void record(const std::string& aText);
   unsigned long answerStatus(eFunction aFunction);
@@ -119,7 +119,7 @@ class FakeInstrument {
   void destroyed(const Clone& aObject, const char* aClass);
   RemoteObject* object(unsigned long aNumber) const;
   std::string errorText(int aCode) const;
-  /// Null when nothing was set.
+  /// Null if nothing was set.
   const std::pair<unsigned long, unsigned long>* programInfo(unsigned long aChannel) const;
 
  private:

@@ -1,4 +1,4 @@
-// The functions of the three libraries, handed on to the scripted instrument.
+// The functions of the three libraries, forwarded to the scripted instrument.
 #include <ErrorText.h>
 #include <PlatformLayer.h>
 
@@ -19,7 +19,7 @@ FakeInstrument& instrument() {
   return *lInstrument;
 }
 
-/// An argument as the log shows it.
+/// An argument as it appears in the log.
 template <class Argument>
 std::string shown(Argument aArgument) {
   return std::to_string(aArgument);

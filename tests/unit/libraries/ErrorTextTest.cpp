@@ -1,4 +1,4 @@
-// Texts of error codes, all within their buffer.
+// Texts of error codes, all within the bounds of their buffer.
 #include <ErrorText.h>
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t cBufferSize = 128;
 constexpr char cGuard = '\x5A';
 
-/// The text, from a buffer whose last octet must stay untouched behind the 128 promised ones.
+/// The text, from a buffer whose octet after the promised 128 must stay unchanged.
 std::string textOf(int aCode) {
   char buffer[cBufferSize + 1];
   std::memset(buffer, cGuard, sizeof buffer);

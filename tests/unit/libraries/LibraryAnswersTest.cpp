@@ -1,4 +1,5 @@
-// Answers that are none: the caller hears of it, keeps what it had, and the connection is closed.
+// Invalid answers: the caller gets an error, its data stays unchanged, and the connection is
+// closed.
 #include <string>
 #include <vector>
 
@@ -7,7 +8,7 @@
 
 namespace {
 
-/// A read of one record that this answer must fail.
+/// A read of one record, which this answer must make fail.
 class BadAnswerTest : public ConnectedTest {
  protected:
   void expectRead(unsigned long aStatus, const ScriptedController::Script& aScript) {
@@ -87,7 +88,7 @@ TEST_F(BadAnswerTest, SuccessWithoutRecords) {
   expectRead(eAnswerInvalid, [](const Request& request) { return answer(request, wire::Batch()); });
 }
 
-// Most callers take 28 for a success: without records it would show zeros that nobody measured.
+// Most callers treat 28 as success: without records they would show zeros that nobody measured.
 TEST_F(BadAnswerTest, IncompleteBatchWithoutRecords) {
   expectRead(eAnswerInvalid, [](const Request& request) {
     return answer(request, wire::Batch{28, {}});

@@ -1,4 +1,4 @@
-// Calls that the controller answers: what is sent, and what the caller gets back.
+// Calls that the controller answers: what is sent, and what the caller gets.
 #include <limits>
 #include <memory>
 #include <vector>
@@ -36,7 +36,7 @@ TEST_F(ConnectedTest, AnsweredRecordsStandInTheirPlaces) {
   EXPECT_TRUE(same(behind, records[2]));
 }
 
-// The caller finds a record that belongs elsewhere by its address; it must not be hidden from it.
+// The caller recognises a misplaced record by its address, so the library must pass it on.
 TEST_F(ConnectedTest, RecordOfAnotherParameterStaysVisible) {
   mController.on(wire::eType::eRead, batchAnswer(0, {{4, 0, 0, 99, 1.0, 1, 0}}));
   ParamList record{1, 0, 0, 5, 0, 0, 0};

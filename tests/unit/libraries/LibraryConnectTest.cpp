@@ -9,7 +9,7 @@
 
 namespace {
 
-/// The four octets, first in the lowest byte, as a long of 32 bits would hold them.
+/// The four octets, first in the lowest byte, in the form of a 32-bit long.
 long addressOf(unsigned a, unsigned b, unsigned c, unsigned d) {
   return static_cast<std::int32_t>(a | b << 8 | c << 16 | d << 24);
 }
@@ -65,7 +65,7 @@ TEST(Library, RefusesAnAddressOfMoreThanFourOctets) {
   EXPECT_EQ(eAddressUnusable, startupGC(1, std::numeric_limits<long>::min() + 127, 0, 0, 1, ""));
 }
 
-// Both forms of one address, as longs of 32 and of 64 bits hold it.
+// Both forms of an address, in 32-bit and in 64-bit longs.
 TEST(Library, TakesAnAddressWithAndWithoutSign) {
   for (const unsigned long bits : {0x8000007FUL, 0x8000007FUL | ~0xFFFFFFFFUL}) {
     EXPECT_EQ(0UL, startupGC(1, static_cast<long>(bits), 0, 0, 1, ""));
@@ -163,7 +163,7 @@ TEST_F(LibraryTest, StopClosesWhatIsOpen) {
   ASSERT_EQ(0UL, connect());
   EXPECT_EQ(0UL, shutdownGC());
   EXPECT_EQ(eLibraryNotStarted, ExecuteCommand(mHandle, 0, 0));
-  // The controller serves one connection at a time: it can only answer when the first is closed.
+  // The controller serves one connection at a time: it can only answer once the first is closed.
   ASSERT_EQ(0UL, startupGC(1, mController.address(), 0, 0, 1, ""));
   EXPECT_EQ(0UL, connect());
 }

@@ -1,5 +1,4 @@
-// What every test of the client library starts from: a scripted controller, and a library bound to
-// it.
+// Common setup for tests of the client library: a scripted controller, and a library bound to it.
 #pragma once
 
 #include <InstrumentClient.h>
@@ -14,7 +13,7 @@ class LibraryTest : public testing::Test {
  protected:
   LibraryTest() { EXPECT_EQ(0UL, startupGC(1, mController.address(), 0, 0, 1, "")); }
 
-  /// Opens a connection; its handle is then in mHandle.
+  /// Opens a connection and stores its handle in mHandle.
   unsigned long connect(unsigned long mode = 1) {
     return EstablishConnection(mode, "SimUI", "", &mHandle);
   }
@@ -23,7 +22,7 @@ class LibraryTest : public testing::Test {
   unsigned long mHandle = 0;
 };
 
-/// With a connection already there.
+/// With an open connection.
 class ConnectedTest : public LibraryTest {
  protected:
   ConnectedTest() { EXPECT_EQ(0UL, connect()); }

@@ -1,4 +1,4 @@
-// Time limits of a connection, lowered so that a test does not wait for them.
+// Timeouts of a connection, shortened so that tests do not wait for the real ones.
 #include <client/Connection.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
@@ -18,8 +18,8 @@ using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
 constexpr milliseconds cShort{50};
-/// Longer than a test may take, shorter than the real limits: whoever is back before has not waited
-/// for those.
+/// Longer than a test may take, shorter than the real timeouts: a call that returns earlier has not
+/// waited for those.
 constexpr milliseconds cPatience{2000};
 
 std::uint32_t addressOf(const ScriptedController& aController) {
@@ -39,7 +39,7 @@ TEST(LibraryLimits, ConnectEndsInTime) {
   long address = 0;
   const int listener = listenOnFreeAddress(0, address);
   const auto start = steady_clock::now();
-  // Nobody accepts: once the queue is full, the system does not answer any more.
+  // Nobody accepts: once the queue is full, the system stops answering.
   std::list<Connection> connections;
   eStatus status = eSuccess;
   while (status == eSuccess && connections.size() < 8) {
@@ -80,7 +80,7 @@ TEST(LibraryLimits, AnswerThatStopsHalfWay) {
   }
 }
 
-// The limit is for the whole answer: one that trickles on for ever does not keep the caller.
+// The timeout applies to the whole answer: one that trickles in cannot hold up the caller for ever.
 TEST(LibraryLimits, AnswerThatTrickles) {
   for (const std::size_t from : {0U, 16U}) {
     SCOPED_TRACE(from);
@@ -100,7 +100,7 @@ TEST(LibraryLimits, AnswerThatTrickles) {
   }
 }
 
-// A request that the controller does not even take counts against the same limit.
+// A request that the controller does not even read is subject to the same timeout.
 TEST(LibraryLimits, RequestThatIsNotTaken) {
   long address = 0;
   const int listener = listenOnFreeAddress(1, address);
@@ -114,8 +114,8 @@ TEST(LibraryLimits, RequestThatIsNotTaken) {
   ::close(listener);
 }
 
-// After an orderly end and a reset behind it, sending raises SIGPIPE unless told otherwise; that
-// would end the program.
+// After an orderly close followed by a reset, sending raises SIGPIPE by default, which would end
+// the program.
 TEST(LibraryLimits, RequestIntoAResetConnection) {
   long address = 0;
   const int listener = listenOnFreeAddress(1, address);

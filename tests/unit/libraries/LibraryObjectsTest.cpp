@@ -9,7 +9,7 @@
 #include "LibraryFixture.h"
 #include "WireSamples.h"
 
-// The program's copy of the singleton, as in the tool.
+// The program's instance of the singleton, as in the tool.
 template class ACE_Singleton<CloneFactory, ACE_Thread_Mutex>;
 
 namespace {
@@ -25,7 +25,7 @@ ScriptedController::Script objectAnswer(std::uint32_t aStatus, const char* aClas
   };
 }
 
-/// A class that only the program knows: its objects can come from nowhere but its prototype.
+/// A class known only to the program: its objects can only come from its prototype.
 class Reading : public RemoteObject {
  public:
   explicit Reading(int aGeneration = 0) : generation(aGeneration) { ++alive; }
@@ -43,7 +43,7 @@ class Reading : public RemoteObject {
 };
 int Reading::alive = 0;
 
-/// Can be copied, but crosses no connection.
+/// Can be copied, but not sent over a connection.
 class Copyable : public Clone {
  public:
   Clone* clone() const override { return new Copyable(*this); }
@@ -51,7 +51,7 @@ class Copyable : public Clone {
 
 class ObjectTest : public ConnectedTest {
  protected:
-  /// Reads object 2 as this class; null when none came.
+  /// Reads object 2 as this class; null if none arrived.
   template <class Wanted>
   Wanted* read(unsigned long aStatus) {
     RemoteObject* object = nullptr;
@@ -171,9 +171,9 @@ TEST_F(ObjectTest, ContentsThatAreNotTheClassesBringNothing) {
   }
 }
 
-// A program may end without stopping the library: a leak checker must find nothing then either.
+// A program may exit without stopping the library: a leak checker must find nothing then either.
 TEST_F(ObjectTest, ProgramMayEndWithObjectsInItsHands) {
-  GTEST_FLAG_SET(death_test_style, "threadsafe");  // runs this test anew, with its own controller
+  GTEST_FLAG_SET(death_test_style, "threadsafe");  // runs this test again, with its own controller
   registerPrototype(SiteInfoTag());
   mController.on(wire::eType::eObject, objectAnswer(0, "SiteInfoTag", octets("00000002 41 00")));
   ASSERT_EQ(0UL, BreakConnection(mHandle));

@@ -1,4 +1,4 @@
-// The controller's clock, in time zones of the tests' own.
+// The controller's clock, in time zones set by the tests.
 #include <PlatformLayer.h>
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 
 namespace {
 
-/// The time zone for as long as a test runs.
+/// Sets the time zone for the duration of a test.
 class TimeZone {
  public:
   explicit TimeZone(const char* aZone) {
@@ -46,7 +46,7 @@ unsigned long read(Clock& clock) {
                     &clock.year, &clock.ahead);
 }
 
-/// Seconds since 1970 that the clock shows.
+/// The clock's time in seconds since 1970.
 std::time_t shown(const Clock& aClock) {
   std::tm fields{};
   fields.tm_hour = static_cast<int>(aClock.hour);
@@ -96,7 +96,7 @@ TEST(PlatformLayer, AnyPointerMayBeNull) {
   EXPECT_GE(clock.year, 2024U);
 }
 
-// In a process of its own: the last finishACE takes the object manager with it.
+// In a separate process: the last finishACE destroys the object manager.
 TEST(PlatformLayer, AceStartsAndEnds) {
   const auto run = [] {
     initializeACE();

@@ -14,7 +14,7 @@
 
 namespace {
 
-/// Waits for input. False when the test is over.
+/// Waits for input. False if the test is over.
 bool waitFor(int aSocket, int aStop) {
   pollfd descriptors[] = {{aSocket, POLLIN, 0}, {aStop, POLLIN, 0}};
   return ::poll(descriptors, 2, -1) > 0 && descriptors[1].revents == 0;
@@ -35,7 +35,7 @@ bool receive(int aSocket, int aStop, wire::Frame& octets) {
   return true;
 }
 
-/// Sends an answer, until the test is over or nobody takes it any more.
+/// Sends an answer, until the test is over or the client stops reading.
 void send(int aSocket, int aStop, const Answer& aAnswer) {
   const wire::Frame& octets = aAnswer.octets;
   const std::size_t together = std::min(aAnswer.singlyFrom, octets.size());

@@ -1,4 +1,4 @@
-// A controller that answers as a test tells it to, on a loopback address of its own.
+// A controller with scripted answers, on a loopback address of its own.
 #pragma once
 
 #include <Message.h>
@@ -11,7 +11,7 @@
 #include <thread>
 #include <vector>
 
-/// A request as it arrived.
+/// A request as received.
 struct Request {
   wire::Header header;
   wire::Frame body;
@@ -22,14 +22,14 @@ struct Answer {
 
   wire::Frame octets;
   eThen then = eThen::eStay;
-  std::size_t singlyFrom = cNever;     ///< octets from this one on are sent one at a time
+  std::size_t singlyFrom = cNever;     ///< from this octet on, octets are sent one at a time
   std::chrono::milliseconds pause{0};  ///< before each of those
 
   static constexpr std::size_t cNever = static_cast<std::size_t>(-1);
 };
 
-/// Serves one connection after another in a thread of its own. Answers Connect and Disconnect with
-/// success until told otherwise; what it has no answer for stays unanswered.
+/// Serves one connection at a time in its own thread. Answers Connect and Disconnect with success
+/// unless told otherwise; a request without a scripted answer gets none.
 class ScriptedController {
  public:
   using Script = std::function<Answer(const Request&)>;
@@ -39,7 +39,7 @@ class ScriptedController {
   ScriptedController(const ScriptedController&) = delete;
   ScriptedController& operator=(const ScriptedController&) = delete;
 
-  /// As startupGC takes it.
+  /// In the form for startupGC.
   long address() const { return mAddress; }
 
   void on(wire::eType aType, Script aScript);
@@ -54,17 +54,18 @@ class ScriptedController {
 
   long mAddress = 0;
   int mListener = -1;
-  int mStop[2] = {-1, -1};  ///< closing the second end wakes the thread wherever it waits
+  int mStop[2] = {-1, -1};  ///< closing the second end wakes the thread from any wait
   mutable std::mutex mMutex;
   std::map<wire::eType, Script> mScripts;
   std::vector<Request> mRequests;
   std::thread mThread;
 };
 
-/// A listener on a free loopback address at the controllers' port; `address` as startupGC takes it.
+/// A listener on a free loopback address at the controllers' port; `address` in the form for
+/// startupGC.
 int listenOnFreeAddress(int aBacklog, long& address);
 
-/// The frame that answers a request with a message.
+/// The frame with a message that answers a request.
 template <class Message>
 Answer answer(const Request& aRequest, const Message& aMessage) {
   return {wire::encode(aRequest.header.type, aRequest.header.sequence, aMessage)};

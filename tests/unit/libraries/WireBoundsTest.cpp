@@ -1,4 +1,4 @@
-// The bounds of counts and lengths: what lies within passes, what lies outside is refused.
+// The bounds of counts and lengths: values within them pass, values outside are rejected.
 #include <ObjectTexts.h>
 #include <gtest/gtest.h>
 
@@ -14,7 +14,7 @@ bool decodes(const wire::Frame& aBody) {
   return wire::decode(aBody.data(), aBody.size(), message);
 }
 
-/// The text, and whether it was read whole.
+/// The text, and whether it was read completely.
 bool readsText(const wire::Frame& aStream, ACE_CString& text) {
   ACE_InputCDR stream(aStream.data(), aStream.size(), ACE_CDR::BYTE_ORDER_BIG_ENDIAN);
   return wire::readText(stream, text) && stream.length() == 0;
@@ -74,7 +74,7 @@ TEST(WireBounds, LongerNameIsNotEncoded) {
 }
 
 TEST(WireBounds, LongerNameIsNotDecoded) {
-  wire::Frame body = octets("00000001 00001002");  // 4097 octets and the zero
+  wire::Frame body = octets("00000001 00001002");  // 4097 octets including the zero
   body.resize(8 + 4097, 'n');
   body.push_back('\0');
   EXPECT_FALSE(decodes<wire::ConnectRequest>(body));
@@ -102,7 +102,7 @@ TEST(WireBounds, LongerTextIsNotMarshalled) {
 }
 
 TEST(WireBounds, ContentsThatFillTheBodyPass) {
-  // status 4, class name 4 + 1, padding 3, count 4: what is left of 256 kB are the contents
+  // status 4, class name 4 + 1, padding 3, count 4: the rest of 256 kB is the contents
   wire::ObjectReply sent{0, "", std::vector<char>(262144 - 16, 'c')};
   const wire::Frame frame = wire::encode(wire::eType::eObject, 1, sent);
   ASSERT_EQ(16U + 262144, frame.size());

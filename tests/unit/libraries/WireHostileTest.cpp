@@ -1,4 +1,4 @@
-// Octets that no honest peer sends: every one is refused or read, none reaches beyond its body.
+// Octets that no honest peer sends: each is read or rejected, and no read goes beyond the body.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -48,7 +48,7 @@ TEST(WireHostile, RandomOctetsHarmNobody) {
   for (int round = 0; round < 20000; ++round) {
     wire::Frame body(random() % 128);
     for (char& octet : body) {
-      // Mostly small numbers: those pass as counts and lead further in.
+      // Mostly small numbers, which pass as counts and reach more code.
       octet = static_cast<char>(random() % 4 == 0 ? random() : random() % 3);
     }
     forEachSample([&body](const char*, const auto& message, const wire::Frame&) {

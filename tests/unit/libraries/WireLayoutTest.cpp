@@ -1,4 +1,4 @@
-// Where each octet of a message stands, and that it comes back as it went.
+// The position of each octet in a message, and that messages survive a round trip.
 #include <ObjectTexts.h>
 #include <gtest/gtest.h>
 

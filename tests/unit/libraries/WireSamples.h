@@ -1,4 +1,4 @@
-// One sample of every message, with its body written out octet by octet.
+// A sample of every message, with its body octet by octet.
 #pragma once
 
 #include <Message.h>
@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-/// Octets from hexadecimal digits; blanks are for the reader.
+/// Octets from hexadecimal digits; blanks are ignored.
 inline wire::Frame octets(const std::string& hex) {
   std::string digits;
   for (const char c : hex) {
@@ -62,7 +62,7 @@ constexpr char cProgramInfoRequestBody[] = "00000000 00000003 00000001";
 inline wire::ProgramInfoReply programInfoReply() {
   return {0, 12, 0x0102030405060708};
 }
-// The first of the two stands at the next multiple of eight.
+// The first of the two is aligned to a multiple of eight.
 constexpr char cProgramInfoReplyBody[] = "00000000 00000000 000000000000000C 0102030405060708";
 
 inline wire::StatusReply statusReply() {
@@ -70,7 +70,7 @@ inline wire::StatusReply statusReply() {
 }
 constexpr char cStatusReplyBody[] = "000000CB";
 
-// --- whether two messages are the same; doubles by their octets, so that a NaN equals itself ---
+// --- whether two messages are equal; doubles by their octets, so that a NaN equals itself ---
 
 inline bool same(double a, double b) {
   std::uint64_t octets[2] = {};

@@ -1,9 +1,9 @@
-// How many blocks ACE holds: the entries of parameter maps, their tables and their names.
+// How many blocks ACE holds: parameter map entries, their tables and their names.
 #pragma once
 
 #include <ace/Malloc_Allocator.h>
 
-/// While it lives, counts the blocks that ACE's containers have allocated and not yet freed.
+/// Counts the blocks that ACE's containers have allocated and not freed during its lifetime.
 class AceBlocks : public ACE_New_Allocator {
  public:
   AceBlocks() : mUsual(ACE_Allocator::instance(this)) {}

@@ -6,7 +6,7 @@
 
 #include "FakeInstrument.h"
 
-/// The numbers of one alarm, as the instrument keeps them.
+/// The numbers of one alarm, as the instrument stores them.
 struct AlarmNumbers {
   std::int32_t sampleType = 0;
   std::int32_t allTypes = 0;
@@ -29,7 +29,7 @@ inline void setAlarm(FakeInstrument& aInstrument, std::uint32_t aRow, const Alar
   aInstrument.setStepValue(0, 2212, aRow, {aAlarm.triggered, -77.5, 0});
 }
 
-/// Sets the first characters of a component's name; character n is kept on channel n.
+/// Sets the first characters of a component's name; the instrument stores character n on channel n.
 inline void setComponent(FakeInstrument& aInstrument, std::uint32_t aIndex,
                          const std::string& aName) {
   std::uint32_t lChannel = 0;

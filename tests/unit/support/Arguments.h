@@ -8,7 +8,7 @@
 #include "Capture.h"
 #include "GC_Web.h"
 
-/// The words of a command line as a program receives them.
+/// The words of a command line in the form of main's arguments.
 class Arguments {
  public:
   explicit Arguments(std::initializer_list<std::string> aWords) : Arguments(std::vector(aWords)) {}
@@ -31,12 +31,12 @@ class Arguments {
 
 struct Parsed {
   bool accepted = false;
-  int result = 99;  // no exit status of the program
+  int result = 99;  // not an exit status of the program
   Request request;
   Output output;
 };
 
-/// Parses the options of a command line of the program "GC_Web".
+/// Parses a command line of the program "GC_Web".
 inline Parsed parse(std::vector<std::string> aOptions) {
   aOptions.insert(aOptions.begin(), "GC_Web");
   Arguments lArguments(std::move(aOptions));

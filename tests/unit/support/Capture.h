@@ -1,4 +1,4 @@
-// What a piece of code writes to standard output and standard error.
+// Captures what a piece of code writes to standard output and standard error.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -10,7 +10,7 @@ struct Output {
   std::string err;
 };
 
-/// Runs an action and returns all that it wrote.
+/// Runs an action and returns everything it wrote.
 template <class Action>
 Output capture(Action&& aAction) {
   testing::internal::CaptureStdout();

@@ -1,4 +1,4 @@
-// A download at work: a section that reads a file and writes it to a scripted instrument.
+// A download in progress: a section that reads a file and writes it to a scripted instrument.
 #pragma once
 
 #include "SectionBench.h"
@@ -7,7 +7,7 @@
 template <class Section>
 class DownloadBench : public SectionBench<Section> {
  public:
-  /// The result of a download of a file with this content.
+  /// The result of downloading a file with this content.
   int download(const std::string& aContent) {
     TemporaryFile lFile(aContent);
     parse(lFile.name());
@@ -15,7 +15,7 @@ class DownloadBench : public SectionBench<Section> {
     EXPECT_EQ(this->mOutput.err, "");
     return lResult;
   }
-  /// Reads a file that can be opened, without a word.
+  /// Reads a file that can be opened; prints nothing.
   void parse(char* aName) {
     const Output lOutput = capture([&] { EXPECT_EQ(this->mSection.parseFile(aName), 0); });
     EXPECT_EQ(lOutput.out, "");

@@ -1,16 +1,16 @@
-// An everyday instrument, two of four channels installed, in the middle of a sequence; and the
-// status document that it must give.
+// An everyday instrument, two of four channels installed, in the middle of a sequence, with the
+// status document it must produce.
 #pragma once
 
 #include "FakeInstrument.h"
 
-/// A parameter that is read as an integer: its real value is another, to be told from it.
+/// A parameter that is read as an integer: its real value differs, so that a mix-up is seen.
 inline void setInteger(FakeInstrument& aInstrument, std::uint32_t aChannel, std::uint32_t aId,
                        std::int32_t aValue) {
   aInstrument.setValue(aChannel, aId, {aValue, -7777.5, 0});
 }
 
-/// A parameter that is read as a real: its integer value is another, to be told from it.
+/// A parameter that is read as a real: its integer value differs, so that a mix-up is seen.
 inline void setReal(FakeInstrument& aInstrument, std::uint32_t aChannel, std::uint32_t aId,
                     double aValue) {
   aInstrument.setValue(aChannel, aId, {-7777, aValue, 0});
@@ -27,7 +27,7 @@ inline void setEveryday(FakeInstrument& aInstrument) {
     std::uint32_t id;
     double value;
   };
-  // No value stands twice, so that none can take the place of another unseen.
+  // Values are unique where possible, so that a mix-up is seen.
   constexpr IntegerRow cIntegers[] = {
       {0, 502, 1},   {0, 503, 1},   {0, 504, 0},   {0, 505, 0},    // installed
       {1, 200, 801}, {2, 200, 802}, {3, 200, 803}, {4, 200, 804},  // not shown

@@ -1,4 +1,4 @@
-// Lets the reports of the sanitizers through to the terminal while a test captures standard error.
+// Sends sanitizer reports to the terminal even while a test captures standard error.
 #if defined(__SANITIZE_ADDRESS__)
 #define GC_SANITIZED
 #elif defined(__has_feature)

@@ -1,11 +1,11 @@
-// The way of the tests to the names of the alarms.
+// Gives tests access to the names of the alarms.
 #pragma once
 
 #include <string>
 
 #include "SecAlarm.h"
 
-/// Each function returns what the section leaves in a string that held `aBefore`.
+/// Each function returns the string that held `aBefore`, as the section leaves it.
 class SecAlarmAccess {
  public:
   static std::string sampleType(int aType, const char* aBefore = "") {

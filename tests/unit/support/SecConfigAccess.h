@@ -1,4 +1,4 @@
-// The way of the tests to the parts of the configuration report.
+// Gives tests access to the parts of the configuration report.
 #pragma once
 
 #include <array>
@@ -6,7 +6,7 @@
 
 #include "SecConfig.h"
 
-/// Each function returns what the section leaves in a string that held `aBefore`.
+/// Each function returns the string that held `aBefore`, as the section leaves it.
 class SecConfigAccess {
  public:
   static std::string siteInfo(const SecConfig& aSection, const char* aBefore) {
@@ -29,7 +29,7 @@ class SecConfigAccess {
     aSection.getColumnDescriptions(lText, aChannel);
     return lText.c_str();
   }
-  /// The text that is left in a used buffer of the smallest size.
+  /// The text left in a used buffer of the minimum size.
   static std::string gasType(int aCode) {
     std::array<char, 20> lBuffer = {};
     lBuffer.fill('#');

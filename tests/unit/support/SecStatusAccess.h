@@ -1,4 +1,4 @@
-// The way of the tests to the parts of the status report.
+// Gives tests access to the parts of the status report.
 #pragma once
 
 #include <array>
@@ -36,7 +36,7 @@ class SecStatusAccess {
   }
 
  private:
-  /// The text that a function leaves in a used buffer of the smallest size.
+  /// The text that a function leaves in a used buffer of the minimum size.
   static std::string text(TextFunction aFunction, int aCode, const ParameterMap& aMap) {
     std::array<char, 128> lBuffer = {};
     lBuffer.fill('#');

@@ -1,4 +1,4 @@
-// An input file that lives as long as a test.
+// An input file that exists for the duration of a test.
 #pragma once
 
 #include <unistd.h>
@@ -27,7 +27,7 @@ class TemporaryFile {
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
 
-  /// The name, as parseFile takes it.
+  /// The name, in the form for parseFile.
   char* name() { return mName.data(); }
 
  private:

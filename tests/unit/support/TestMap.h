@@ -18,7 +18,7 @@ class TestMap : public ParameterMap {
     return lParameter;
   }
 
-  /// The parameter of a name; null if the name is not bound.
+  /// The parameter with this name; null if the name is not bound.
   Parameter* at(const char* aName) {
     Parameter* lParameter = nullptr;
     find(ACE_CString(aName), lParameter);
