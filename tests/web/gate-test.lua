@@ -317,7 +317,7 @@ function tests.a_login_that_others_overhear_is_good_once()
   equal(login_once("aa", true), 401)
   equal(login_once("ab", true), 0)
   equal(login_once("aa", true), 401)
-  equal(printed[1], "login: a login that was used before from 192.0.2.7")
+  equal(printed[1], "login: a replayed login from 192.0.2.7")
   -- They are no failures, and where nobody overhears them they may come again.
   for _ = 1, 20 do
     equal(login_once("aa", true), 401)

@@ -55,7 +55,7 @@ def test_users_are_compared_as_texts(folder: Path, user: str) -> None:
 def test_bad_user(folder: Path, user: str) -> None:
     done = set_password(folder / "passwords", user, "x")
     assert done.returncode == 2
-    assert complaint(done).startswith("A user name consists of ")
+    assert complaint(done).startswith("A user name may contain only ")
     assert list(folder.iterdir()) == []
 
 
@@ -67,7 +67,7 @@ def test_password_is_taken_as_it_is(folder: Path, password: str) -> None:
     done = set_password(file, "anna", password)
     assert (done.returncode, done.stderr) == (0, b"")
     assert file.read_text(encoding="utf-8") == line_of("anna", password) + "\n"
-    assert (b"begins or ends with a blank" in done.stdout) is (password != password.strip())
+    assert (b"begins or ends with a space" in done.stdout) is (password != password.strip())
 
 
 @pytest.mark.parametrize(
@@ -85,7 +85,7 @@ def test_bad_password(folder: Path, password: str | bytes, words: str) -> None:
     done = set_password(file, "anna", password)
     assert done.returncode == 1
     assert complaint(done).startswith(words)
-    assert complaint(done).endswith(" Nothing is changed.\n")
+    assert complaint(done).endswith(" Nothing was changed.\n")
     assert file.read_text(encoding="utf-8") == line_of("anna", "old") + "\n"
     assert [path.name for path in folder.iterdir()] == ["passwords"]
 
@@ -117,9 +117,9 @@ def test_mode_and_link_of_passwords_stay(folder: Path) -> None:
 @pytest.mark.parametrize(
     ("file", "words"),
     [
-        ("none/at/all", "There is no folder "),
+        ("none/at/all", "does not exist."),
         (".", "is not a file."),
-        ("/proc/passwords", "cannot be written to."),
+        ("/proc/passwords", "is not writable."),
     ],
 )
 def test_place_where_no_file_can_be(folder: Path, file: str, words: str) -> None:
@@ -129,7 +129,7 @@ def test_place_where_no_file_can_be(folder: Path, file: str, words: str) -> None
     ):
         assert done.returncode == 1
         assert words in complaint(done)
-        assert complaint(done).endswith(" Nothing is changed.\n")
+        assert complaint(done).endswith(" Nothing was changed.\n")
 
 
 def set_certificate(file: Path, *arguments: str | Path) -> subprocess.CompletedProcess[bytes]:
@@ -195,9 +195,9 @@ def test_issued_certificate(folder: Path) -> None:
     subprocess.run([*locked, "-out", folder / "locked"], check=True)
     for first, second, words in (
         ("key", "certificate", "is not a certificate"),
-        ("certificate", "certificate", "is not a key"),
-        ("certificate", "none", "is not a key"),
-        ("certificate", "locked", "is not a key in PEM form without a password."),
+        ("certificate", "certificate", "is not an unencrypted private key"),
+        ("certificate", "none", "is not an unencrypted private key"),
+        ("certificate", "locked", "is not an unencrypted private key in PEM format."),
         ("certificate", "other.pem", "is not the key of"),
     ):
         done = set_certificate(file, "--from", folder / first, folder / second)

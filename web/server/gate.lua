@@ -1,29 +1,29 @@
--- Lets requests for the gateway in: so many at a time, and so many guesses of a password a second.
--- lighttpd runs this three times for each: before it looks at the password, before it starts the
--- program, and when there is an answer. All others wait meanwhile: nothing here may take long.
+-- Limits how many requests the gateway handles at a time, and how many passwords are tried per second.
+-- lighttpd runs this three times per request: before it checks the password, before it starts the
+-- program, and when there is an answer. All other requests wait meanwhile: nothing here may take long.
 
 local request = lighty.r
 local attributes, item = request.req_attr, request.req_item
--- Variables that the program will get: nobody outside can set one. In two words, because mod_magnet
--- fills in all others as well, and too early, for a script in which it finds the one.
+-- Variables for the program, which no client can set. Written in two parts: if mod_magnet finds the whole
+-- word in a script, it also fills in all the other variables, and too early.
 local variables = request["req" .. "_env"]
 local MARK = "GC_WEB_GATE"
 
--- How many at a time, and of one address: a program for each. Nobody's requests wait for a body for
--- long in a place that others need; an abort needs no other's place at all.
+-- Slots: how many programs at a time, in all and for one address. A request takes a slot only once its
+-- body is complete; aborts have slots of their own.
 local PLACES = {
   reports = { all = 96, each = 72 },
   strangers = { all = 8, each = 4 },
   users = { all = 16, each = 16 },
   aborts = { all = 8, each = 8 },
 }
-local FREE_FAILURES = 10 -- of one address; another is forgotten every second
-local ADDRESSES = 512 -- that are remembered, and once more as many
-local LINES = 60 -- in the log of errors, in a minute
-local LIFE = 600 -- seconds for which lighttpd takes a challenge
-local LOGINS = 10000 -- that are remembered, and once more as many
+local FREE_FAILURES = 10 -- per address; one is forgotten every second
+local ADDRESSES = 512 -- remembered in each of two generations
+local LINES = 60 -- in the error log, per minute
+local LIFE = 600 -- seconds for which lighttpd accepts a challenge
+local LOGINS = 10000 -- remembered in each of two generations
 
--- Kept from one request to the next, as long as the server runs.
+-- Kept between requests, as long as the server runs.
 local state = _G.gate
 if not state then
   state = { taken = {}, failures = {}, older = {}, known = 0, minute = 0, lines = 0, unsaid = 0,
@@ -31,7 +31,7 @@ if not state then
   _G.gate = state
 end
 
--- Whom an address belongs to. Whoever has one of IPv6 has all those with the same first half.
+-- The owner of an address. The owner of an IPv6 address has all addresses with the same first half.
 local function owner_of(address)
   local mapped = address:match("^::ffff:(%d+%.%d+%.%d+%.%d+)$")
   if mapped or not address:find(":", 1, true) then
@@ -60,12 +60,12 @@ local function refuse(detail)
   request.resp_header["Cache-Control"] = "no-store"
   request.resp_header["Retry-After"] = "1"
   request.resp_body.set(body)
-  -- One line for each in the log of requests would fill the disk: it leaves this path out.
+  -- A line for each in the access log would fill the disk: the log omits this path.
   attributes["uri.path"] = "/api"
   return 429
 end
 
--- Writes a line, unless there are too many: their number follows when there are fewer.
+-- Writes a line, unless there are too many: the number of omitted lines follows in a later minute.
 local function log(line)
   local minute = lighty.c.time() // 60
   if minute ~= state.minute then
@@ -82,20 +82,20 @@ local function log(line)
   end
 end
 
--- Failures that are not forgotten yet, as {count =, time =, told =}; nil when there are none.
+-- Failures that have not been forgotten yet, as {count =, time =, told =}; nil if there are none.
 local function failures_of(owner)
   local entry = state.failures[owner] or state.older[owner]
   if not entry then
     return nil
   end
   local now = lighty.c.time()
-  -- A clock that was set back forgets nothing.
+  -- If the clock was set back, nothing is forgotten.
   entry.count = math.max(0, entry.count - math.max(0, now - entry.time))
   entry.time = now
   return entry
 end
 
--- Whoever tries more addresses than are kept makes the oldest ones new again.
+-- With more addresses than fit, the oldest are dropped and start afresh.
 local function remember(owner, entry)
   if state.failures[owner] then
     return
@@ -107,14 +107,14 @@ local function remember(owner, entry)
   state.known = state.known + 1
 end
 
--- What proves the password in this request, where others can overhear it; else nil.
+-- The digest response of this request if others could have intercepted it; otherwise nil.
 local function proof()
   local address = attributes["request.remote-addr"]
   local isPrivate = attributes["uri.scheme"] == "https" or address:find("^127%.") or address == "::1"
   return not isPrivate and request.req_header["Authorization"]:match('response="?(%x+)') or nil
 end
 
--- Takes note of a proof that was accepted. Only who knows the password can add any.
+-- Remembers a digest response that was accepted. Only users who know the password can add one.
 local function use(proven)
   local age = lighty.c.time() - state.since
   if age > LIFE or state.uses >= LOGINS then
@@ -125,7 +125,7 @@ local function use(proven)
   state.uses = state.uses + 1
 end
 
--- A password is a failure until it has proved to be right: many at a time are no way around.
+-- A password counts as a failure until it has been accepted, so that parallel attempts gain nothing.
 local function begin_login(owner)
   local entry = failures_of(owner) or { count = 0, time = lighty.c.time(), told = -1 }
   remember(owner, entry)
@@ -140,9 +140,9 @@ local function begin_login(owner)
   end
   local proven = proof()
   if proven and (state.used[proven] or state.used_before[proven]) then
-    -- Sent again by whoever overheard it: as if it were not there.
+    -- Intercepted and sent again: handled as if there were no login.
     request.req_header["Authorization"] = nil
-    log("a login that was used before from " .. attributes["request.remote-addr"])
+    log("a replayed login from " .. attributes["request.remote-addr"])
     return 0
   end
   entry.count = entry.count + 1
@@ -157,7 +157,7 @@ local function forgive(owner)
   end
 end
 
--- Whose place a request takes.
+-- The kind of slot that a request takes.
 local function place_of(path)
   local isCommand = path == "/api/command" or path:sub(1, 13) == "/api/command/"
   if isCommand and variables["REMOTE_USER"] then
@@ -185,7 +185,8 @@ local function is_full(place, owner)
   return of.all >= limit.all or (of[owner] or 0) >= limit.each
 end
 
--- Of those whose browsers went away nobody said that they were over: they are not among these.
+-- Counts the requests in progress. Requests whose browsers disconnected were never reported as answered;
+-- they are not among these.
 local function count_anew()
   state.taken = {}
   for other in lighty.server.irequests() do
@@ -216,7 +217,7 @@ local function answered(owner)
   elseif mark == "login" then
     local challenge = request.resp_header["WWW-Authenticate"]
     if challenge and challenge:find("stale=true", 1, true) then
-      -- Nothing was compared: the challenge was old.
+      -- The password was not checked: the challenge had expired.
       forgive(owner)
     else
       log("wrong user or password from " .. attributes["request.remote-addr"])
