@@ -60,9 +60,9 @@ browserTest('a wrong value is not sent', { path }, async (page, gc) => {
     await off.click({ force: true });
   }
   await cell(page, 'Stream', 1).fill('5');
-  await page.getByText('must be at most 4').waitFor();
+  await page.getByText('must be at most 4', { exact: true }).waitFor();
   await cell(page, 'Solution', 1).fill('11');
-  await page.getByText('must be at most 10').waitFor();
+  await page.getByText('must be at most 10', { exact: true }).waitFor();
   await page.getByText('3 cells are not right.').waitFor();
   await picture(page, 'sequence-problems', 1024);
   assert.equal(await page.getByRole('dialog').count(), 0);
@@ -180,7 +180,8 @@ browserTest('what was edited stays while other pages are looked at', { path }, a
   await page.getByRole('link', { name: 'Sequence' }).click();
   await page.getByText('Changed here, not sent.').waitFor();
   assert.equal(await cell(page, 'Runs', 1).inputValue(), '4');
-  await button(page, 'Discard and reload').click();
+  await button(page, 'Discard and reload…').click();
+  await button(page.getByRole('dialog'), 'Discard and reload').click();
   await page.getByText('As on the instrument when it was read.').waitFor();
   assert.equal(await cell(page, 'Runs', 1).inputValue(), '2');
 });
@@ -192,6 +193,10 @@ browserTest('export is the report, and comes back by import', { path }, async (p
   assert.deepEqual(JSON.parse(text), report);
   await button(page, 'Delete line 2').click();
   await choose(page, 'mine.json', text);
+  await button(
+    page.getByRole('dialog', { name: 'Replace what was changed here?' }),
+    'Replace',
+  ).click();
   await says(page, 'table-message', 'mine.json was read. Nothing has been sent yet.');
   await page.getByText('As on the instrument when it was read.').waitFor();
   const shorter = { ...report, Table_repeat: 9, rows: report.rows.slice(1), total: 2 };

@@ -25,7 +25,7 @@ browserTest('the sum of amounts as one types', { path }, async (page, gc) => {
   await shows(sum(page, 'Compared with 100'), '0.05 above');
   const methane = amount(page, 2);
   await methane.fill('84.951');
-  await button(page, 'Discard and reload').waitFor();
+  await button(page, 'Discard and reload…').waitFor();
   await shows(sum(page, 'Compared with 100'), '0.051 above');
   const shifts = await watchShifts(page);
   for (const text of ['8', '84', '84.', '84.9']) {
@@ -108,7 +108,7 @@ browserTest('relative changes before amounts are sent', { path }, async (page, g
   await amount(page, 2).fill('85.125');
   await amount(page, 7).fill('0');
   await gc.set('mLevelAmt2[4]', 0);
-  await button(page, 'Reload').or(button(page, 'Discard and reload')).first().waitFor();
+  await button(page, 'Reload').or(button(page, 'Discard and reload…')).first().waitFor();
   await button(page, 'Compare and send…').click();
   const conflict = page.getByRole('dialog');
   await conflict.getByRole('columnheader', { name: 'Relative change' }).waitFor();

@@ -24,8 +24,11 @@ export const flags = [
   '--host-resolver-rules=MAP * ~NOTFOUND, EXCLUDE 127.*',
 ];
 
-/** Collects what no page may do; `expected` are console errors that the test brings about. */
-function watch(page, origin, expected) {
+/**
+ * Collects what no page may do; `expected` are console errors that the test brings about, `leaves`
+ * says that it leaves a page which asks whether edits may go.
+ */
+function watch(page, origin, expected, leaves) {
   const complaints = [];
   page.on('console', (message) => {
     const text = message.text();
@@ -35,6 +38,10 @@ function watch(page, origin, expected) {
   });
   page.on('pageerror', (error) => complaints.push(String(error)));
   page.on('dialog', async (dialog) => {
+    if (leaves && dialog.type() === 'beforeunload') {
+      await dialog.accept();
+      return;
+    }
     complaints.push(`dialog: ${dialog.message()}`);
     await dialog.dismiss();
   });
@@ -69,6 +76,7 @@ function inPage(isImpatient) {
  * - `isPatient`: the page asks for the status when it thinks it is time, not as often as it can;
  * - `isClockOurs`: the body can advance the page's clock; implies the one before;
  * - `expected`: patterns of console errors that the test brings about;
+ * - `leaves`: the body loads a page again that asks whether edits may go, and is answered yes;
  * - `context`: options of the browser's context.
  */
 export function browserTests(...serverOptions) {
@@ -99,7 +107,7 @@ export function browserTests(...serverOptions) {
         if (options.isClockOurs) {
           await page.clock.install();
         }
-        const complaints = watch(page, instrument.origin, expected);
+        const complaints = watch(page, instrument.origin, expected, options.leaves);
         try {
           await page.goto(`/${path}`);
           await body(page, instrument);

@@ -5,6 +5,7 @@ import { amountChange } from './changes';
 import { CalibrationPicture } from './components/CalibrationPicture';
 import { Header } from './components/Header';
 import { Versions } from './components/Session';
+import type { Editor } from './editor';
 import { calibrationEditor, sequenceEditor } from './editors';
 import { AlarmsPage } from './pages/Alarms';
 import { ConfigurationPage } from './pages/Configuration';
@@ -19,6 +20,19 @@ interface Page {
   name: string;
   title: string;
   render: () => ComponentChildren;
+  /** Of a page on which something can be changed that is not sent at once. */
+  editor?: Editor;
+}
+
+function Unsent() {
+  return (
+    <>
+      <span class="unsent" aria-hidden="true">
+        ●
+      </span>
+      <span class="hidden"> (changes not sent)</span>
+    </>
+  );
 }
 
 const moving =
@@ -30,6 +44,7 @@ const pages: readonly Page[] = [
   {
     name: 'sequence',
     title: 'Sequence',
+    editor: sequenceEditor,
     render: () => (
       <TablePage
         key="sequence"
@@ -41,6 +56,7 @@ const pages: readonly Page[] = [
   {
     name: 'calibration',
     title: 'Calibration',
+    editor: calibrationEditor,
     render: () => (
       <TablePage
         key="calibration"
@@ -114,6 +130,7 @@ export function App() {
         {pages.map((one) => (
           <a key={one.name} href={`#/${one.name}`} aria-current={one === page ? 'page' : undefined}>
             {one.title}
+            {one.editor?.isDirty.value && <Unsent />}
           </a>
         ))}
         <a href="#/wall">Wall</a>

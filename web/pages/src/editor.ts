@@ -1,18 +1,13 @@
-// Editing one of the instrument's tables: load, change, compare, send, read back.
-import { computed, signal, type ReadonlySignal, type Signal } from '@preact/signals';
+// Editing one of the instrument's tables: load, change, compare, send, read back, restore.
+import { signal, type ReadonlySignal, type Signal } from '@preact/signals';
 import type { Fault } from './api';
-import { diffTables, isEmptyDiff, type TableDiff } from './diff';
+import type { Backups } from './backups';
+import { isEmptyDiff, type TableDiff } from './diff';
 import { fileLimit, type Configuration } from './documents';
-import {
-  draftOf,
-  problemsOfDraft,
-  tableOf,
-  type CellProblem,
-  type Draft,
-  type Layout,
-  type Table,
-} from './table';
+import { Editing, type Unsent } from './editing';
 import { readFile } from './files';
+import { isHalfway, outcome, type Goal, type Message } from './outcome';
+import { draftOf, type Table } from './table';
 import type { TableKind } from './tables';
 
 export type Read = { ok: true; table: Table } | { ok: false; fault: Fault };
@@ -23,133 +18,167 @@ export interface Instrument {
   read: () => Promise<Read>;
   send: (file: string) => Promise<Sent>;
   describe: (fault: Fault) => string;
+  backups: Backups;
+}
+
+/** A table to be sent. */
+export interface Wanted {
+  goal: Goal;
+  table: Table;
 }
 
 export type Review =
   /** What sending would change. */
-  | { kind: 'send'; diff: TableDiff }
+  | { kind: 'send'; wanted: Wanted; diff: TableDiff }
   /** What somebody else has changed since the table was loaded. */
-  | { kind: 'conflict'; diff: TableDiff; theirs: Table };
+  | { kind: 'conflict'; wanted: Wanted; diff: TableDiff; theirs: Table }
+  /** What has been edited here and would go. */
+  | { kind: 'discard'; title: string; yes: string; diff: TableDiff; go: () => void };
 
-export interface Message {
-  kind: 'good' | 'bad';
-  text: string;
-  diff?: TableDiff;
-}
-
-export class Editor {
-  /** The instrument's table as it was loaded. */
-  readonly base: Signal<Table | undefined> = signal(undefined);
-  readonly draft: Signal<Draft | undefined> = signal(undefined);
+export class Editor extends Editing {
   readonly review: Signal<Review | undefined> = signal(undefined);
   readonly message: Signal<Message | undefined> = signal(undefined);
   /** What is being done; empty when nothing is. */
   readonly busy = signal('');
-
-  readonly layout: ReadonlySignal<Layout>;
-  readonly problems: ReadonlySignal<CellProblem[]>;
-  readonly isDirty: ReadonlySignal<boolean>;
+  /** Counts the instruments: an answer about another one than the present is not taken. */
+  readonly instruments = signal(0);
 
   constructor(
-    readonly kind: TableKind,
-    private readonly instrument: Instrument,
+    kind: TableKind,
+    readonly instrument: Instrument,
     configuration: ReadonlySignal<Configuration | undefined>,
   ) {
-    this.layout = computed(() => kind.layout(configuration.value));
-    this.problems = computed(() =>
-      this.draft.value ? problemsOfDraft(this.draft.value, this.layout.value) : [],
-    );
-    this.isDirty = computed(() => {
-      const { base, draft } = this;
-      return base.value !== undefined && draft.value !== undefined
-        ? !isEmptyDiff(this.diff(base.value, tableOf(draft.value, this.layout.value)))
-        : false;
-    });
+    super(kind, configuration);
   }
 
-  /** Shows the instrument's table; what was edited is lost. */
+  /** Shows the instrument's table. */
   async load(): Promise<void> {
     this.review.value = undefined;
     const table = await this.readNow('Reading the table');
     if (table) {
-      this.base.value = table;
-      this.draft.value = draftOf(table);
+      const { before, draft } = this;
+      const known = [before.value, before.value && draft.value && this.edited()];
+      if (known.some((one) => one && isEmptyDiff(this.diff(one, table)))) {
+        // Nothing of what was refused is left, or all of it has been taken after all.
+        before.value = undefined;
+      }
+      this.show(table);
       this.message.value = undefined;
     }
   }
 
-  /** Compares with what the instrument has now; the answer is in `review`. */
-  async prepare(): Promise<void> {
-    this.message.value = undefined;
-    const fresh = await this.readNow('Comparing with the instrument');
-    if (!fresh || this.isConflict(fresh)) {
-      return;
-    }
-    const diff = this.diff(fresh, this.edited());
-    this.review.value = { kind: 'send', diff };
+  /** The same, after a question if edits would go. */
+  reload(): void {
+    const title = 'Discard what was changed here?';
+    this.ask(title, 'Discard and reload', () => void this.load());
   }
 
-  /** Goes on with the edited table, on top of what somebody else has changed. */
-  async keepEdits(theirs: Table): Promise<void> {
-    this.base.value = theirs;
+  import(name: string, octets: ArrayBuffer): void {
+    if (this.base.value) {
+      try {
+        const table = readFile(octets, this.kind, this.base.value);
+        this.replace(table, `import of ${name}`, `${name} was read. Nothing has been sent yet.`);
+      } catch (error) {
+        this.say('bad', `${name} was not read. ${(error as Error).message}`);
+      }
+    }
+  }
+
+  /** Goes on with another table, after a question if edits would go. */
+  replace(table: Table, what: string, said: string): void {
+    this.ask('Replace what was changed here?', 'Replace', () => {
+      this.change(draftOf(table), { what });
+      this.say('good', said);
+    });
+  }
+
+  /** Compares with what the instrument has now; the answer is in `review`. */
+  async prepare(wanted: Wanted = { goal: 'edits', table: this.edited() }): Promise<void> {
+    this.message.value = undefined;
+    const fresh = await this.readNow('Comparing with the instrument');
+    if (fresh && !this.isConflict(wanted, fresh)) {
+      this.review.value = { kind: 'send', wanted, diff: this.diff(fresh, wanted.table) };
+    }
+  }
+
+  /** Compares what was there before a table was refused halfway. */
+  async prepareRestore(): Promise<void> {
+    const { value: before } = this.before;
+    if (before) {
+      this.message.value = undefined;
+      const instruments = this.instruments.value;
+      this.busy.value = 'Looking for the earlier table';
+      const found = await this.findBackup(before);
+      if (instruments !== this.instruments.value) {
+        return;
+      }
+      this.busy.value = '';
+      if (typeof found === 'string') {
+        this.say('bad', `The earlier tables could not be read. ${found}`);
+      } else {
+        await this.prepare({ goal: 'restore', table: found });
+      }
+    }
+  }
+
+  /** Goes on with the same table, on top of what somebody else has changed. */
+  async keepEdits(theirs: Table, wanted?: Wanted): Promise<void> {
+    this.rebase(theirs);
     this.review.value = undefined;
-    await this.prepare();
+    await this.prepare(wanted);
   }
 
   /** Sends, unless the instrument's table has changed while the person looked; then reads it back. */
-  async send(): Promise<void> {
+  async send(wanted: Wanted = { goal: 'edits', table: this.edited() }): Promise<void> {
     this.review.value = undefined;
     const fresh = await this.readNow('Looking whether the table has changed');
-    if (!fresh || this.isConflict(fresh)) {
+    if (!fresh || this.isConflict(wanted, fresh)) {
       return;
     }
-    const wanted = this.edited();
-    const file = this.kind.toFile(wanted);
+    const { goal, table } = wanted;
+    const file = this.kind.toFile(table);
     const size = new TextEncoder().encode(file).length;
     if (size > fileLimit) {
-      this.fail(`The table has ${size} octets; the gateway takes ${fileLimit}. Nothing was sent.`);
+      const text = `The table has ${size} octets; the gateway takes ${fileLimit}.`;
+      this.say('bad', `${text} Nothing was sent.`);
       return;
     }
     this.busy.value = 'Sending the table';
     const sent = await this.instrument.send(file);
     const after = await this.readNow('Reading the table back');
-    const outcome = sent.ok
-      ? 'The instrument accepted the table.'
-      : this.instrument.describe(sent.fault);
+    const fault = sent.ok
+      ? undefined
+      : { ...sent.fault, description: this.instrument.describe(sent.fault) };
     if (!after) {
-      this.fail(`${outcome} It could not be read back: ${this.message.value!.text}`);
+      const said = fault?.description ?? 'The instrument accepted the table.';
+      const why = this.message.value?.text ?? '';
+      this.before.value = fault ? (this.before.value ?? fresh) : undefined;
+      this.say('bad', `${said} It could not be read back: ${why}`);
       return;
     }
-    this.base.value = after;
-    const diff = this.diff(wanted, after);
-    if (!sent.ok) {
-      this.message.value = {
-        kind: 'bad',
-        text: isEmptyDiff(diff)
-          ? `${outcome} Even so the instrument now has the table.`
-          : `${outcome} The instrument does not have the table as it was sent. What it has differs:`,
-        ...(!isEmptyDiff(diff) && { diff }),
-      };
-    } else if (isEmptyDiff(diff)) {
-      this.draft.value = draftOf(after);
-      this.message.value = { kind: 'good', text: 'Sent, read back, and the same.' };
-    } else {
-      const text = 'The instrument accepted the table, but what it has now differs:';
-      this.message.value = { kind: 'bad', text, diff };
+    const found = { toSent: this.diff(table, after), toBefore: this.diff(fresh, after) };
+    this.rebase(after);
+    if (isHalfway(fault, found)) {
+      this.before.value ??= fresh;
+    } else if (isEmptyDiff(found.toSent)) {
+      this.before.value = undefined;
+      if (goal === 'edits') {
+        this.draft.value = draftOf(after);
+      }
     }
+    this.message.value = { ...outcome(goal, fault, found), time: Date.now() };
   }
 
-  import(name: string, octets: ArrayBuffer): void {
-    const base = this.base.value;
-    if (!base) {
-      return;
-    }
-    try {
-      const table = readFile(octets, this.kind, base);
-      this.draft.value = draftOf(table);
-      this.message.value = { kind: 'good', text: `${name} was read. Nothing has been sent yet.` };
-    } catch (error) {
-      this.fail(`${name} was not read. ${(error as Error).message}`);
+  /** Another instrument, or the same after the page was loaded again. */
+  takeOver(unsent?: Unsent): void {
+    this.instruments.value++;
+    this.busy.value = '';
+    this.review.value = undefined;
+    this.message.value = undefined;
+    this.reset(unsent);
+    if (unsent) {
+      const text = 'What was changed here before the page was loaded again is still here.';
+      this.say('good', `${text} It has not been sent.`);
     }
   }
 
@@ -158,35 +187,69 @@ export class Editor {
     return this.kind.toFile(this.edited());
   }
 
-  private edited(): Table {
-    return tableOf(this.draft.value!, this.layout.value);
+  /** What was good is not so any more when somebody goes on. */
+  protected override touched(): void {
+    if (this.message.value?.kind === 'good') {
+      this.message.value = undefined;
+    }
   }
 
-  private diff(before: Table, after: Table): TableDiff {
-    return diffTables(before, after, this.layout.value);
+  private ask(title: string, yes: string, go: () => void): void {
+    this.leaveCell();
+    if (!this.isDirty.value) {
+      go();
+      return;
+    }
+    const diff = this.diff(this.base.value!, this.edited());
+    const done = (): void => {
+      this.review.value = undefined;
+      go();
+    };
+    this.review.value = { kind: 'discard', title, yes, diff, go: done };
   }
 
-  private fail(text: string): void {
-    this.message.value = { kind: 'bad', text };
+  /** The backup of this table; what this page has read itself where it is gone. Else the reason. */
+  private async findBackup(before: Table): Promise<Table | string> {
+    const { backups } = this.instrument;
+    const list = await backups.list();
+    if (!list.ok) {
+      return list.reason;
+    }
+    for (const { number } of list.value) {
+      const answer = await backups.table(number, before);
+      if (answer.ok && isEmptyDiff(this.diff(before, answer.value))) {
+        return answer.value;
+      }
+    }
+    return before;
   }
 
-  private isConflict(fresh: Table): boolean {
+  private say(kind: Message['kind'], text: string): void {
+    this.message.value = { kind, text, time: Date.now() };
+  }
+
+  private isConflict(wanted: Wanted, fresh: Table): boolean {
     const diff = this.diff(this.base.value!, fresh);
     if (isEmptyDiff(diff)) {
       return false;
     }
-    this.review.value = { kind: 'conflict', diff, theirs: fresh };
+    this.review.value = { kind: 'conflict', wanted, diff, theirs: fresh };
     return true;
   }
 
   private async readNow(what: string): Promise<Table | undefined> {
+    const instruments = this.instruments.value;
     this.busy.value = what;
     const answer = await this.instrument.read();
+    if (instruments !== this.instruments.value) {
+      return undefined;
+    }
     this.busy.value = '';
     if (answer.ok) {
+      this.readAt.value = Date.now();
       return answer.table;
     }
-    this.fail(this.instrument.describe(answer.fault));
+    this.say('bad', this.instrument.describe(answer.fault));
     return undefined;
   }
 }

@@ -8,6 +8,9 @@ import { isSimulated } from './states';
 export function describeFault({ text, detail, code }: Fault): string {
   const isOurs = status.value !== undefined && isSimulated(status.value);
   const known = code === undefined ? undefined : describeRefusal(code, isOurs);
-  const more = known ?? detail.replace(/\.$/, '');
+  // A refused table: the words tell which peak it was.
+  const [, channel, peak] = /chan\[(\d+)\] peak\[(\d+)\]/.exec(detail) ?? [];
+  const where = peak === undefined ? '' : ` at channel ${channel}, peak ${peak}`;
+  const more = known ? known + where : detail.replace(/\.$/, '');
   return more ? `${text} ${more}.` : text;
 }

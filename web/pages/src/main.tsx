@@ -2,7 +2,7 @@
 import { render } from 'preact';
 import { watchAlarms } from './alarms';
 import { App } from './App';
-import { warnBeforeLeaving } from './editors';
+import { keepUnsent, warnBeforeLeaving } from './editors';
 import { watchSequence } from './sequence';
 import { watchSound } from './sound';
 import { start } from './store';
@@ -14,5 +14,6 @@ watchAlarms();
 watchSequence();
 watchIcon();
 watchSound();
+keepUnsent();
 warnBeforeLeaving();
 render(<App />, document.body);

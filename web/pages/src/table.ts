@@ -23,6 +23,8 @@ export interface Column {
   /** What the instrument is known to take: a row that it refuses leaves half a table behind. */
   minimum?: number;
   maximum?: number;
+  /** What is more than this may be meant, but is perhaps refused. */
+  usual?: number;
 }
 
 /** What makes one kind of table. */
@@ -51,10 +53,13 @@ export interface Draft {
   nextId: number;
 }
 
-export interface CellProblem {
+export interface Cell {
   /** The row, or null for the header. */
   rowId: number | null;
   key: string;
+}
+
+export interface CellProblem extends Cell {
   text: string;
 }
 

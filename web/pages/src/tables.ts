@@ -8,6 +8,9 @@ import type { Column, Layout, Table, Values } from './table';
 /** How many lines a download takes. */
 const sequenceLines = 20;
 
+/** No instrument has a stream above this. */
+const lastStream = 46;
+
 /** Slots of solutions are 0 to this. */
 export const lastSlot = 10;
 
@@ -15,6 +18,8 @@ export const lastSlot = 10;
 export interface TableKind {
   name: 'sequence' | 'calibration';
   title: string;
+  /** What sending does besides what the differences show, and what a refusal leaves behind. */
+  effects: readonly string[];
   layout: (configuration: Configuration | undefined) => Layout;
   fromReport: (document: object) => Table;
   /** The file that the gateway takes, and that is exported. */
@@ -38,7 +43,7 @@ function sequenceLayout(configuration: Configuration | undefined): Layout {
     ...editable,
     schema: `${line}Stream`,
     minimum: 0,
-    ...(configuration && hasSelector && { maximum: configuration.Stream_max }),
+    maximum: configuration && hasSelector ? configuration.Stream_max : lastStream,
   };
   return {
     schema: sequenceSchema as Schema,
@@ -55,6 +60,7 @@ function sequenceLayout(configuration: Configuration | undefined): Layout {
         ...editable,
         schema: '#/properties/Table_repeat',
         minimum: 0,
+        usual: 999,
       },
       {
         key: 'Continuous',
@@ -81,6 +87,7 @@ function sequenceLayout(configuration: Configuration | undefined): Layout {
         ...editable,
         schema: `${line}Repeat`,
         minimum: 0,
+        usual: 999,
       },
       stream,
       {
@@ -99,6 +106,7 @@ function sequenceLayout(configuration: Configuration | undefined): Layout {
         ...editable,
         schema: `${line}Flush_time`,
         minimum: 0,
+        usual: 60,
       },
     ],
   };
@@ -139,6 +147,10 @@ function checkTotal({ rows = [], total }: { rows?: readonly unknown[]; total: nu
 export const sequenceKind: TableKind = {
   name: 'sequence',
   title: 'Sequence',
+  effects: [
+    'Every line gets the calibration flag, whether it had it before or not: no report shows that flag.',
+    'The instrument clears its table and then takes the new one line by line. If it refuses a line, the lines before that one are there and the others are not; what was there before can be restored, but for the calibration flags.',
+  ],
   layout: sequenceLayout,
   fromReport: (document) => sequenceTable(document as Sequence),
   toFile: (table) => writeFile(table.header, table.rows),
@@ -157,6 +169,10 @@ const peakKey = (row: { Channel?: unknown; ID?: unknown }): string => `${row.Cha
 export const calibrationKind: TableKind = {
   name: 'calibration',
   title: 'Calibration',
+  effects: [
+    'The instrument clears all amounts first. The amounts of all peaks are sent.',
+    'If it refuses an amount, the peaks before that one have theirs, and the others stay cleared; what was there before can be restored.',
+  ],
   layout: () => ({
     schema: calibrationSchema as Schema,
     rowName: 'peak',
@@ -176,6 +192,7 @@ export const calibrationKind: TableKind = {
         ...editable,
         schema: '#/definitions/level/properties/Level_amt',
         minimum: 0,
+        usual: 1_000_000,
       },
       { key: 'Ret_time', label: 'Retention time, s', kind: 'real', ...computed },
       { key: 'Linear', label: 'Linear coefficient', kind: 'real', ...computed },

@@ -106,6 +106,25 @@ describe('the pages', () => {
     expect(field('Runs, line 1').value).toBe('77');
   });
 
+  it('are marked while they have what is not sent', async () => {
+    const marked = (): string[] => textsOf('nav a:has(.unsent)');
+    await open('#/sequence');
+    expect(marked()).toEqual([]);
+    const { value: draft } = sequenceEditor.draft;
+    await act(() => {
+      sequenceEditor.draft.value = setCell(draft!, 0, 'Repeat', '77');
+    });
+    await go('#/alarms');
+    expect(marked()).toEqual(['Sequence● (changes not sent)']);
+    expect(find('.unsent').getAttribute('aria-hidden')).toBe('true');
+    await go('#/calibration');
+    await act(() => {
+      sequenceEditor.draft.value = draft;
+      calibrationEditor.draft.value = setCell(calibrationEditor.draft.value!, 0, 'Level_amt', '7');
+    });
+    expect(marked()).toEqual(['Calibration● (changes not sent)']);
+  });
+
   it('begin with their heading for who does not see them', async () => {
     await open('#/status');
     expect(document.activeElement).not.toBe(find('h1'));

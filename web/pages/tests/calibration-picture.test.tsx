@@ -8,6 +8,7 @@ import { Editor } from '../src/editor';
 import { draftOf, setCell, type Values } from '../src/table';
 import { calibrationKind } from '../src/tables';
 import { configuration } from '../src/store';
+import { noBackups } from './backups';
 import { load } from './documents';
 import { factsOf, find, show, textOf, textsOf } from './dom';
 import { arrange, clear, exampleConfiguration } from './world';
@@ -21,6 +22,7 @@ function editorOf(rows: readonly Values[]): Editor {
     read: async () => ({ ok: true as const, table }),
     send: async () => ({ ok: true as const }),
     describe: () => '',
+    backups: noBackups,
   };
   const made = new Editor(
     calibrationKind,

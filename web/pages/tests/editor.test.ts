@@ -13,8 +13,12 @@ function build(kind: TableKind, document: object) {
   const world = {
     table: kind.fromReport(document),
     sent: [] as string[],
+    asked: [] as number[],
     isReachable: true,
     refusal: undefined as typeof fault | undefined,
+    /** What the gateway keeps, by its number, the latest first. */
+    backups: [] as [number: number, table: Table][],
+    backupFault: '',
     /** What the instrument makes of what it is sent. */
     keep: (sent: Table): Table => sent,
   };
@@ -29,11 +33,26 @@ function build(kind: TableKind, document: object) {
         return world.refusal ? { ok: false, fault: world.refusal } : { ok: true };
       },
       describe: ({ text }) => text,
+      backups: {
+        list: async () =>
+          world.backupFault
+            ? { ok: false, reason: world.backupFault }
+            : {
+                ok: true,
+                value: world.backups.map(([number]) => ({ number, time: '', user: 'anna' })),
+              },
+        table: async (number) => {
+          world.asked.push(number);
+          const [, table] = world.backups.find(([one]) => one === number)!;
+          return table.rows.length > 0 ? { ok: true, value: table } : { ok: false, reason: 'gone' };
+        },
+      },
     },
     signal<Configuration | undefined>(undefined),
   );
   const edit = (rowId: number, key: string, text: string): void => {
-    editor.draft.value = setCell(editor.draft.value!, rowId, key, text);
+    const place = { rowId, key };
+    editor.change(setCell(editor.draft.value!, rowId, key, text), { what: key, place }, true);
   };
   /** What was being done, one after the other. */
   const steps: string[] = [];
@@ -86,7 +105,10 @@ describe('editor', () => {
     edit(0, 'Repeat', '9');
     world.isReachable = false;
     await editor.load();
-    expect(editor.message.value).toEqual({ kind: 'bad', text: 'The instrument is not reachable.' });
+    expect(editor.message.value).toMatchObject({
+      kind: 'bad',
+      text: 'The instrument is not reachable.',
+    });
     expect(editor.draft.value?.rows[0]?.cells.Repeat).toBe('9');
     world.isReachable = true;
     await editor.load();
@@ -117,7 +139,7 @@ describe('editor', () => {
       await editor.send();
       expect(world.sent).toHaveLength(count);
       if (count === 0) {
-        expect(editor.message.value).toEqual({
+        expect(editor.message.value).toMatchObject({
           kind: 'bad',
           text: 'The table has 65537 octets; the gateway takes 65536. Nothing was sent.',
         });
@@ -131,7 +153,7 @@ describe('editor', () => {
     edit(1, 'Stream', '3');
     world.refusal = { status: 409, text: 'The instrument refused.', detail: '' };
     await editor.send();
-    expect(editor.message.value).toEqual({
+    expect(editor.message.value).toMatchObject({
       kind: 'bad',
       text: 'The instrument refused. Even so the instrument now has the table.',
     });
@@ -140,7 +162,7 @@ describe('editor', () => {
       return sent;
     };
     await editor.send();
-    expect(editor.message.value).toEqual({
+    expect(editor.message.value).toMatchObject({
       kind: 'bad',
       text: 'The instrument refused. It could not be read back: The instrument is not reachable.',
     });
@@ -175,7 +197,10 @@ describe('editor', () => {
       Slot: 0,
       Flush_time: 1,
     });
-    expect(editor.message.value).toEqual({ kind: 'good', text: 'Sent, read back, and the same.' });
+    expect(editor.message.value).toMatchObject({
+      kind: 'good',
+      text: 'Sent, read back, and the same.',
+    });
     expect(editor.isDirty.value).toBe(false);
     expect(editor.busy.value).toBe('');
   });
@@ -187,7 +212,10 @@ describe('editor', () => {
     world.isReachable = false;
     await editor.prepare();
     expect(editor.review.value).toBeUndefined();
-    expect(editor.message.value).toEqual({ kind: 'bad', text: 'The instrument is not reachable.' });
+    expect(editor.message.value).toMatchObject({
+      kind: 'bad',
+      text: 'The instrument is not reachable.',
+    });
     expect(editor.draft.value?.rows[0]?.cells.Repeat).toBe('9');
   });
 
@@ -302,17 +330,205 @@ describe('editor', () => {
     const octets = (text: string) => new TextEncoder().encode(text).buffer as ArrayBuffer;
     editor.import('mine.json', octets('{"Table_repeat": 4, "total": 1, "rows": [{"Stream": 2}]}'));
     expect(editor.draft.value?.header.Table_repeat).toBe('4');
-    expect(editor.message.value).toEqual({
+    expect(editor.message.value).toMatchObject({
       kind: 'good',
       text: 'mine.json was read. Nothing has been sent yet.',
     });
     expect(editor.isDirty.value).toBe(true);
     expect(world.sent).toEqual([]);
     editor.import('other.json', octets('{"total": 1}'));
-    expect(editor.message.value).toEqual({
+    expect(editor.message.value).toMatchObject({
       kind: 'bad',
       text: 'other.json was not read. Table_repeat: is missing.',
     });
     expect(editor.draft.value?.header.Table_repeat).toBe('4');
+  });
+
+  it('asks before edits go, and not when there are none', async () => {
+    const { editor, world, edit } = sequence();
+    await editor.load();
+    const file = '{"Table_repeat": 4, "total": 1, "rows": [{"Stream": 2}]}';
+    const octets = new TextEncoder().encode(file).buffer as ArrayBuffer;
+    editor.import('mine.json', octets);
+    expect(editor.review.value).toBeUndefined();
+    editor.import('mine.json', octets);
+    expect(editor.review.value).toMatchObject({
+      kind: 'discard',
+      title: 'Replace what was changed here?',
+      yes: 'Replace',
+    });
+    expect(editor.review.value?.diff.rows).not.toEqual([]);
+    expect(editor.undos.past.value.map(({ what }) => what)).toEqual(['import of mine.json']);
+    const asked = editor.review.value!;
+    if (asked.kind === 'discard') {
+      asked.go();
+    }
+    expect(editor.review.value).toBeUndefined();
+    expect(editor.undos.past.value).toHaveLength(2);
+    expect(editor.message.value?.text).toBe('mine.json was read. Nothing has been sent yet.');
+    edit(0, 'Stream', '3');
+    // It is about a table that is not the one that was read any more.
+    expect(editor.message.value).toBeUndefined();
+    editor.reload();
+    expect(editor.review.value).toMatchObject({ kind: 'discard', yes: 'Discard and reload' });
+    world.table = withStream(world.table, 0, 1);
+    await editor.load();
+    editor.reload();
+    expect(editor.review.value).toBeUndefined();
+  });
+
+  it('says when the table is as before, and when it may still be at work', async () => {
+    const { editor, world, edit } = sequence();
+    await editor.load();
+    const { table } = world;
+    edit(1, 'Stream', '3');
+    world.keep = () => table;
+    world.refusal = { status: 401, text: 'You are not signed in.', detail: '' };
+    await editor.send();
+    expect(editor.message.value?.text).toBe(
+      'You are not signed in. The instrument’s table is as it was before.',
+    );
+    expect(editor.message.value?.diff).toBeUndefined();
+    expect(editor.before.value).toBeUndefined();
+    const wait = ' It may still be at work: read the table again in a few minutes.';
+    world.refusal = { status: 0, text: 'No answer came.', detail: '' };
+    await editor.send();
+    expect(editor.message.value?.text).toContain(`is as it was before.${wait}`);
+    world.refusal = { ...fault, text: 'Not known.', isUnknown: true } as typeof fault;
+    world.keep = (sent) => sent;
+    await editor.send();
+    expect(editor.message.value?.text).toBe(
+      `Not known. Even so the instrument now has the table.${wait}`,
+    );
+  });
+});
+
+describe('a table that was refused halfway', () => {
+  const half = async () => {
+    const made = sequence();
+    const { editor, world, edit } = made;
+    await editor.load();
+    const before = world.table;
+    edit(2, 'Stream', '46');
+    world.refusal = { status: 409, text: 'The instrument refused.', detail: '' };
+    world.keep = (sent) => ({ ...sent, rows: sent.rows.slice(0, 2) });
+    await editor.send();
+    world.refusal = undefined;
+    world.keep = (sent) => sent;
+    expect(editor.before.value).toEqual(before);
+    return { ...made, before };
+  };
+
+  it('can be replaced by what was there before, from the backups', async () => {
+    const { editor, world, before, steps } = await half();
+    const newer = withStream(before, 0, 1);
+    world.backups = [
+      [9, newer],
+      [8, { header: {}, rows: [] }],
+      [7, before],
+      [6, before],
+    ];
+    steps.splice(0);
+    await editor.prepareRestore();
+    expect(steps.slice(0, 2)).toEqual(['Looking for the earlier table', '']);
+    expect(world.asked).toEqual([9, 8, 7]);
+    const review = editor.review.value!;
+    expect(review.kind === 'send' && review.wanted).toEqual({ goal: 'restore', table: before });
+    expect(review.diff.rows.map(({ kind }) => kind)).toEqual(['added']);
+    await editor.send({ goal: 'restore', table: before });
+    expect(world.table).toEqual(before);
+    expect(editor.message.value).toMatchObject({
+      kind: 'good',
+      text: 'What was there before is on the instrument again: sent, read back, and the same.',
+    });
+    expect(editor.before.value).toBeUndefined();
+    // What was edited is still there.
+    expect(editor.draft.value?.rows[2]?.cells.Stream).toBe('46');
+    expect(editor.isDirty.value).toBe(true);
+  });
+
+  it('is restored from what was read here when the backup is gone', async () => {
+    const { editor, before } = await half();
+    await editor.prepareRestore();
+    const review = editor.review.value!;
+    expect(review.kind === 'send' && review.wanted.table).toEqual(before);
+  });
+
+  it('waits for the gateway', async () => {
+    const { editor, world } = await half();
+    world.backupFault = 'The web server does not answer.';
+    await editor.prepareRestore();
+    expect(editor.review.value).toBeUndefined();
+    expect(editor.busy.value).toBe('');
+    expect(editor.message.value).toMatchObject({
+      kind: 'bad',
+      text: 'The earlier tables could not be read. The web server does not answer.',
+    });
+    expect(editor.before.value).toBeDefined();
+  });
+
+  it('is not restored over what somebody else has changed', async () => {
+    const { editor, world, before } = await half();
+    world.table = withStream(before, 1, 4);
+    await editor.prepareRestore();
+    const review = editor.review.value!;
+    expect(review.kind).toBe('conflict');
+    if (review.kind === 'conflict') {
+      await editor.keepEdits(review.theirs, review.wanted);
+    }
+    expect(editor.review.value).toMatchObject({ kind: 'send', wanted: { goal: 'restore' } });
+  });
+
+  it('that is refused halfway too leaves what was there at first', async () => {
+    const { editor, world, before } = await half();
+    world.refusal = { status: 409, text: 'The instrument refused.', detail: '' };
+    world.keep = (sent) => ({ ...sent, rows: sent.rows.slice(0, 1) });
+    await editor.send();
+    expect(editor.before.value).toEqual(before);
+  });
+
+  it('is over when the instrument turns out to have one of the two', async () => {
+    const one = await half();
+    one.world.table = one.before;
+    await one.editor.load();
+    expect(one.editor.before.value).toBeUndefined();
+    const two = await half();
+    two.world.table = two.editor.edited();
+    await two.editor.load();
+    expect(two.editor.before.value).toBeUndefined();
+    const neither = await half();
+    await neither.editor.load();
+    expect(neither.editor.before.value).toEqual(neither.before);
+  });
+
+  it('may have been when it could not be read back', async () => {
+    const { editor, world, edit } = sequence();
+    await editor.load();
+    const before = world.table;
+    edit(2, 'Stream', '3');
+    world.refusal = { status: 504, text: 'No answer.', detail: '' };
+    world.keep = (sent) => {
+      world.isReachable = false;
+      return sent;
+    };
+    await editor.send();
+    expect(editor.before.value).toEqual(before);
+    expect(editor.message.value?.text).toBe(
+      'No answer. It could not be read back: The instrument is not reachable.',
+    );
+  });
+
+  it('of another instrument is not looked for any more', async () => {
+    const { editor } = await half();
+    const looking = editor.prepareRestore();
+    editor.takeOver();
+    await looking;
+    expect([editor.review.value, editor.message.value, editor.busy.value]).toEqual([
+      undefined,
+      undefined,
+      '',
+    ]);
+    await editor.prepareRestore();
+    expect(editor.busy.value).toBe('');
   });
 });

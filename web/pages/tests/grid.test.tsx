@@ -1,7 +1,8 @@
 // @vitest-environment happy-dom
 import { useState } from 'preact/hooks';
 import { afterEach, describe, expect, it } from 'vitest';
-import { CellInput, Grid } from '../src/components/Grid';
+import { CellInput } from '../src/components/CellInput';
+import { Grid } from '../src/components/Grid';
 import { draftOf, problemsOfDraft, type Draft, type Layout, type Values } from '../src/table';
 import { calibrationKind, sequenceKind } from '../src/tables';
 import { load } from './documents';

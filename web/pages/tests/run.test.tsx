@@ -2,8 +2,10 @@
 import { act } from 'preact/test-utils';
 import { afterEach, beforeEach, describe, expect, it, vi } from 'vitest';
 import type { Status } from '../src/documents';
+import { sequenceEditor } from '../src/editors';
 import { RunPage } from '../src/pages/Run';
 import { configuration, notice, returns } from '../src/store';
+import { setCell } from '../src/table';
 import { statusWith } from './documents';
 import {
   choose,
@@ -231,6 +233,25 @@ describe('the automation', () => {
       'Automation: being sent.',
       'Automation: the automation has begun',
     ]);
+  });
+
+  it('is asked about with a word on edits that are not sent', async () => {
+    const words =
+      'The sequence has changes here that are not sent. The automation runs the table that the instrument has:';
+    await open();
+    await sequenceEditor.load();
+    const { value: draft } = sequenceEditor.draft;
+    await press('Start automation…');
+    await settle();
+    expect(textsOf('dialog p')).not.toContain(words);
+    await press('Cancel');
+    sequenceEditor.draft.value = setCell(draft!, 0, 'Repeat', '77');
+    await press('Start automation…');
+    await settle();
+    expect(textsOf('dialog p')).toContain(words);
+    // What is shown is what the instrument has.
+    expect(rowsOf('dialog table')[1]).not.toContain('77');
+    sequenceEditor.draft.value = draft;
   });
 
   it('is not started when the answer is no', async () => {

@@ -319,6 +319,17 @@ describe('a fault', () => {
   ])('with the details %j', (detail, text) => {
     expect(store.describeFault({ status: 409, text: 'Refused.', detail })).toBe(text);
   });
+
+  it('of a peak says which it was', () => {
+    store.status.value = statusWith();
+    const detail = 'Refused: Unable to set new level for chan[2] peak[13] (error 207)';
+    expect(store.describeFault({ status: 409, text: 'Refused.', detail, code: 207 })).toBe(
+      'Refused. The instrument does not take this in its present state (error 207) at channel 2, peak 13.',
+    );
+    expect(store.describeFault({ status: 409, text: 'Refused.', detail, code: 99 })).toBe(
+      `Refused. ${detail}.`,
+    );
+  });
 });
 
 describe('actions', () => {

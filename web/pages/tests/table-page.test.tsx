@@ -2,6 +2,7 @@
 import { signal } from '@preact/signals';
 import { act } from 'preact/test-utils';
 import { afterEach, beforeEach, describe, expect, it, vi } from 'vitest';
+import type { Backup, Got } from '../src/backups';
 import type { Configuration } from '../src/documents';
 import { Editor, type Sent } from '../src/editor';
 import { TablePage, type TablePicture } from '../src/pages/TablePage';
@@ -12,6 +13,7 @@ import {
   button,
   field,
   find,
+  nameOf,
   press,
   reasonOf,
   rowsOf,
@@ -22,7 +24,7 @@ import {
   tick,
   type,
 } from './dom';
-import { returns, samples } from '../src/store';
+import { configuration, returns, samples } from '../src/store';
 import { arrange, clear, setStatus } from './world';
 
 const unreachable = { status: 503, text: 'The instrument is not reachable.', detail: '' };
@@ -34,6 +36,8 @@ class World {
   isReachable = true;
   /** What is waited for before anything is read. */
   until: Promise<void> = Promise.resolve();
+  list: () => Got<readonly Backup[]> = () => ({ ok: true, value: [] });
+  backup: (number: number) => Got<Table> = () => ({ ok: false, reason: 'It is gone.' });
   send: (file: string) => Sent = (file) => {
     this.table = this.kind.fromReport(JSON.parse(file) as object);
     return { ok: true };
@@ -61,6 +65,10 @@ class World {
           return this.send(file);
         },
         describe: ({ text }) => text,
+        backups: {
+          list: async () => this.list(),
+          table: async (number) => this.backup(number),
+        },
       },
       signal<Configuration | undefined>(undefined),
     );
@@ -69,8 +77,11 @@ class World {
 
 const everyday = load<object>('tests/system/documents/sequence/everyday.json');
 const sequence = (): World => new World(sequenceKind, everyday);
-const message = (): string => textOf(find('[data-testid=table-message]'));
-const state = (): string => textOf(find('p[role=status]'));
+/** Without the time of day. */
+const message = (): string =>
+  textOf(find('[data-testid=table-message]')).replace(/^\d\d:\d\d:\d\d /, '');
+const state = (): string => textOf(find('p[role=status]')).replace(/ Read at \d\d:\d\d:\d\d\./, '');
+const asked = (): string[] => textsOf('.dialog-body p');
 const dialog = (): string => textOf(find('dialog h2'));
 
 let world: World;
@@ -107,9 +118,12 @@ describe('the page of a table', () => {
     expect(textOf(find('caption'))).toBe('Sequence');
     expect(textsOf('p.dim')).toEqual(['How to move.']);
     expect(textsOf('.toolbar button')).toEqual([
+      'Undo',
+      'Redo',
       'Reload',
       'Import…',
       'Export',
+      'Earlier tables…',
       'Compare and send…',
     ]);
     expect(find('.toolbar').getAttribute('aria-label')).toBe('Table');
@@ -196,12 +210,55 @@ describe('the page of a table', () => {
     expect(rowsOf('tbody')).toHaveLength(3);
   });
 
-  it('reads it again on demand, and says that edits are lost by it', async () => {
+  it('reads it again on demand, and asks before edits are lost by it', async () => {
     await open(sequence());
     await type('Runs, line 1', '7');
+    await pressAndWait('Discard and reload…');
+    expect(dialog()).toBe('Discard what was changed here?');
+    expect(asked()).toEqual([
+      'This has not been sent to the instrument:',
+      '“Undo” brings it back.',
+    ]);
+    expect(rowsOf('dialog tbody')).toEqual([
+      ['~ changed', '1', 'Calibration', '2 → 7', '4', '1', '1.5'],
+    ]);
+    await pressAndWait('Cancel');
+    expect(textsOf('dialog')).toEqual([]);
+    expect(field('Runs, line 1').value).toBe('7');
+    await pressAndWait('Discard and reload…');
     await pressAndWait('Discard and reload');
     expect(field('Runs, line 1').value).toBe('2');
     expect(textOf(button('Reload'))).toBe('Reload');
+    await press('Undo');
+    expect(field('Runs, line 1').value).toBe('7');
+    expect(state()).toBe('Changed here, not sent. Undone: reading of the instrument’s table.');
+    await press('Redo');
+    await pressAndWait('Reload');
+    expect(textsOf('dialog')).toEqual([]);
+  });
+
+  it('says when it was read', async () => {
+    vi.useFakeTimers({ toFake: ['Date'], now: new Date(2026, 10, 21, 14, 32, 7) });
+    await open(sequence());
+    expect(textOf(find('[data-testid=table-state]'))).toBe(
+      'As on the instrument when it was read. Read at 14:32:07.',
+    );
+    world.isReachable = false;
+    vi.setSystemTime(new Date(2026, 10, 21, 14, 40, 0));
+    await pressAndWait('Reload');
+    expect(textOf(find('[data-testid=table-message]'))).toBe(
+      '14:40:00 The instrument is not reachable.',
+    );
+    expect(textOf(find('[data-testid=table-state]'))).toContain('Read at 14:32:07.');
+    vi.useRealTimers();
+  });
+
+  it('sends nothing before it is known which instrument that is', async () => {
+    await open(sequence());
+    await act(() => void (configuration.value = undefined));
+    expect(reasonOf('Compare and send…')).toBe(
+      'The configuration of the instrument has not been read yet.',
+    );
   });
 
   it('is off while something is under way', async () => {
@@ -286,7 +343,7 @@ describe('sending', () => {
     await type('Stream, line 2', '3');
     await pressAndWait('Compare and send…');
     expect(dialog()).toBe('Send the sequence?');
-    expect(textsOf('.dialog-body p')).toEqual(['This changes on the instrument:']);
+    expect(asked()).toEqual(['This changes on the instrument:', ...sequenceKind.effects]);
     expect(rowsOf('dialog tbody')).toEqual([
       ['~ changed', '2', 'Analysis', '5', '1 → 3', '0', '1'],
     ]);
@@ -301,8 +358,10 @@ describe('sending', () => {
   it('can be given up', async () => {
     await open(sequence());
     await pressAndWait('Compare and send…');
-    expect(textsOf('.dialog-body p')).toEqual([
+    expect(asked()).toEqual([
       'The instrument already has this table. It would be written again.',
+      'Every line gets the calibration flag, whether it had it before or not: no report shows that flag.',
+      'The instrument clears its table and then takes the new one line by line. If it refuses a line, the lines before that one are there and the others are not; what was there before can be restored, but for the calibration flags.',
     ]);
     await press('Cancel');
     expect(textsOf('dialog')).toEqual([]);
@@ -316,6 +375,7 @@ describe('sending', () => {
     expect(textsOf('.dialog-body p')).toEqual([
       'This changes on the instrument:',
       'Runs of the whole table: 2 → 9',
+      ...sequenceKind.effects,
     ]);
   });
 
@@ -328,6 +388,7 @@ describe('sending', () => {
     expect(textsOf('.dialog-body p')).toEqual([
       'This changes on the instrument:',
       'The instrument clears all amounts first. The amounts of all peaks are sent.',
+      'If it refuses an amount, the peaks before that one have theirs, and the others stay cleared; what was there before can be restored.',
     ]);
   });
 
@@ -349,7 +410,7 @@ describe('sending', () => {
     world.send = () => ({ ok: true });
     await pressAndWait('Compare and send…');
     await pressAndWait('Send');
-    expect(textsOf('[data-testid=table-message] p')).toEqual([
+    expect(textsOf('[data-testid=table-message] p').map((text) => text.slice(9))).toEqual([
       'The instrument accepted the table, but what it has now differs:',
     ]);
     expect(rowsOf('[data-testid=table-message] tbody')).toEqual([
@@ -376,7 +437,7 @@ describe('a table that somebody else has changed', () => {
   it('is shown, and nothing sent', async () => {
     expect(dialog()).toBe('The instrument’s table has changed');
     expect(textsOf('.dialog-body p')).toEqual([
-      'Nothing was sent. Since the table was loaded here, somebody has changed on the instrument:',
+      'Nothing was sent. Since the table was loaded here, it has changed on the instrument:',
     ]);
     expect(rowsOf('dialog tbody')).toEqual([
       ['~ changed', '3', 'Analysis', '3', '2 → 4', '0', '0.5'],
@@ -474,4 +535,219 @@ describe('files', () => {
     expect(JSON.parse(await blobs[0]!.text())).toEqual({ ...everyday, Table_repeat: 8 });
     vi.restoreAllMocks();
   });
+});
+
+describe('keys', () => {
+  const isTaken = async (name: string, more: KeyboardEventInit): Promise<boolean> => {
+    const event = new KeyboardEvent('keydown', {
+      key: name,
+      bubbles: true,
+      cancelable: true,
+      ...more,
+    });
+    await act(() => void document.body.dispatchEvent(event));
+    return event.defaultPrevented;
+  };
+  const runs = (): string => field('Runs, line 1').value;
+
+  it.each<[string, KeyboardEventInit, string, KeyboardEventInit]>([
+    ['z', { ctrlKey: true }, 'y', { ctrlKey: true }],
+    ['z', { metaKey: true }, 'Z', { metaKey: true, shiftKey: true }],
+    ['Z', { ctrlKey: true }, 'z', { ctrlKey: true, shiftKey: true }],
+    // Another script: the place on the keyboard counts.
+    ['я', { ctrlKey: true, code: 'KeyZ' }, 'н', { ctrlKey: true, code: 'KeyY' }],
+  ])('%s %j undoes, %s %j does it again', async (undo, undoMore, redo, redoMore) => {
+    await open(sequence());
+    await type('Runs, line 1', '7');
+    expect(await isTaken(undo, undoMore)).toBe(true);
+    expect(runs()).toBe('2');
+    expect(nameOf(document.activeElement!)).toBe('Runs, line 1');
+    expect(state()).toBe('As on the instrument when it was read. Undone: Runs, line 1.');
+    expect(await isTaken(redo, redoMore)).toBe(true);
+    expect(runs()).toBe('7');
+    expect(state()).toBe('Changed here, not sent. Done again: Runs, line 1.');
+  });
+
+  it.each<[string, KeyboardEventInit]>([
+    ['z', {}],
+    ['y', {}],
+    ['x', { ctrlKey: true }],
+    ['z', { ctrlKey: true, altKey: true }],
+    ['y', { ctrlKey: true, shiftKey: true }],
+    // On this keyboard the two are exchanged.
+    ['x', { ctrlKey: true, code: 'KeyZ' }],
+  ])('%s %j is nothing of that', async (name, more) => {
+    await open(sequence());
+    await type('Runs, line 1', '7');
+    expect(await isTaken(name, more)).toBe(false);
+    expect(runs()).toBe('7');
+  });
+
+  it('are left alone in a question, while something is under way, and on other pages', async () => {
+    await open(sequence());
+    await type('Runs, line 1', '7');
+    await press('Discard and reload…');
+    expect(await isTaken('z', { ctrlKey: true })).toBe(false);
+    await press('Cancel');
+    world.until = new Promise(() => undefined);
+    await press('Compare and send…');
+    expect(await isTaken('z', { ctrlKey: true })).toBe(true);
+    expect(runs()).toBe('7');
+    await show(null);
+    expect(await isTaken('z', { ctrlKey: true })).toBe(false);
+  });
+
+  it.each([
+    ['historyUndo', true, '2'],
+    ['historyRedo', true, '7'],
+    ['insertText', false, '7'],
+  ])('of a menu: %s', async (inputType, isOurs, expected) => {
+    await open(sequence());
+    await type('Runs, line 1', '7');
+    const event = new InputEvent('beforeinput', { inputType, bubbles: true, cancelable: true });
+    await act(() => void field('Runs, line 1').dispatchEvent(event));
+    expect(event.defaultPrevented).toBe(isOurs);
+    expect(runs()).toBe(expected);
+  });
+});
+
+describe('undo', () => {
+  it('says the same words twice, and what it would undo', async () => {
+    await open(sequence());
+    expect(button('Undo').disabled).toBe(true);
+    expect(button('Redo').disabled).toBe(true);
+    await press('Delete line 1');
+    await press('Delete line 1');
+    expect(button('Undo').title).toBe('deletion of line 1');
+    await press('Undo');
+    const first = find('[data-testid=table-state] > span:last-child');
+    expect(textOf(first)).toBe('Undone: deletion of line 1.');
+    expect(nameOf(document.activeElement!)).toBe('Type, line 1');
+    await press('Undo');
+    const second = find('[data-testid=table-state] > span:last-child');
+    expect(textOf(second)).toBe('Undone: deletion of line 1.');
+    expect(second).not.toBe(first);
+    expect(button('Undo').disabled).toBe(true);
+    expect(button('Redo').disabled).toBe(false);
+  });
+
+  it.each([
+    ['Move line 1 down', 'move of line 1 down', 'Type, line 1'],
+    ['Move line 2 up', 'move of line 2 up', 'Type, line 2'],
+    ['Duplicate line 2', 'duplicate of line 2', 'Type, line 3'],
+    ['Add line', 'new line', 'Type, line 3'],
+    ['Delete line 3', 'deletion of line 3', 'Type, line 3'],
+  ])('of %s', async (name, what, focused) => {
+    await open(sequence());
+    await press(name);
+    await press('Undo');
+    expect(state()).toBe(`As on the instrument when it was read. Undone: ${what}.`);
+    expect(nameOf(document.activeElement!)).toBe(focused);
+  });
+
+  it('of the header goes there', async () => {
+    await open(sequence());
+    await type('Runs of the whole table', '5');
+    await press('Undo');
+    expect(nameOf(document.activeElement!)).toBe('Runs of the whole table');
+    expect(state()).toContain('Undone: Runs of the whole table.');
+  });
+
+  it('takes what was typed in a cell after it was left as another step', async () => {
+    await open(sequence());
+    await act(() => field('Flush time, line 1').focus());
+    await type('Flush time, line 1', '2,5');
+    await act(() => field('Runs of the whole table').focus());
+    expect(field('Flush time, line 1').value).toBe('2.5');
+    await type('Runs of the whole table', '4');
+    await act(() => field('Flush time, line 1').focus());
+    expect(editor.undos.past.value).toHaveLength(2);
+    await type('Flush time, line 1', '3');
+    await press('Undo');
+    expect(field('Flush time, line 1').value).toBe('2.5');
+  });
+});
+
+describe('what is not right', () => {
+  it('is told in one place, with the way to the cells', async () => {
+    await open(sequence());
+    expect(textsOf('.problems')).toEqual([]);
+    await type('Flush time, line 2', 'x');
+    await type('Runs of the whole table', '');
+    expect(textsOf('.problems h2')).toEqual(['Not right (2)']);
+    expect(textsOf('.problems button')).toEqual([
+      'Runs of the whole table: empty',
+      'Flush time, line 2: not a number',
+    ]);
+    await press('Flush time, line 2: not a number');
+    expect(nameOf(document.activeElement!)).toBe('Flush time, line 2');
+    await press('Show what is not right');
+    expect(nameOf(document.activeElement!)).toBe('Runs of the whole table');
+  });
+});
+
+describe('a refusal halfway', () => {
+  beforeEach(async () => {
+    await open(sequence());
+    await type('Stream, line 3', '3');
+    const { table } = world;
+    world.send = () => {
+      world.table = { ...table, rows: table.rows.slice(0, 2) };
+      return { ok: false, fault: { status: 409, text: 'The instrument refused.', detail: '' } };
+    };
+    expect(textsOf('[data-testid=table-message] button')).toEqual([]);
+    await pressAndWait('Compare and send…');
+    await pressAndWait('Send');
+  });
+
+  it('can be mended', async () => {
+    expect(message()).toContain('The instrument does not have the table as it was sent.');
+    expect(message()).toContain('A table was not taken as a whole');
+    await pressAndWait('Restore what was there before…');
+    expect(dialog()).toBe('Restore the sequence?');
+    expect(asked()).toEqual([
+      'This changes on the instrument:',
+      'What was changed here stays here, and is not sent.',
+      ...sequenceKind.effects,
+    ]);
+    world.send = (file) => {
+      world.table = sequenceKind.fromReport(JSON.parse(file) as object);
+      return { ok: true };
+    };
+    await pressAndWait('Restore');
+    expect(message()).toBe(
+      'What was there before is on the instrument again: sent, read back, and the same.',
+    );
+    expect(textsOf('[data-testid=table-message] button')).toEqual([]);
+    expect(field('Stream, line 3').value).toBe('3');
+  });
+
+  it('is not mended over what somebody else did', async () => {
+    world.table = { ...world.table, rows: world.table.rows.slice(0, 1) };
+    await pressAndWait('Restore what was there before…');
+    expect(textsOf('dialog button')).toEqual([
+      'Cancel',
+      'Load the instrument’s table',
+      'Compare again',
+    ]);
+    await pressAndWait('Compare again');
+    expect(dialog()).toBe('Restore the sequence?');
+  });
+
+  it('waits for what is under way', async () => {
+    world.until = new Promise(() => undefined);
+    await press('Discard and reload…');
+    await press('Discard and reload');
+    expect(button('Restore what was there before…').disabled).toBe(true);
+  });
+});
+
+it('tells what is more than usual', async () => {
+  await open(sequence());
+  await type('Runs, line 1', '1200');
+  await type('Runs of the whole table', '1000');
+  await pressAndWait('Compare and send…');
+  expect(asked()).toContain(
+    'More than usual, and perhaps refused by the instrument: Runs of the whole table: 1000; Runs, line 1: 1200.',
+  );
 });

@@ -79,11 +79,11 @@ describe('layouts', () => {
       Slot: 0,
       Flush_time: 0,
     });
-    expect(bare.columns[2]!.maximum).toBeUndefined();
+    expect(bare.columns[2]!.maximum).toBe(46);
     const unknown = sequenceKind.layout(undefined);
     expect(unknown.mostRows).toBe(20);
     expect(unknown.emptyRow.Stream).toBe(1);
-    expect(unknown.columns[2]!.maximum).toBeUndefined();
+    expect(unknown.columns[2]!.maximum).toBe(46);
   });
 
   it('of a calibration', () => {

@@ -14,20 +14,19 @@ import {
   type Layout,
   type Row,
 } from '../table';
+import type { Step } from '../undo';
+import { CellInput, type Place } from './CellInput';
 
 interface Props {
   caption: string;
   layout: Layout;
   draft: Draft;
   problems: readonly CellProblem[];
-  onChange: (draft: Draft) => void;
+  onChange: (draft: Draft, step: Step, isTyping?: boolean) => void;
+  /** What was typed into a cell is complete. */
+  onLeaveCell?: () => void;
   /** Told the row that the focus is in, or that it is in none. */
   onFocusRow?: ((rowId: number | undefined) => void) | undefined;
-}
-
-interface Place {
-  rowId: number;
-  key: string;
 }
 
 /** Shows a value that cannot be edited; reals come with more digits than mean something. */
@@ -36,59 +35,6 @@ function plain(text: string, column: Column): string {
     return text;
   }
   return text === '-' ? formatReal('-', 0) : String(Number(Number(text).toPrecision(6)));
-}
-
-export function CellInput(props: {
-  column: Column;
-  text: string;
-  id?: string;
-  label?: string;
-  problemId?: string | undefined;
-  place?: Place;
-  onInput: (text: string) => void;
-}) {
-  const { id, column, text, label, problemId, place, onInput } = props;
-  const common = {
-    id,
-    'aria-label': label,
-    'aria-invalid': problemId !== undefined,
-    'aria-describedby': problemId,
-    'data-row': place?.rowId,
-    'data-key': place?.key,
-  };
-  if (column.kind === 'flag') {
-    return (
-      <input
-        type="checkbox"
-        checked={text === 'true'}
-        onChange={(event) => onInput(String(event.currentTarget.checked))}
-        {...common}
-      />
-    );
-  }
-  if (column.choices) {
-    const choices = column.choices.includes(text) ? column.choices : [text, ...column.choices];
-    return (
-      <select value={text} onChange={(event) => onInput(event.currentTarget.value)} {...common}>
-        {choices.map((choice) => (
-          <option key={choice} value={choice}>
-            {choice}
-          </option>
-        ))}
-      </select>
-    );
-  }
-  return (
-    <input
-      type="text"
-      inputMode={column.kind === 'integer' ? 'numeric' : 'decimal'}
-      autocomplete="off"
-      value={text}
-      onInput={(event) => onInput(event.currentTarget.value)}
-      onFocus={(event) => event.currentTarget.select()}
-      {...common}
-    />
-  );
 }
 
 /** Whether the caret stands where an arrow key would leave the text. */
@@ -101,7 +47,8 @@ function isAtEdge(element: HTMLInputElement | HTMLSelectElement, isLeft: boolean
   return isAll || (start === end && start === (isLeft ? 0 : value.length));
 }
 
-export function Grid({ caption, layout, draft, problems, onChange, onFocusRow }: Props) {
+export function Grid(props: Props) {
+  const { caption, layout, draft, problems, onChange, onLeaveCell, onFocusRow } = props;
   const body = useRef<HTMLTableSectionElement>(null);
   const wanted = useRef<Place>();
   const hasRowTools = layout.mostRows > 0;
@@ -121,24 +68,35 @@ export function Grid({ caption, layout, draft, problems, onChange, onFocusRow }:
     }
   });
 
+  const name = (index: number): string => `${layout.rowName} ${index + 1}`;
+  const nameOf = (rowId: number): string => name(draft.rows.findIndex(({ id }) => id === rowId));
+  const first = editable[0] ?? '';
+
   /** Changes the rows, and puts the focus where the person goes on. */
-  const change = (changed: Draft, rowId: number, key: string): void => {
+  const change = (changed: Draft, step: Step, rowId: number, key: string): void => {
     if (changed !== draft) {
       wanted.current = { rowId, key };
-      onChange(changed);
+      onChange(changed, step);
     }
   };
-  const move = (rowId: number, by: -1 | 1, key: string): void =>
-    change(moveRow(draft, rowId, by), rowId, key);
-  const duplicate = (rowId: number): void =>
-    change(duplicateRow(draft, layout, rowId), draft.nextId, editable[0] ?? '');
-  const add = (): void => change(addRow(draft, layout), draft.nextId, editable[0] ?? '');
+  const move = (rowId: number, by: -1 | 1, key: string): void => {
+    const what = `move of ${nameOf(rowId)} ${by < 0 ? 'up' : 'down'}`;
+    const place = { rowId, key: editable.includes(key) ? key : first };
+    change(moveRow(draft, rowId, by), { what, place }, rowId, key);
+  };
+  const duplicate = (rowId: number): void => {
+    const what = `duplicate of ${nameOf(rowId)}`;
+    change(duplicateRow(draft, layout, rowId), { what }, draft.nextId, first);
+  };
+  const add = (): void =>
+    change(addRow(draft, layout), { what: `new ${layout.rowName}` }, draft.nextId, first);
   const remove = (rowId: number): void => {
     const index = draft.rows.findIndex(({ id }) => id === rowId);
     const neighbour = draft.rows[index + 1] ?? draft.rows[index - 1];
     const changed = removeRow(draft, layout, rowId);
     const isLeast = changed.rows.length <= layout.leastRows;
-    change(changed, neighbour?.id ?? rowId, isLeast ? (editable[0] ?? '') : 'delete');
+    const what = `deletion of ${name(index)}`;
+    change(changed, { what }, neighbour?.id ?? rowId, isLeast ? first : 'delete');
   };
 
   const onKeyDown = (event: KeyboardEvent): void => {
@@ -180,7 +138,6 @@ export function Grid({ caption, layout, draft, problems, onChange, onFocusRow }:
     }
   };
 
-  const name = (index: number): string => `${layout.rowName} ${index + 1}`;
   const tools = (row: Row, index: number) => (
     <td class="tools">
       <button
@@ -237,15 +194,17 @@ export function Grid({ caption, layout, draft, problems, onChange, onFocusRow }:
     }
     const problem = problems.find((one) => one.rowId === row.id && one.key === key);
     const problemId = problem && `problem-${row.id}-${key}`;
+    const what = `${column.label}, ${name(index)}`;
+    const place = { rowId: row.id, key };
     return (
       <td key={key} data-label={column.label}>
         <CellInput
           column={column}
           text={text}
-          label={`${column.label}, ${name(index)}`}
+          label={what}
           problemId={problemId}
-          place={{ rowId: row.id, key }}
-          onInput={(input) => onChange(setCell(draft, row.id, key, input))}
+          place={place}
+          onInput={(input) => onChange(setCell(draft, row.id, key, input), { what, place }, true)}
         />
         {problem && (
           <span id={problemId} class="problem">
@@ -277,7 +236,10 @@ export function Grid({ caption, layout, draft, problems, onChange, onFocusRow }:
             <tr
               key={row.id}
               onFocusIn={() => onFocusRow?.(row.id)}
-              onFocusOut={() => onFocusRow?.(undefined)}
+              onFocusOut={() => {
+                onLeaveCell?.();
+                onFocusRow?.(undefined);
+              }}
             >
               {hasRowTools && <th scope="row">{index + 1}</th>}
               {layout.columns.map((column) => cell(row, index, column))}

@@ -1,5 +1,6 @@
 // What is asked before a run, the automation or a solution is begun, and what is sent then.
 import type { Sequence } from '../documents';
+import { sequenceEditor } from '../editors';
 import { followAutomation, followRun } from '../follow';
 import { formatSpan } from '../format';
 import { command, status } from '../store';
@@ -82,6 +83,12 @@ export function RunQuestion({ question, onDone }: { question: Question; onDone: 
           onYes={yes(startAutomation)}
           onNo={onDone}
         >
+          {sequenceEditor.isDirty.value && (
+            <p class="message bad">
+              The sequence has changes here that are not sent. The automation runs the table that
+              the instrument has:
+            </p>
+          )}
           <SequenceLines sequence={question.sequence} />
         </Confirm>
       );

@@ -1,41 +1,39 @@
 // Editing the sequence or the calibration.
 import type { ComponentType } from 'preact';
-import { useRef, useState } from 'preact/hooks';
+import { useEffect, useLayoutEffect, useRef, useState } from 'preact/hooks';
 import { useLoad } from '../comeback';
-import { ActionButton } from '../components/ActionButton';
-import { Confirm, Dialog } from '../components/Dialog';
+import { CellInput } from '../components/CellInput';
+import { CellProblems } from '../components/CellProblems';
 import { DiffTable, type ExtraColumn } from '../components/DiffTable';
-import { CellInput, Grid } from '../components/Grid';
-import { isEmptyDiff } from '../diff';
-import type { Editor, Review } from '../editor';
-import { setCell, textIn } from '../table';
+import { EarlierTables } from '../components/EarlierTables';
+import { Grid } from '../components/Grid';
+import { ReviewDialog } from '../components/ReviewDialog';
+import { TableToolbar } from '../components/TableToolbar';
+import { useUndoKeys } from '../components/useUndoKeys';
+import type { Editor } from '../editor';
+import { formatTime } from '../format';
+import { setCell, textIn, type Cell } from '../table';
 
-function save(name: string, text: string): void {
-  const url = URL.createObjectURL(new Blob([text], { type: 'application/json' }));
-  const link = document.createElement('a');
-  link.href = url;
-  link.download = name;
-  link.click();
-  URL.revokeObjectURL(url);
-}
+const fieldId = (key: string): string => `field-${key}`;
 
 function HeaderFields({ editor }: { editor: Editor }) {
   const draft = editor.draft.value!;
   return (
-    <div class="fields">
+    <div class="fields" onFocusOut={() => editor.leaveCell()}>
       {editor.layout.value.header.map((column) => {
         const { key, label } = column;
         const problem = editor.problems.value.find((one) => one.rowId === null && one.key === key);
         const problemId = problem && `problem-${key}`;
+        const step = { what: label, place: { rowId: null, key } };
         return (
           <div key={key}>
-            <label for={`field-${key}`}>{label}</label>{' '}
+            <label for={fieldId(key)}>{label}</label>{' '}
             <CellInput
-              id={`field-${key}`}
+              id={fieldId(key)}
               column={column}
               text={textIn(draft.header, column)}
               problemId={problemId}
-              onInput={(text) => (editor.draft.value = setCell(draft, null, key, text))}
+              onInput={(text) => editor.change(setCell(draft, null, key, text), step, true)}
             />
             {problem && (
               <span id={problemId} class="problem">
@@ -49,119 +47,42 @@ function HeaderFields({ editor }: { editor: Editor }) {
   );
 }
 
-function ReviewDialog(props: { editor: Editor; review: Review; extra: ExtraColumn | undefined }) {
-  const { editor, review, extra } = props;
-  const close = (): void => {
-    editor.review.value = undefined;
-  };
-  const layout = editor.layout.value;
-  if (review.kind === 'conflict') {
-    const actions = (
-      <>
-        <button type="button" onClick={close}>
-          Cancel
-        </button>
-        <button type="button" onClick={() => void editor.load()}>
-          Load the instrument’s table
-        </button>
-        <button type="button" onClick={() => void editor.keepEdits(review.theirs)}>
-          Keep my table and compare again
-        </button>
-      </>
-    );
-    return (
-      <Dialog title="The instrument’s table has changed" onClose={close} actions={actions}>
-        <p>
-          Nothing was sent. Since the table was loaded here, somebody has changed on the instrument:
-        </p>
-        <DiffTable diff={review.diff} layout={layout} extra={extra} />
-      </Dialog>
-    );
-  }
-  const isSame = isEmptyDiff(review.diff);
-  return (
-    <Confirm
-      title={`Send the ${editor.kind.name}?`}
-      yes="Send"
-      action="send-table"
-      onYes={() => void editor.send()}
-      onNo={close}
-    >
-      {isSame ? (
-        <p>The instrument already has this table. It would be written again.</p>
-      ) : (
-        <p>This changes on the instrument:</p>
-      )}
-      <DiffTable diff={review.diff} layout={layout} extra={extra} />
-      {editor.kind.name === 'calibration' && (
-        <p>The instrument clears all amounts first. The amounts of all peaks are sent.</p>
-      )}
-    </Confirm>
-  );
-}
-
 function MessageLine({ editor, extra }: { editor: Editor; extra: ExtraColumn | undefined }) {
   const message = editor.message.value;
+  const isBusy = editor.busy.value !== '';
   return (
     <div role="status" data-testid="table-message">
-      {editor.busy.value && <p class="message waiting">{editor.busy.value}.</p>}
-      {message && <p class={`message ${message.kind}`}>{message.text}</p>}
+      {isBusy && <p class="message waiting">{editor.busy.value}.</p>}
+      {message && (
+        <p class={`message ${message.kind}`}>
+          <span class="time">{formatTime(message.time)}</span> {message.text}
+        </p>
+      )}
       {message?.diff && (
         <DiffTable diff={message.diff} layout={editor.layout.value} extra={extra} />
       )}
+      {editor.before.value && (
+        <p class="message bad">
+          A table was not taken as a whole: the instrument may have a part of it.
+          <button type="button" disabled={isBusy} onClick={() => void editor.prepareRestore()}>
+            Restore what was there before…
+          </button>
+        </p>
+      )}
     </div>
   );
 }
 
-function Toolbar({ editor }: { editor: Editor }) {
-  const picker = useRef<HTMLInputElement>(null);
-  const isBusy = editor.busy.value !== '';
-  const problems = editor.problems.value.length;
-  const pick = async (): Promise<void> => {
-    const file = picker.current?.files?.[0];
-    if (file) {
-      editor.import(file.name, await file.arrayBuffer());
-      picker.current!.value = '';
-    }
-  };
+function State({ editor }: { editor: Editor }) {
+  const said = editor.said.value;
+  const read = editor.readAt.value;
   return (
-    <div class="toolbar" role="group" aria-label="Table">
-      <button type="button" disabled={isBusy} onClick={() => void editor.load()}>
-        {editor.isDirty.value ? 'Discard and reload' : 'Reload'}
-      </button>
-      <button type="button" disabled={isBusy} onClick={() => picker.current?.click()}>
-        Import…
-      </button>
-      <input
-        ref={picker}
-        type="file"
-        accept=".json,application/json"
-        aria-label="File to import"
-        class="hidden"
-        tabIndex={-1}
-        onChange={() => void pick()}
-      />
-      <button
-        type="button"
-        disabled={problems > 0}
-        onClick={() => save(`${editor.kind.name}.json`, editor.exported())}
-      >
-        Export
-      </button>
-      <ActionButton
-        action="send-table"
-        label="Compare and send…"
-        kind="primary"
-        reason={
-          problems > 0
-            ? `${problems} ${problems === 1 ? 'cell is' : 'cells are'} not right.`
-            : isBusy
-              ? `${editor.busy.value}.`
-              : ''
-        }
-        onClick={() => void editor.prepare()}
-      />
-    </div>
+    <p role="status" data-testid="table-state">
+      {editor.isDirty.value ? 'Changed here, not sent.' : 'As on the instrument when it was read.'}{' '}
+      {read > 0 && <span class="dim">Read at {formatTime(read)}.</span>}{' '}
+      {/* The same words twice are said twice. */}
+      <span key={said}>{said?.text}</span>
+    </p>
   );
 }
 
@@ -187,25 +108,44 @@ function useReload(editor: Editor): void {
       void editor.load();
     }
   }, !editor.draft.value);
+  // Another instrument has taken the place of the one whose table was shown.
+  useEffect(() => {
+    if (!editor.draft.value && !editor.busy.value) {
+      void editor.load();
+    }
+  }, [editor.instruments.value]);
 }
 
 export function TablePage({ editor, hint, picture: Picture, extra }: Props) {
   const [focusedId, setFocusedId] = useState<number>();
-  useReload(editor);
+  const [isEarlier, setIsEarlier] = useState(false);
+  const table = useRef<HTMLFieldSetElement>(null);
   const draft = editor.draft.value;
+  const said = editor.said.value;
+  useUndoKeys(editor);
+  useReload(editor);
+  const goTo = ({ rowId, key }: Cell): void => {
+    const place = rowId === null ? `#${fieldId(key)}` : `[data-row="${rowId}"][data-key="${key}"]`;
+    table.current?.querySelector<HTMLElement>(place)?.focus();
+  };
+  useLayoutEffect(() => {
+    if (said?.place) {
+      goTo(said.place);
+    }
+  }, [said]);
   const focused = draft?.rows.findIndex(({ id }) => id === focusedId) ?? -1;
   return (
     <>
       <MessageLine editor={editor} extra={extra} />
       {draft ? (
         <>
-          <Toolbar editor={editor} />
-          <p role="status">
-            {editor.isDirty.value
-              ? 'Changed here, not sent.'
-              : 'As on the instrument when it was read.'}
-          </p>
-          <fieldset disabled={editor.busy.value !== ''}>
+          <TableToolbar
+            editor={editor}
+            onEarlier={() => setIsEarlier(true)}
+            onFirstProblem={() => goTo(editor.problems.value[0]!)}
+          />
+          <State editor={editor} />
+          <fieldset ref={table} disabled={editor.busy.value !== ''}>
             <HeaderFields editor={editor} />
             <div class={Picture && 'beside'}>
               {Picture && (
@@ -216,10 +156,12 @@ export function TablePage({ editor, hint, picture: Picture, extra }: Props) {
                 layout={editor.layout.value}
                 draft={draft}
                 problems={editor.problems.value}
-                onChange={(changed) => (editor.draft.value = changed)}
+                onChange={(changed, step, isTyping) => editor.change(changed, step, isTyping)}
+                onLeaveCell={() => editor.leaveCell()}
                 onFocusRow={setFocusedId}
               />
             </div>
+            <CellProblems editor={editor} onGo={goTo} />
           </fieldset>
           <p class="dim">{hint}</p>
         </>
@@ -230,8 +172,9 @@ export function TablePage({ editor, hint, picture: Picture, extra }: Props) {
           </button>
         )
       )}
-      {editor.review.value && (
-        <ReviewDialog editor={editor} review={editor.review.value} extra={extra} />
+      <ReviewDialog editor={editor} extra={extra} />
+      {isEarlier && draft && (
+        <EarlierTables editor={editor} extra={extra} onClose={() => setIsEarlier(false)} />
       )}
     </>
   );

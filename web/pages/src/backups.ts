@@ -1,0 +1,56 @@
+// Tables as they were before downloads replaced them; the gateway keeps the last ones.
+import { getReport, type Fault } from './api';
+import { readDocument } from './files';
+import type { Table } from './table';
+import type { TableKind } from './tables';
+
+export interface Backup {
+  /** Of the table in the gateway; never used again. */
+  number: number;
+  /** When it was read, just before it was replaced. */
+  time: string;
+  /** Who replaced it. */
+  user: string;
+}
+
+export type Got<T> = { ok: true; value: T } | { ok: false; reason: string };
+
+/** Where backups come from. */
+export interface Backups {
+  list: () => Promise<Got<readonly Backup[]>>;
+  /** One of them, for the peaks or lines that the instrument has now. */
+  table: (number: number, current: Table) => Promise<Got<Table>>;
+}
+
+export function backupsOf(kind: TableKind, describe: (fault: Fault) => string): Backups {
+  const path = `/api/backups/${kind.name}`;
+  return {
+    list: async () => {
+      const answer = await getReport<{ backups: Backup[] }>(path, 'backups');
+      return answer.ok
+        ? { ok: true, value: answer.value.backups }
+        : { ok: false, reason: describe(answer.fault) };
+    },
+    table: async (number, current) => {
+      const answer = await getReport<{ total: number }>(`${path}/${number}`, 'total');
+      if (!answer.ok) {
+        const isGone = answer.fault.status === 404;
+        const reason = isGone
+          ? 'The gateway does not keep this table any more: others have been replaced since.'
+          : describe(answer.fault);
+        return { ok: false, reason };
+      }
+      try {
+        return { ok: true, value: readDocument(answer.value, kind, current) };
+      } catch (error) {
+        return { ok: false, reason: `It cannot be used here. ${(error as Error).message}` };
+      }
+    },
+  };
+}
+
+/** When that was, and who did it. */
+export function backupName({ time, user }: Backup): string {
+  const when = new Date(time);
+  return `${Number.isNaN(when.getTime()) ? time : when.toLocaleString()}, by ${user}`;
+}
