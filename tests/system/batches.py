@@ -1,11 +1,11 @@
-"""What each operation but the status report moves in a batch, and the order of a batch."""
+"""The batches of every operation except the status report, and the order of their records."""
 
 from collections.abc import Mapping
 from typing import Any, NamedTuple
 
 
 class Address(NamedTuple):
-    """Where the instrument keeps a parameter, as records give it."""
+    """The address of a parameter, as in a record."""
 
     channel: int
     method: int
@@ -18,17 +18,17 @@ def address_of(record: Mapping[str, Any]) -> Address:
 
 
 def addresses(line: Mapping[str, Any]) -> list[Address]:
-    """Of the records of a journal line, in their order."""
+    """The addresses of the records of a journal line, in order."""
     return [address_of(record) for record in line["records"]]
 
 
 def values(line: Mapping[str, Any]) -> dict[Address, tuple[int, float]]:
-    """What the records of a journal line carry: integer and real."""
+    """The integer and real values of the records of a journal line."""
     return {address_of(record): (record["int"], record["real"]) for record in line["records"]}
 
 
 def bucket(name: str, buckets: int) -> int:
-    """Where ACE's hash map keeps a name: P. J. Weinberger's hash, as ACE has it."""
+    """The bucket of a name in ACE's hash map: ACE's variant of P. J. Weinberger's hash."""
     value = 0
     for octet in name.encode():
         value = (value << 4) + octet * 13
@@ -40,7 +40,7 @@ def bucket(name: str, buckets: int) -> int:
 
 
 def in_order(registered: Mapping[str, Address], buckets: int) -> list[str]:
-    """Names in the order of a batch: bucket by bucket, in each the last registered one first."""
+    """Names in the order of a batch: bucket by bucket, each with the last registered name first."""
     return sorted(reversed(registered), key=lambda name: bucket(name, buckets))
 
 
@@ -49,7 +49,7 @@ def batch(registered: Mapping[str, Address], buckets: int) -> list[Address]:
 
 
 def of_channels(name: str, parameter: int) -> dict[str, Address]:
-    """A parameter on each of the channels 1 to 4, the channel's digit behind the name."""
+    """A parameter on each of the channels 1 to 4, with the channel's digit after the name."""
     return {f"{name}{n}": Address(n, 0, 0, parameter) for n in range(1, 5)}
 
 
@@ -79,7 +79,7 @@ SEQUENCE_HEADER_TO_WRITE = {
 
 
 def sequence_line(line: int) -> dict[str, Address]:
-    """Of a line, from 1, as the report reads it."""
+    """The batch for a line, from 1, as the report reads it."""
     return {
         "mRunType": Address(0, 0, line, 23),
         "mRepeat": Address(0, 0, line, 24),
@@ -90,7 +90,7 @@ def sequence_line(line: int) -> dict[str, Address]:
 
 
 def sequence_line_to_write(line: int) -> dict[str, Address]:
-    """Of a line, from 1, as the download writes it."""
+    """The batch for a line, from 1, as the download writes it."""
     return {
         "mRunType": Address(0, 0, line, 23),
         "mRepeat": Address(0, 0, line, 24),
@@ -105,7 +105,7 @@ PEAK_BUCKETS = 25
 
 
 def peak(channel: int, number: int) -> dict[str, Address]:
-    """Of a peak, from 1: twenty characters of its name, and three real values."""
+    """The batch for a peak, from 1: twenty characters of its name, and three real values."""
     letters = {f"mNameC{i}": Address(channel, 0, number, 1176 + i) for i in range(20)}
     return {
         **letters,
@@ -116,7 +116,7 @@ def peak(channel: int, number: int) -> dict[str, Address]:
 
 
 def level(channel: int, number: int) -> Address:
-    """Of a peak, the only one that its download writes."""
+    """The level amount of a peak, from 1: the only parameter that a download writes."""
     return Address(channel, 0, number, 1230)
 
 
@@ -125,7 +125,7 @@ ALARM_HEADER = {"mEnabled": Address(0, 0, 0, 2028), "mTotal": Address(0, 0, 0, 2
 
 
 def alarm_row(row: int) -> dict[str, Address]:
-    """Of a row, from 1."""
+    """The batch for a row, from 1."""
     return {
         "mAlarmOn": Address(0, 0, row, 2030),
         "mAlarmOnAll": Address(0, 0, row, 2038),
@@ -136,7 +136,7 @@ def alarm_row(row: int) -> dict[str, Address]:
 
 
 def component_name(index: int) -> list[Address]:
-    """Twenty characters; the channel is the place of the character."""
+    """Twenty characters; the channel is the character's position."""
     return [Address(n, 0, index, 2021) for n in range(1, 21)]
 
 

@@ -31,7 +31,7 @@ Traced = Callable[..., list[str]]
 Download = Callable[..., Run]
 
 BIN_DIR = Path(os.environ.get("GC_BIN_DIR", ROOT / "build" / "dev" / "bin")).resolve()
-# The tool may come from elsewhere than the simulated controller: it may be another processor's.
+# The tool may be another build than the simulated controller: for another processor.
 TOOL = Path(os.environ.get("GC_TOOL", BIN_DIR / "GC_Web")).resolve()
 
 
@@ -41,7 +41,7 @@ def pytest_configure() -> None:
 
 
 def pytest_terminal_summary(terminalreporter: Any) -> None:
-    """Prints the failure matrix, which the tests of it sent along with their reports."""
+    """Prints the failure matrix that its tests sent along with their reports."""
     reports = [report for reports in terminalreporter.stats.values() for report in reports]
     properties = [
         (name, text)
@@ -58,27 +58,27 @@ def pytest_terminal_summary(terminalreporter: Any) -> None:
 
 @pytest.fixture(scope="session")
 def bin_dir() -> Path:
-    """Folder of the programs under test."""
+    """The folder of the programs under test."""
     return BIN_DIR
 
 
 @pytest.fixture
 def folder() -> Iterator[Path]:
-    """A folder that goes when the test has ended."""
+    """A folder that is removed after the test."""
     with tempfile.TemporaryDirectory(prefix="gc-") as name:
         yield Path(name)
 
 
 @pytest.fixture
 def address() -> Iterator[str]:
-    """A loopback address that nobody else has, as long as the test runs."""
+    """A loopback address that is reserved for the duration of the test."""
     with free_address() as free:
         yield free
 
 
 @pytest.fixture
 def untouched(address: str) -> Iterator[str]:
-    """An address to which no connection may be made while the test runs."""
+    """An address that must not be connected to during the test."""
     with socket.create_server((address, PORT)) as listener:
         yield address
         listener.setblocking(False)
@@ -94,10 +94,10 @@ def tool() -> Iterator[Tool]:
 
 @pytest.fixture
 def simulator(bin_dir: Path, address: str, folder: Path) -> Iterator[StartSimulator]:
-    """Starts a controller of a scenario at the test's address, time standing at 0.
+    """Starts a controller with a scenario at the test's address, with the clock stopped at 0.
 
-    Called with the scenario's name and further options of gc-sim; `paused=False` lets time run.
-    `parts` replace those of the scenario; of its parameters only those that are named.
+    Takes the scenario's name and further options of gc-sim; `paused=False` starts the clock.
+    `parts` replace those of the scenario; of its parameters, only the named ones.
     """
     with ExitStack() as running:
 
@@ -124,12 +124,12 @@ def simulator(bin_dir: Path, address: str, folder: Path) -> Iterator[StartSimula
 
 @pytest.fixture
 def download(tool: Tool, folder: Path) -> Download:
-    """Runs the tool with a file, which is checked against its schema unless the tool refuses it."""
+    """Runs the tool with a file, which is checked against its schema unless the tool rejects it."""
 
     def run(controller: Simulator, option: str, contents: object, sloppy: bool = False) -> Run:
-        """`contents`: octets as they are, or anything that JSON can hold.
+        """`contents`: raw octets, or anything that JSON can hold.
 
-        `sloppy`: the tool makes the best of it, but the schema says what is wrong.
+        `sloppy`: the tool accepts the file although it does not match its schema.
         """
         octets = contents if isinstance(contents, bytes) else json.dumps(contents).encode()
         path = folder / "file.json"
@@ -144,7 +144,7 @@ def download(tool: Tool, folder: Path) -> Download:
 
 @pytest.fixture
 def traced(tool: Tool, folder: Path) -> Traced:
-    """Runs the tool and returns its system calls. Takes their names, and the tool's arguments."""
+    """Runs the tool with its arguments and returns its calls of the named system calls."""
     strace = shutil.which("strace")
     if EMULATOR:
         pytest.skip("the calls would be the emulator's")
@@ -153,7 +153,7 @@ def traced(tool: Tool, folder: Path) -> Traced:
 
     def run(calls: str, *arguments: str) -> list[str]:
         log = folder / "calls"
-        # The leak sanitizer traces too, and there can be only one.
+        # The leak sanitizer uses ptrace too, and a process can have only one tracer.
         environment = {"ASAN_OPTIONS": "detect_leaks=0"}
         under = [strace, "-f", "-qq", "-o", str(log), "-e", f"trace={calls}"]
         tool(*arguments, under=under, environment=environment)

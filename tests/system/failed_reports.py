@@ -1,4 +1,4 @@
-"""What reports tell when a part of what they asked for has not arrived."""
+"""Reports of which some requested data did not arrive."""
 
 import copy
 import json
@@ -9,7 +9,7 @@ from typing import Any
 Document = dict[str, Any]
 
 UNANSWERED = Path(__file__).parent / "documents" / "unanswered.json"
-# A row of which nothing arrived, without what it is the row of.
+# A row for which nothing arrived, without the members that identify it.
 EMPTY_ROWS: Mapping[str, Document] = {
     "alarms": {
         "SampleType": "Analysis", "GroupID": 0, "GroupStr": "0. None",
@@ -25,7 +25,7 @@ EMPTY_CHANNEL = {"Installed": False, "Disabled": False, "Serial": 0, "PN": 0, "G
 
 
 def plain(document: Document) -> Document:
-    """Without the time of day."""
+    """The document without the time of day."""
     return {key: value for key, value in document.items() if key != "GC_time"}
 
 
@@ -38,7 +38,7 @@ def without_reals(document: Any) -> Any:
 
 
 def unread(report: str, document: Document, read: int) -> Document:
-    """After a read, counted from 0, of which no record was answered."""
+    """The document if no record of a read, counted from 0, was answered."""
     if report == "live status":
         return plain(json.loads(UNANSWERED.read_text(encoding="utf-8")))
     if report == "configuration":
@@ -55,7 +55,7 @@ def unread(report: str, document: Document, read: int) -> Document:
 
 
 def with_other_reals(report: str, document: Document, read: int) -> Document:
-    """After a read, counted from 0, in which no real value was finite."""
+    """The document if no real value in a read, counted from 0, was finite."""
     if report == "live status":
         return without_reals(document)
     row = read - READS_BEFORE_ROWS.get(report, read + 1)
@@ -65,7 +65,7 @@ def with_other_reals(report: str, document: Document, read: int) -> Document:
 
 
 def without_objects(report: str, document: Document, missing: Sequence[int]) -> Document:
-    """`missing`: the how manieth objects did not arrive, from 0."""
+    """`missing`: indices, from 0, of the objects that did not arrive."""
     if report == "live status":
         return {**document, "Application": ""}
     if 0 in missing:
@@ -79,7 +79,7 @@ def without_objects(report: str, document: Document, missing: Sequence[int]) -> 
 
 
 def without_channels(document: Document, missing: Sequence[int]) -> Document:
-    """`missing`: the channels of which nobody knows how many peaks they have."""
+    """`missing`: the channels whose number of peaks is unknown."""
     rows = [row for row in document["rows"] if row["Channel"] not in missing]
     return {"total": len(rows), "rows": rows}
 
@@ -91,9 +91,9 @@ def document_after(
     kind: str,
     loses: bool,
 ) -> Document | None:
-    """The document that follows from that of a good run; None where only its schema is known.
+    """The document expected instead of a good run's; None if only its schema is known.
 
-    `made`: the calls up to the one that a fault of this kind hit. `loses`: the connection, too.
+    `made`: the calls up to the one with this kind of fault. `loses`: the connection is lost, too.
     """
     document = copy.deepcopy(plain(good))
     hit = made[-1]
@@ -108,7 +108,7 @@ def document_after(
     if kind == "value":
         return with_other_reals(report, document, nth)
     if report == "alarms" and hit["records"][0]["id"] == 2021:
-        # Swapped, the name begins with the zero that ends it.
+        # After the swap, the name begins with its terminating zero.
         document["rows"][-1]["ParamStr"] = "2. " if kind == "swap" else "2. Unknown"
         return document
     if kind != "swap":

@@ -1,4 +1,4 @@
-"""The failure matrix over the wire: the operations, the faults, and what has to come of them."""
+"""The failure matrix over the wire: operations, faults, and the expected results."""
 
 import json
 from collections.abc import Iterator, Mapping, Sequence
@@ -14,15 +14,15 @@ ANSWER_INVALID = 109
 INCOMPLETE = 28
 
 Parameters = dict[str, float]
-Line = Mapping[str, Any]  # of the journal
+Line = Mapping[str, Any]  # from the journal
 
 
 @dataclass(frozen=True)
 class Step:
     """A write or command of an operation."""
 
-    refusal: str | None  # words of the verdict when it fails; None: the operation goes on
-    leaves: Mapping[str, float | None]  # parameters that it changes; None: gone
+    refusal: str | None  # text of the verdict if it fails; None: the operation continues
+    leaves: Mapping[str, float | None]  # parameters that it changes; None: removed
     silent: bool = False  # its failure ends the operation without a verdict
 
 
@@ -31,10 +31,10 @@ class Operation:
     name: str
     arguments: Sequence[str]
     steps: Sequence[Step] = ()
-    words: str | None = None  # of the verdict when all goes well
-    announced: bool = False  # standard error gets the status of its write
-    file: object = None  # contents of the file that the last argument is to name
-    before: Sequence[Mapping[str, Any]] = ()  # what the controller is asked first
+    words: str | None = None  # text of the verdict on success
+    announced: bool = False  # standard error shows the status of its write
+    file: object = None  # contents of the file named by the last argument
+    before: Sequence[Mapping[str, Any]] = ()  # requests to the controller before the run
 
 
 def line(n: int, run_type: int, repeat: int, stream: int, slot: int, flush: float) -> Parameters:
@@ -49,7 +49,7 @@ def line(n: int, run_type: int, repeat: int, stream: int, slot: int, flush: floa
 
 
 def empty_line(n: int) -> Parameters:
-    """As it is inserted."""
+    """A line with its values on insertion."""
     return {"mTotalLines": n, **line(n, 0, 0, 0, 0, 0.0), f"mCalib[{n}]": 0}
 
 
@@ -176,7 +176,7 @@ OPERATIONS = [
 
 
 def small_scenario() -> dict[str, Any]:
-    """The everyday instrument with so much in its tables as makes a difference."""
+    """The everyday instrument, its tables reduced to what makes a difference."""
     whole = load_scenario("everyday")
     peaks = [peak for peak in whole["peaks"] if peak["name"] in ("Nitrogen", "Methane", "Propane")]
     component = {"sampleType": 0, "allSampleTypes": 0, "group": 2, "parameter": 2}
@@ -188,10 +188,10 @@ def small_scenario() -> dict[str, Any]:
 class Fault:
     name: str
     fields: Mapping[str, Any]
-    status: int = 0  # of the call that it hits, as the tool sees it
-    loses: bool = False  # the connection
-    effect: bool = True  # the instrument does what it was asked
-    calls: Sequence[str] = ()  # that it can hit; all when empty
+    status: int = 0  # of the call that it hits, as the tool gets it
+    loses: bool = False  # the connection is lost
+    effect: bool = True  # the instrument carries out the call
+    calls: Sequence[str] = ()  # that it can hit; all if empty
 
     def hits(self, call: Line) -> bool:
         records = len(call.get("records", []))
@@ -200,7 +200,7 @@ class Fault:
         )
 
     def on(self, call: Line, nth: int) -> dict[str, Any]:
-        """As the controller takes it, for the nth of the calls of its kind."""
+        """The fault in the controller's form, for the nth call of this kind."""
         last = {"b": len(call["records"]) - 1} if self.fields["kind"] == "swap" else {}
         return {**self.fields, **last, "call": call["call"], "nth": nth}
 
@@ -233,7 +233,7 @@ FAULTS = [
 
 
 def cells(good: Sequence[Line], faults: Sequence[Fault]) -> Iterator[tuple[int, int, Fault]]:
-    """Each call of a good run, and the how manieth of its kind it is, with each fault."""
+    """Each call of a good run with each fault, and the call's index among its kind."""
     for index, call in enumerate(good):
         nth = sum(before["call"] == call["call"] for before in good[: index + 1])
         for fault in faults:
@@ -242,20 +242,20 @@ def cells(good: Sequence[Line], faults: Sequence[Fault]) -> Iterator[tuple[int, 
 
 
 def named(call: Line) -> tuple[Any, ...]:
-    """What a call asks for."""
+    """What a call requests."""
     asked = [(r["channel"], r["step"], r["id"]) for r in call.get("records", [])]
     return (call["call"], call.get("command"), call.get("number"), asked)
 
 
 @dataclass
 class Expected:
-    """What a run has to print and do. None: any document of its schema, any further reading."""
+    """What a run must print and do. None: any document of its schema, any further reading."""
 
     stdout: str | None = ""
     stderr: str = ""
     calls: list[tuple[Any, ...]] | None = field(default_factory=list)
     leaves: Parameters = field(default_factory=dict)
-    closes: bool = True  # the last call is the goodbye
+    closes: bool = True  # the last call is Disconnect
 
 
 def verdict(code: int, words: str) -> str:
@@ -263,7 +263,7 @@ def verdict(code: int, words: str) -> str:
 
 
 def is_tolerated(operation: Operation, call: Line, status: int) -> bool:
-    """Whether a report goes on after a read with this status."""
+    """Whether a report continues after a read with this status."""
     if operation.name == "alarms" and call["records"][0]["id"] == 2021:
         return True  # a component's name
     is_alarm_header = operation.name == "alarms" and len(call["records"]) == 2
@@ -273,13 +273,13 @@ def is_tolerated(operation: Operation, call: Line, status: int) -> bool:
 def expected(
     operation: Operation, good: Sequence[Line], before: Parameters, hit: int, fault: Fault
 ) -> Expected:
-    """Follows a good run, call by call, to where the fault ends it."""
+    """Follows a good run, call by call, until the fault ends it."""
     outcome = Expected(leaves=dict(before))
     made = outcome.calls
     assert made is not None
     steps = iter(operation.steps)
     lost = degraded = False
-    uncounted: set[int] = set()  # channels of which nobody knows how many peaks they have
+    uncounted: set[int] = set()  # channels whose number of peaks is unknown
     for index, call in enumerate(good):
         if call["call"] == "Read" and call["records"][0]["channel"] in uncounted:
             continue
@@ -289,7 +289,7 @@ def expected(
         # A connection that is closed at once makes no call.
         if arrives and not (index == hit and fault.fields["kind"] == "refuse"):
             made.append(named(call))
-        ends: str | None = None  # what is printed at the end
+        ends: str | None = None  # final output, if this call ends the run
         if call["call"] == "Connect" and status:
             outcome.stdout = verdict(10053, "Unable to connect to GC!")
             outcome.stderr = "EstablishConnection An error occured while connecting to the GC.\n"
@@ -325,7 +325,7 @@ def expected(
 
 
 def differences(outcome: Expected, run: Run, calls: list[Any], after: Parameters) -> str:
-    """What a run did otherwise; empty when nothing."""
+    """The differences between a run and the expectation; empty if there are none."""
     wrong = []
     if run.status != 0:
         wrong.append(f"exit status {run.status}")
@@ -346,11 +346,11 @@ def differences(outcome: Expected, run: Run, calls: list[Any], after: Parameters
     return "; ".join(wrong)
 
 
-Table = dict[str, dict[str, list[int]]]  # operation, fault: cells, and how many are undefined
+Table = dict[str, dict[str, list[int]]]  # by operation and fault: cells, and how many are undefined
 
 
 def write_table(properties: Sequence[tuple[str, Any]]) -> Iterator[str]:
-    """The table of all operations, from what the tests recorded of themselves."""
+    """The table of all operations, from the properties recorded by the tests."""
     table: Table = {}
     for operation, fault, count, undefined in (json.loads(text) for _, text in properties):
         cell = table.setdefault(operation, {}).setdefault(fault, [0, 0])

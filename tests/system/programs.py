@@ -1,4 +1,4 @@
-"""The programs under test as the tests use them: the tool, and the simulated controller."""
+"""The programs under test: the tool, and the simulated controller."""
 
 import getopt
 import json
@@ -19,15 +19,15 @@ from typing import Any
 
 import jsonschema
 
-PORT = 20047  # the one on which controllers listen
+PORT = 20047  # on which controllers listen
 ROOT = Path(__file__).resolve().parents[2]
 SCHEMAS = ROOT / "docs" / "schemas"
 SCENARIOS = ROOT / "simulator" / "scenarios"
-LIMIT = 60.0  # seconds until a program that hangs is killed; sanitized ones are slow
-# The command that runs a tool of another processor, if the tests are given such a tool.
+LIMIT = 60.0  # seconds until a hung program is killed; sanitized ones are slow
+# The command that runs a tool built for another processor, if the tests are given one.
 EMULATOR = shlex.split(os.environ.get("GC_EMULATOR", ""))
 
-# What each option asks for; the other operations print result objects and nothing else.
+# The report for each option; the other operations print only result objects.
 REPORTS = {
     "-t": "status",
     "-g": "configuration",
@@ -36,7 +36,7 @@ REPORTS = {
     "-c": "calibration",
 }
 COMMANDS = ["-P", "-V", "-R", "-A", "-M", "-Q", "-C"]
-# Reports that can be downloaded again, and the options that take a file.
+# Reports that can be downloaded, and the options that take the file.
 DOWNLOADABLE = {"sequence": "sequence-file", "calibration": "calibration-file"}
 INPUT_FILES = {"-Q": "sequence-file", "-C": "calibration-file"}
 
@@ -50,13 +50,13 @@ def load_scenario(name: str) -> dict[str, Any]:
 
 
 def parse_strictly(text: bytes) -> dict[str, Any]:
-    """JSON without the liberties that Python's parser takes: NaN, and a key given twice."""
+    """Strict JSON, without two things that Python's parser accepts: NaN and duplicate keys."""
 
     def refuse(word: str) -> None:
         raise ValueError(f"{word} is no JSON")
 
     def members(pairs: list[tuple[str, Any]]) -> dict[str, Any]:
-        assert len(pairs) == len(dict(pairs)), f"a key given twice: {pairs}"
+        assert len(pairs) == len(dict(pairs)), f"duplicate key: {pairs}"
         return dict(pairs)
 
     return json.loads(text.decode("utf-8"), parse_constant=refuse, object_pairs_hook=members)
@@ -71,7 +71,7 @@ def is_valid(name: str, document: Any) -> bool:
 
 
 def check_document(stdout: bytes, arguments: Sequence[str]) -> None:
-    """Checks what the tool printed: nothing, or one document of what it was asked for."""
+    """Checks the tool's output: nothing, or one document of the requested kind."""
     if not stdout:
         return
     assert stdout.endswith(b"}\n"), stdout
@@ -88,7 +88,7 @@ def check_document(stdout: bytes, arguments: Sequence[str]) -> None:
 
 
 def printed(document: dict[str, Any]) -> str:
-    """A document as the tool prints it; small numbers never get an exponent above -7."""
+    """A document as the tool prints it, which uses exponents only below -7."""
 
     def number(match: re.Match[str]) -> str:
         value = Decimal(match[0])
@@ -103,10 +103,10 @@ def printed(document: dict[str, Any]) -> str:
 
 @contextmanager
 def free_address() -> Iterator[str]:
-    """A loopback address that nobody else has meanwhile.
+    """A loopback address that nothing else uses in the meantime.
 
-    The port below the controllers' is bound as the sign that it is taken, so that tests that run
-    at the same time, in this run or another, never get the same one.
+    The port below the controllers' is bound to mark the address as taken, so that concurrent tests,
+    in this run or another, never get the same one.
     """
     while True:
         candidate = "127." + ".".join(str(random.randint(1, 254)) for _ in range(3))
@@ -123,14 +123,14 @@ def free_address() -> Iterator[str]:
 
 @dataclass(frozen=True)
 class Run:
-    """One finished run of the tool."""
+    """One completed run of the tool."""
 
     stdout: bytes
     stderr: bytes
     status: int
-    began: int  # seconds of the clock at which the run began and ended
+    began: int  # clock time in seconds when the run began and ended
     ended: int
-    seconds: float  # how long it took
+    seconds: float  # duration
 
     @property
     def document(self) -> dict[str, Any]:
@@ -138,12 +138,12 @@ class Run:
 
 
 def signed(status: int) -> int:
-    """A status as diagnostics show it."""
+    """A status as shown in diagnostics."""
     return status - 2**32 if status >= 2**31 else status
 
 
 def expect(run: Run, stdout: str, stderr: str = "") -> None:
-    """A run that got past its command line, with exactly these outputs."""
+    """Expects a run that accepted its command line, with exactly these outputs."""
     assert (run.stdout.decode(), run.stderr.decode(), run.status) == (stdout, stderr, 0)
 
 
@@ -153,12 +153,12 @@ def expect_verdict(run: Run, code: int, words: str, stderr: str = "") -> None:
 
 
 def expect_failed(run: Run, status: int) -> None:
-    """A run that connected, and then got no report."""
+    """Expects a run that connected but got no report."""
     expect(run, "", f"Execute failed {signed(status)}.\n")
 
 
 class Tool:
-    """Runs GC_Web in a folder that it must leave empty."""
+    """Runs GC_Web in a folder that must stay empty."""
 
     def __init__(self, program: Path, folder: Path) -> None:
         self._program = program
@@ -171,7 +171,7 @@ class Tool:
         environment: Mapping[str, str] | None = None,
         under: list[str] | None = None,
     ) -> Run:
-        """`name`: under which the tool is invoked. `under`: a command that runs the tool."""
+        """`name`: the tool's argv[0]. `under`: a command that runs the tool."""
         program = str(self._program)
         if under:
             command = [*under, program]
@@ -179,7 +179,7 @@ class Tool:
             command = [*EMULATOR, "-0", name, program]
         else:
             command = [name]
-        # The clock of whole seconds changes up to a tick of 10 ms later than this one.
+        # The clock of whole seconds may lag behind this one by a tick of 10 ms.
         began = int(time.time() - 0.01)
         start = time.monotonic()
         done = subprocess.run(
@@ -224,7 +224,7 @@ class Simulator:
             raise AssertionError(f"gc-sim is not ready: {said!r} {stderr.decode()}")
 
     def control(self, *verb: str) -> dict[str, Any]:
-        """Gives gc-simctl a verb and returns the controller's answer."""
+        """Passes a verb to gc-simctl and returns the controller's answer."""
         done = subprocess.run(
             [*self._control, *verb], capture_output=True, timeout=LIMIT, check=False
         )
@@ -232,7 +232,7 @@ class Simulator:
         return json.loads(done.stdout)
 
     def ask(self, **request: Any) -> dict[str, Any]:
-        """What gc-simctl does, without a process of its own: most tests ask for the journal."""
+        """Does what gc-simctl does, without starting a process: most tests read the journal."""
         with socket.socket(socket.AF_UNIX) as client:
             client.settimeout(LIMIT)
             client.connect(self._socket)
@@ -246,11 +246,11 @@ class Simulator:
         self.ask(verb="fault", fault=fault)
 
     def journal(self) -> list[dict[str, Any]]:
-        """What clients called so far, oldest first."""
+        """The calls made by clients so far, oldest first."""
         return self.ask(verb="journal")["lines"]
 
     def called(self) -> list[str]:
-        """The calls of the last run of the tool, between its greeting and its goodbye."""
+        """The calls of the tool's last run, between Connect and Disconnect."""
         calls = [line["call"] for line in self.last_run()]
         assert (calls[0], calls[-1]) == ("Connect", "Disconnect"), calls
         return calls[1:-1]
@@ -261,7 +261,7 @@ class Simulator:
         return [line for line in lines if line["connection"] == lines[-1]["connection"]]
 
     def parameters(self) -> dict[str, float]:
-        """Every parameter by its name."""
+        """All parameters by name."""
         return self.ask(verb="snapshot")["parameters"]
 
     def stop(self) -> None:

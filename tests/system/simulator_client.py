@@ -1,4 +1,4 @@
-"""A client of the simulated controller that can say anything, well-formed or not."""
+"""A client of the simulated controller that can send anything, well-formed or not."""
 
 import socket
 import struct
@@ -24,7 +24,7 @@ class Record(NamedTuple):
     status: int = 0
 
 
-# Parameters of the instrument as a whole, by their numbers.
+# Parameters of the whole instrument, by number.
 STATE = Record(0, 0, 0, 102)
 STREAM = Record(0, 0, 0, 58)
 RUN_TIME = Record(0, 0, 0, 161)
@@ -47,7 +47,7 @@ class Answer(NamedTuple):
 
     @property
     def text(self) -> bytes:
-        """Of an object that consists of one text."""
+        """The body of an object that consists of one text."""
         assert self.body[8:20] == b"SiteInfoTag\0"
         length, size = struct.unpack_from(">II", self.body, 20)
         text = self.body[28:]
@@ -68,7 +68,7 @@ def batch_body(records: Sequence[Record]) -> bytes:
 
 
 class Client:
-    """One connection, closed when it goes out of its `with`."""
+    """One connection, closed at the end of its `with` block."""
 
     def __init__(self, address: str) -> None:
         self.socket = socket.create_connection((address, PORT), timeout=LIMIT)
@@ -85,7 +85,7 @@ class Client:
         self.socket.sendall(frame(kind, body, self._sequence))
 
     def receive(self) -> Answer:
-        """The next answer; EOFError when the connection is closed instead."""
+        """The next answer; EOFError if the connection is closed instead."""
         _, kind, sequence, length = HEADER.unpack(self._take(HEADER.size))
         return Answer(kind, sequence, self._take(length))
 
@@ -129,11 +129,11 @@ class Client:
         return self.call(DISCONNECT, struct.pack(">I", 0)).status
 
     def is_closed(self) -> bool:
-        """Waits for the controller to close the connection; False when it answers instead."""
+        """Waits for the controller to close the connection; False if it answers instead."""
         try:
             self.receive()
         except EOFError as end:
-            assert end.args == (b"",), "part of an answer came"
+            assert end.args == (b"",), "part of an answer arrived"
             return True
         return False
 

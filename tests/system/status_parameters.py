@@ -1,8 +1,8 @@
-"""The parameters of the status report, and the order in which a batch carries them."""
+"""The parameters of the status report, and their order in a batch."""
 
 from batches import Address, in_order, of_channels
 
-# On each of the channels 1 to 4, the channel's digit behind the name.
+# On each of the channels 1 to 4, with the channel's digit after the name.
 OF_CHANNELS = {
     "mColumnTemp": 300,
     "mInjTemp": 302,
@@ -43,7 +43,7 @@ OF_THE_INSTRUMENT = {
 
 
 def registered() -> dict[str, Address]:
-    """Name to address, in the order in which the report registers them."""
+    """Name to address, in the report's registration order."""
     rows = {f"mInstalled{n}": Address(0, 0, 0, 501 + n) for n in range(1, 5)}
     rows |= of_channels("mColumnHeader", 200)
     rows["mHeatedSampleLineInstalled"] = Address(0, 0, 0, 602)
@@ -54,5 +54,5 @@ def registered() -> dict[str, Address]:
 
 
 def sent() -> list[str]:
-    """Names in the order of the batch."""
+    """Names in batch order."""
     return in_order(registered(), 128)

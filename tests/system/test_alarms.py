@@ -1,4 +1,4 @@
-"""The alarm report beyond the shipped scenarios, and the reset of all alarms."""
+"""The alarm report beyond the shipped scenarios, and resetting all alarms."""
 
 from typing import Any
 
@@ -121,7 +121,7 @@ def test_parameter(
     assert [row[key] for key in keys] == [group, group_text, parameter, text]
 
 
-# In an everyday report the fifth batch is row 4, of group 2, and the sixth the component's name.
+# In an everyday report the fifth batch is row 4, of group 2, and the sixth its component's name.
 @pytest.mark.parametrize(
     "fault, name",
     [
@@ -139,7 +139,7 @@ def test_parameter(
 def test_component_name(
     tool: Tool, simulator: StartSimulator, fault: dict[str, Any], name: str
 ) -> None:
-    """Whatever comes of it, the report goes on."""
+    """The report continues, whatever the answer."""
     controller = simulator()
     controller.fault(call="Read", nth=6, **fault)
     run = tool("-s", controller.address, "-a")
@@ -155,7 +155,7 @@ def test_component_name(
 
 
 def test_header_must_be_complete(tool: Tool, simulator: StartSimulator) -> None:
-    """Of rows, what arrived is told; without the header nobody knows whether there are any."""
+    """Incomplete rows are reported; without the header it is unknown whether there are any."""
     controller = simulator()
     controller.fault(kind="unanswered", call="Read", records=[0])
     expect_failed(tool("-s", controller.address, "-a"), 28)
@@ -178,7 +178,7 @@ def test_row_that_is_not_answered(tool: Tool, simulator: StartSimulator) -> None
 
 
 def test_reset(tool: Tool, simulator: StartSimulator) -> None:
-    """An alarm stays after what set it off is over, until it is reset."""
+    """An alarm stays on after its cause is gone, until it is reset."""
     controller = simulator()
 
     def triggered() -> tuple[bool, list[int]]:

@@ -39,7 +39,7 @@ def refusal(channel: int, number: int) -> str:
 def test_peak_name(
     tool: Tool, simulator: StartSimulator, fault: dict[str, Any], name: str
 ) -> None:
-    """One character a parameter, of which the low eight bits count."""
+    """One character per parameter, of which only the low eight bits count."""
     controller = simulator()
     controller.fault(kind="value", call="Read", nth=2, **fault)
     rows = tool("-s", controller.address, "-c").document["rows"]
@@ -69,7 +69,7 @@ def test_order_and_names(tool: Tool, simulator: StartSimulator) -> None:
 def test_number_of_peaks_that_is_not_told(
     tool: Tool, simulator: StartSimulator, nth: int, times: int, left: list[int]
 ) -> None:
-    """A channel of which nothing is known has no peaks."""
+    """A channel without an answer has no peaks."""
     controller = simulator()
     controller.fault(kind="status", call="ProgramInfo", nth=nth, times=times, status=210)
     run = tool("-s", controller.address, "-c")
@@ -80,7 +80,7 @@ def test_number_of_peaks_that_is_not_told(
 
 
 def test_download(tool: Tool, simulator: StartSimulator, download: Download) -> None:
-    """The clearing, and one batch for each peak."""
+    """The clearing, and one batch per peak."""
     controller = simulator()
     rows = [row(2, 7, 0.125), row(1, 1, 5), row(1, 4, 1e-6)]
     expect_verdict(download(controller, "-C", file(*rows)), 0, "Success")
@@ -194,7 +194,7 @@ def test_no_rows(
 def test_row_that_is_passed_over(
     simulator: StartSimulator, download: Download, bad: object
 ) -> None:
-    """It counts, without a word: of three rows two are looked at, and one is written."""
+    """It counts silently: of three rows two are read, and one is written."""
     controller = simulator()
     contents = file(row(1, 1, 1), bad, row(1, 3, 3), total=2)
     expect_verdict(download(controller, "-C", contents, sloppy=True), 0, "Success")
@@ -237,7 +237,7 @@ def test_refused_row(
 def test_clearing_that_is_refused(
     tool: Tool, simulator: StartSimulator, download: Download, status: int
 ) -> None:
-    """The download goes on; peaks that are not in the file keep what they had."""
+    """The download continues; peaks that are not in the file keep their values."""
     controller = simulator()
     controller.fault(kind="status", call="Command", status=status)
     expect_verdict(download(controller, "-C", file(row(1, 1, 1.5))), 0, "Success")

@@ -1,4 +1,4 @@
-"""Options: what each does, what is refused, and that a refusal contacts no instrument."""
+"""Options: their effect, what is rejected, and that a rejection contacts no instrument."""
 
 import pytest
 from conftest import StartSimulator, Traced
@@ -35,17 +35,17 @@ NO_SLOT = "ERROR: number out of range for slot\n"
 NO_FILE = "No file specified\n"
 NO_ADDRESS = "Invalid IP address\n"
 NO_STDIN = "Stdin not supported\n"
-# What an argument is read as, in the ranges of streams and slots.
+# How arguments are parsed, within the ranges of streams and slots.
 NUMBERS = {"0": 0, "10": 10, "7.9": 7, " 7": 7, "+7": 7, "-0": 0, "0x10": 0}
 
 
 def expect(run: Run, status: int, stderr: str) -> None:
-    """A run that printed no document."""
+    """Expects a run without a document."""
     assert (run.status, run.stdout, run.stderr.decode()) == (status, b"", stderr)
 
 
 def expect_connecting(run: Run) -> None:
-    """A run whose command line was fit for the status report, at an address with no controller."""
+    """Expects a status report that finds no controller at the address."""
     assert run.document == {"ErrorCode": 10053, "Msg": "Unable to connect to GC!"}
     assert run.status == 0
 
@@ -114,7 +114,7 @@ def test_refused(tool: Tool, untouched: str, arguments: list[str], stderr: str) 
     ],
 )
 def test_first_fault_is_told(tool: Tool, untouched: str, arguments: list[str], stderr: str) -> None:
-    """Each argument is checked as it is read, the rest of the line after all options."""
+    """Each argument is checked as it is read, the operands after all options."""
     expect(tool("-s", untouched, *arguments), 255, stderr)
 
 
@@ -184,9 +184,9 @@ def test_usage_tells_the_name_of_invocation(tool: Tool, untouched: str, name: st
 def test_operation(
     tool: Tool, simulator: StartSimulator, arguments: list[str], calls: list[object]
 ) -> None:
-    """Which operation a command line asks for, by what the instrument sees of it."""
+    """The operation that a command line selects, judged by what the instrument receives."""
     controller = simulator("bare")
-    # Whatever the instrument is asked to do, it does not get in the way.
+    # The instrument accepts and ignores everything.
     for call in ["Write", "Command"]:
         controller.fault(kind="ignore", call=call, times=0)
     controller.control("set", "mEnabled", "0")
@@ -239,7 +239,7 @@ def test_status_is_asked_for(tool: Tool, address: str, arguments: list[str]) -> 
     ],
 )
 def test_address(tool: Tool, simulator: StartSimulator, address: str, form: str) -> None:
-    """Numbers are cut to their low eight bits; what follows the fourth does not matter."""
+    """Numbers are cut to their low eight bits; anything after the fourth is ignored."""
     simulator()
     octets = [int(octet) for octet in address.split(".")]
     run = tool("-s", form.format(*octets, *[octet + 256 for octet in octets], 256 - octets[0]))
@@ -254,6 +254,6 @@ def test_last_address_counts(tool: Tool, simulator: StartSimulator, address: str
 
 @pytest.mark.parametrize("arguments, expected", [([], "127.0.0.1"), (["-s", "127.9"], "127.9.0.0")])
 def test_address_not_given(traced: Traced, arguments: list[str], expected: str) -> None:
-    # Whether a controller runs there is nobody's business here, so the call itself is looked at.
+    # A controller may or may not be running there, so the test looks at the system call.
     calls = traced("connect", *arguments)
     assert [call for call in calls if f'htons(20047), sin_addr=inet_addr("{expected}")' in call]

@@ -50,7 +50,7 @@ def test_run_refused(tool: Tool, simulator: StartSimulator, word: str, status: i
     run = tool("-s", controller.address, "-R", word, "-v", "3")
     told = signed(status)
     expect_verdict(run, status, "Refused", f"writeParam. return 0.\nExecute failed {told}.\n")
-    # What was written before the refusal stays.
+    # Values written before the refusal are kept.
     kept = [controller.parameters()[name] for name in RUN_PARAMETERS]
     assert kept == ([0, 0, 3, 0, 0] if word == "single" else [1, 1, 3, 1, 2])
 
@@ -71,7 +71,7 @@ def test_automation_refused(tool: Tool, simulator: StartSimulator, status: int) 
 def test_abort_refused(
     tool: Tool, simulator: StartSimulator, word: str, nth: int, sent: list[int], status: int
 ) -> None:
-    """A run that could not be ended at once is not ended later either."""
+    """If the run cannot be aborted at once, the automation is not stopped either."""
     controller = simulator()
     tool("-s", controller.address, "-R", "single")
     controller.fault(kind="status", call="Command", nth=nth, status=status)
@@ -93,7 +93,7 @@ def test_stream_refused(tool: Tool, simulator: StartSimulator, status: int) -> N
 
 @pytest.mark.parametrize("stream", [0, 1, 46])
 def test_stream(tool: Tool, simulator: StartSimulator, stream: int) -> None:
-    """Nothing is printed of it, and the valve stands where it was sent."""
+    """Nothing is printed, and the valve is where it was sent."""
     controller = simulator(parts={"parameters": {"mStreamMaxNr": 46}})
     run = tool("-s", controller.address, "-V", str(stream))
     expect(run, "", "writeParam. return 0.\n")
@@ -103,7 +103,7 @@ def test_stream(tool: Tool, simulator: StartSimulator, stream: int) -> None:
 
 @pytest.mark.parametrize("status", STATUSES)
 def test_solution_refused(tool: Tool, simulator: StartSimulator, status: int) -> None:
-    """The words are the wrong way round, and pages go by the code."""
+    """The texts are swapped; clients rely on the code."""
     controller = simulator()
     controller.fault(kind="status", call="Write", status=status)
     told = signed(status)
@@ -120,7 +120,7 @@ def test_solution(tool: Tool, simulator: StartSimulator, slot: int) -> None:
     run = tool("-s", controller.address, "-M", str(slot))
     expect_verdict(run, 0, "Refused", "writeParam. return 0.\n")
     _, write, _ = controller.last_run()
-    # The slot's number is where it is written, not what.
+    # The slot's number is the address of the write, not its value.
     assert values(write) == {Address(0, 0, slot, 1003): (0, 0.0)}
     assert controller.parameters()[f"mSlotNr[{slot}]"] == 1
     assert tool("-s", controller.address).document["GC_state"] == "Not Ready"
@@ -168,7 +168,7 @@ def test_refused_by_the_instrument(
     words: str | None,
     stderr: str,
 ) -> None:
-    """In a state, or with a setting, that does not allow it."""
+    """In a state, or with a setting, that does not allow the command."""
     controller = simulator(scenario, parts={"parameters": parameters})
     before = tool("-s", controller.address).document["GC_state"]
     run = tool("-s", controller.address, *arguments)

@@ -1,4 +1,4 @@
-"""The configuration report: texts that do not arrive, and values out of the ordinary."""
+"""The configuration report: missing texts and unusual values."""
 
 from typing import Any
 
@@ -31,7 +31,7 @@ def test_texts_that_do_not_arrive(
     site: str,
     columns: list[str],
 ) -> None:
-    """A site that is not told is told by the name; each column is asked for by itself."""
+    """Without site information the name takes its place; each column is a separate request."""
     controller = simulator()
     controller.fault(kind="status", call="Object", nth=nth, times=times, status=209)
     run = tool("-s", controller.address, "-g")

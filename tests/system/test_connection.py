@@ -1,4 +1,4 @@
-"""Connections that fail: what the page is told when there is no instrument to talk to."""
+"""Failed connections: what the page is told when no instrument can be reached."""
 
 import errno
 import select
@@ -50,7 +50,7 @@ def test_nothing_listens(tool: Tool, address: str) -> None:
 
 @pytest.fixture
 def full_address(address: str) -> Iterator[str]:
-    """An address that answers no request to connect, as if nothing were there at all."""
+    """An address that does not answer connection requests, as if no host were there."""
     with ExitStack() as sockets:
         listener = sockets.enter_context(socket.create_server((address, PORT), backlog=0))
         # The first connection fills the queue; the kernel drops what comes after it.
@@ -59,7 +59,7 @@ def full_address(address: str) -> Iterator[str]:
             client.setblocking(False)
             assert client.connect_ex((address, PORT)) == errno.EINPROGRESS
             connected = bool(select.select([], [client], [], 0.2)[1])
-            assert connected is expected, "the kernel queues connections in another way"
+            assert connected is expected, "the kernel queues connections differently"
         yield listener.getsockname()[0]
 
 
@@ -72,9 +72,10 @@ def test_nothing_answers(tool: Tool, full_address: str) -> None:
 
 @pytest.fixture
 def serve(address: str) -> Iterator[Callable[[bytes | None], str]]:
-    """Makes something listen that is no controller, and returns its address.
+    """Starts a listener that is not a controller, and returns its address.
 
-    It takes one connection, and closes it after sending the octets; without any, it never does.
+    It accepts one connection and closes it after sending the octets; without octets it keeps it
+    open.
     """
     with ExitStack() as ending:
 
@@ -176,7 +177,7 @@ def test_batch_is_never_answered(tool: Tool, simulator: StartSimulator) -> None:
 
 
 def test_controller_that_comes_back(tool: Tool, simulator: StartSimulator) -> None:
-    """One failure leaves nothing behind: the next run finds the instrument as ever."""
+    """A failure leaves nothing behind: the next run reaches the instrument as usual."""
     controller = simulator()
     controller.fault(kind="drop", call="Read")
     expect_failed(tool("-s", controller.address), CONNECTION_LOST)

@@ -1,4 +1,4 @@
-"""Commands followed to what they bring about, in later reports."""
+"""The effects of commands, as shown by later reports."""
 
 from typing import Any
 
@@ -6,18 +6,18 @@ import pytest
 from conftest import Download, StartSimulator
 from programs import Run, Simulator, Tool, expect_verdict
 
-RUN_TIME = 180  # seconds of an everyday run
+RUN_TIME = 180  # seconds, on the everyday instrument
 
 
 class Instrument:
-    """The tool and a controller, as somebody at the page has them."""
+    """The tool and a controller, as an operator sees them."""
 
     def __init__(self, tool: Tool, controller: Simulator) -> None:
         self._tool = tool
         self.controller = controller
 
     def give(self, *arguments: str, stderr: str = "") -> None:
-        """A command that the instrument accepts."""
+        """Gives a command that the instrument accepts."""
         run = self.run(*arguments)
         expect_verdict(run, 0, "Accepted", stderr)
 
@@ -89,7 +89,7 @@ def coefficients(instrument: Instrument) -> list[float]:
 
 
 def test_calibration_run(tool: Tool, simulator: StartSimulator) -> None:
-    """Two runs, and each of them moves every coefficient a little."""
+    """Two runs, each of which changes every coefficient slightly."""
     instrument = Instrument(tool, simulator())
     before = coefficients(instrument)
     instrument.give("-R", "calib", "-v", "4", stderr=WRITTEN)
@@ -109,7 +109,7 @@ def test_calibration_run(tool: Tool, simulator: StartSimulator) -> None:
 def test_calibration_without_amounts(
     tool: Tool, simulator: StartSimulator, download: Download
 ) -> None:
-    """Peaks whose amount was cleared keep their coefficients; the one that has one does not."""
+    """Peaks whose amount was cleared keep their coefficients; the peak with an amount does not."""
     instrument = Instrument(tool, simulator())
     before = coefficients(instrument)
     level = {"Channel": 1, "ID": 2, "Level_amt": 84.95}
@@ -135,7 +135,7 @@ OVER = (*READY, 0, 0, 0)
 
 
 def test_automation(tool: Tool, simulator: StartSimulator, download: Download) -> None:
-    """A downloaded table is run through, line by line, as often as it says."""
+    """A downloaded table is carried out line by line, as often as it says."""
     instrument = Instrument(tool, simulator())
     expect_verdict(download(instrument.controller, "-Q", TABLE), 0, "Success!")
     instrument.give("-R", "auto")
@@ -182,7 +182,7 @@ def test_automation_stopped_after_the_run(tool: Tool, simulator: StartSimulator)
 
 
 def test_automation_for_ever(tool: Tool, simulator: StartSimulator, download: Download) -> None:
-    """A continuous table goes on, whatever its repeat says, until it is stopped."""
+    """A continuous table repeats until it is stopped, whatever its repeat count."""
     instrument = Instrument(tool, simulator())
     table = {**TABLE, "Continuous": True}
     expect_verdict(download(instrument.controller, "-Q", table), 0, "Success!")
@@ -199,14 +199,14 @@ def test_automation_for_ever(tool: Tool, simulator: StartSimulator, download: Do
 def test_automation_of_a_cleared_table(
     tool: Tool, simulator: StartSimulator, download: Download
 ) -> None:
-    """Nothing is to be run, so nothing starts."""
+    """There is nothing to run, so nothing starts."""
     instrument = Instrument(tool, simulator())
     download(instrument.controller, "-Q", {"Table_repeat": 1, "total": 0})
     expect_verdict(instrument.run("-R", "auto"), 207, "Refused", "Execute failed 207.\n")
 
 
 def test_stream_stays_with_the_next_run(tool: Tool, simulator: StartSimulator) -> None:
-    """The valve goes where the run says, whatever it was switched to before."""
+    """The valve goes to the run's stream, whatever it was switched to before."""
     instrument = Instrument(tool, simulator())
     assert instrument.run("-V", "2").stdout == b""
     assert instrument.state("Curr_stream") == (*READY, 2)
@@ -215,7 +215,7 @@ def test_stream_stays_with_the_next_run(tool: Tool, simulator: StartSimulator) -
 
 
 def test_commands_without_effect(tool: Tool, simulator: StartSimulator) -> None:
-    """An instrument that accepts and does nothing: only the report tells."""
+    """The instrument accepts but does nothing: only the report shows that."""
     instrument = Instrument(tool, simulator())
     instrument.controller.fault(kind="ignore", call="Command")
     instrument.give("-R", "single", stderr=WRITTEN)
@@ -239,7 +239,7 @@ def test_refused_start_sets_off_its_alarm(tool: Tool, simulator: StartSimulator)
 def test_automation_ended_between_runs(
     tool: Tool, simulator: StartSimulator, word: str, seconds: int, state: str
 ) -> None:
-    """While a stream is flushed, or a run waits for its delay: there is no run to wait for."""
+    """While a stream is flushed, or a run delay passes, there is no run to wait for."""
     instrument = Instrument(tool, simulator())
     instrument.give("-R", "auto")
     instrument.step(seconds)
@@ -267,7 +267,7 @@ def test_line_without_runs_is_passed_over(
 def test_verification_that_fails(
     tool: Tool, simulator: StartSimulator, download: Download
 ) -> None:
-    """The last row of the everyday alarms watches for it, of verifications only."""
+    """The last row of the everyday alarms covers it, but only for verifications."""
     instrument = Instrument(tool, simulator(parts={"parameters": {"mDetCalibrated2": 0}}))
     for run_type, expected in [("Analysis", []), ("Verification", [5])]:
         rows = [{"Type": run_type, "Repeat": 1}]
@@ -290,7 +290,7 @@ def test_reset_in_the_middle_of_a_run(tool: Tool, simulator: StartSimulator) -> 
 
 
 def test_second_solution(tool: Tool, simulator: StartSimulator) -> None:
-    """Loaded one after the other, the last one is in use, and a whole minute is due again."""
+    """If one is loaded after the other, the last is in use, and takes the full minute again."""
     instrument = Instrument(tool, simulator())
     for slot in ["3", "7"]:
         run = instrument.run("-M", slot)

@@ -1,4 +1,4 @@
-"""The failure matrix: every operation, every call that it makes, every fault of the controller."""
+"""The failure matrix: every operation, every call it makes, every fault of the controller."""
 
 import json
 import re
@@ -34,7 +34,7 @@ RecordProperty = Callable[[str, object], None]
 
 
 class Bench:
-    """A controller that is as new for each cell, and the tool on it."""
+    """A controller that is reset for each cell, and the tool connected to it."""
 
     def __init__(self, tool: Tool, simulator: StartSimulator, folder: Path) -> None:
         self._tool = tool
@@ -46,7 +46,7 @@ class Bench:
         self.controller = simulator(str(self._scenario))
 
     def prepare(self, operation: Operation) -> Parameters:
-        """The instrument as the operation finds it; a report leaves it so, which is checked."""
+        """Resets the instrument, except after a report, which must not change it."""
         if operation.steps or operation is not self._prepared:
             self.controller.ask(verb="load", scenario=str(self._scenario))
         else:
@@ -65,7 +65,7 @@ class Bench:
         return self._tool("-s", self.controller.address, *arguments)
 
     def calls(self) -> list[Line]:
-        """Of all connections of the last run, when the controller knows that it is over."""
+        """The calls of the last run on all connections, once the controller knows its end."""
         deadline = time.monotonic() + LIMIT
         while self.controller.ask(verb="status")["connections"]:
             assert time.monotonic() < deadline, "a connection stays open"
@@ -75,7 +75,7 @@ class Bench:
         return [line for line in calls if line["call"] != "Lost"]
 
     def good_run(self, operation: Operation) -> tuple[Run, list[Line], Parameters]:
-        """Without a fault; this one is as the table says, too."""
+        """A run without a fault, which is checked against the table, too."""
         before = self.prepare(operation)
         run = self.run(operation)
         good = self.calls()
@@ -96,12 +96,12 @@ class Cell:
 
     operation: Operation
     fault: Fault
-    made: list[Line]  # the calls of a good run up to the one that is hit
+    made: list[Line]  # the calls of a good run up to the one with the fault
     good: Run
     outcome: Expected
 
     def complaint(self, run: Run, calls: list[Line], after: Parameters) -> str:
-        """What is otherwise than it has to be; empty when nothing."""
+        """The differences from the expectation; empty if there are none."""
         wrong = differences(self.outcome, run, [named(call) for call in calls], after)
         if self.outcome.stdout is None and run.stdout:
             kind, loses = self.fault.fields["kind"], self.fault.loses
@@ -114,7 +114,7 @@ class Cell:
 
 
 class Tally:
-    """The cells that a test has run."""
+    """Counts the cells that a test has run."""
 
     def __init__(self) -> None:
         self._counts: Counter[tuple[str, str]] = Counter()
@@ -130,7 +130,7 @@ class Tally:
             self._complaints.append(f"{column[0]}, {call}, {column[1]}: {complaint}")
 
     def report(self, record_property: RecordProperty) -> None:
-        """Leaves the numbers to the table at the end, and fails for each undefined cell."""
+        """Records the numbers for the final table, and fails if any cell is undefined."""
         for column, count in self._counts.items():
             entry = [*column, count, self._undefined[column]]
             record_property("failure matrix", json.dumps(entry))
@@ -138,7 +138,7 @@ class Tally:
 
 
 def finished(run: Callable[[], Run]) -> tuple[Run | None, str]:
-    """The run, or what its document broke: the tool's own, or its schema."""
+    """The run, or the rule that its document violates: the tool's own, or the schema's."""
     try:
         return run(), ""
     except (AssertionError, ValueError, ValidationError) as error:
@@ -146,7 +146,7 @@ def finished(run: Callable[[], Run]) -> tuple[Run | None, str]:
 
 
 def wait_for_hang(controller: Simulator, number: int) -> list[Line]:
-    """The calls of the run that hangs, as soon as it does. `number`: of its connection, or less."""
+    """The calls of the hung run, as soon as it hangs. `number`: of its connection, or lower."""
     deadline = time.monotonic() + LIMIT
     while True:
         lines = controller.ask(verb="journal", count=50)["lines"]
@@ -157,7 +157,7 @@ def wait_for_hang(controller: Simulator, number: int) -> list[Line]:
 
 
 def test_no_call_is_answered(bench: Bench, record_property: RecordProperty) -> None:
-    """All of them wait at the same time: what hangs sends nothing more, so the next may begin."""
+    """All runs wait at the same time: a hung run sends nothing more, so the next one can start."""
     controller = bench.controller
     waiting = []
     good_runs = [(operation, *bench.good_run(operation)) for operation in OPERATIONS]
@@ -210,7 +210,7 @@ def test_every_call_fails(
 
 
 def test_every_operation_has_a_row(tool: Tool) -> None:
-    """The tool itself says what it can do."""
+    """The tool's usage text lists its operations."""
     usage = tool("-h").stderr.decode()
     offered = {
         f"{option} {word}".strip()

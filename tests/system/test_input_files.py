@@ -1,4 +1,4 @@
-"""Files of the downloads that are no proper files: a verdict, and an instrument left alone."""
+"""Invalid download files: they get a verdict, and the instrument is left alone."""
 
 import json
 import socket
@@ -19,7 +19,7 @@ LONG = 50_000_000
 
 
 def expect_refused(run: Run, controller: Simulator, option: str) -> None:
-    """Not even a clearing was sent."""
+    """Not even the clearing was sent."""
     expect_verdict(run, *VERDICTS[option], "Execute failed -1.\n")
     assert controller.called() == []
 
@@ -149,7 +149,7 @@ def test_no_file(
 
 
 def long_name(folder: Path, length: int) -> str:
-    """The name of a file to be, in a folder that is there."""
+    """The name of a file that does not exist, in a folder that does."""
     rest = length - len(str(folder)) - 1
     deep = folder / ("d" * (rest - 11))
     deep.mkdir()
@@ -172,7 +172,7 @@ def test_name_of_256_characters(
 def test_name_of_257_characters(
     tool: Tool, simulator: StartSimulator, folder: Path, option: str
 ) -> None:
-    """It is cut, and names no file any more."""
+    """It is truncated, and no longer names a file."""
     controller = simulator("bare")
     name = long_name(folder, 257)
     Path(name).write_bytes(TEXT)

@@ -1,11 +1,11 @@
-"""Reports of an instrument that goes on between them: runs, and a warm start."""
+"""Reports of an instrument that changes between them: runs, and a warm start."""
 
 from itertools import groupby, pairwise
 
 from conftest import StartSimulator
 from programs import Tool
 
-# How far two readings of one value may be apart by their noise alone.
+# How far apart two readings of a value may be because of noise alone.
 NOISE = {"Column_temp": 0.06, "Injector_temp": 0.1, "Column_press": 0.4}
 
 

@@ -1,6 +1,6 @@
-"""The tool as it is installed on a controller: linked to libraries that the build did not make.
+"""The tool as installed on a controller: linked to libraries that the build did not make.
 
-The stand-ins of the build under test are named as if they were the maker's.
+The stand-ins from the build under test are given the names of the maker's libraries.
 """
 
 import fcntl
@@ -36,11 +36,11 @@ def configure(bin_dir: Path, build: Path, names: list[str]) -> subprocess.Comple
 
 @pytest.fixture(scope="module")
 def installed(bin_dir: Path, tmp_path_factory: pytest.TempPathFactory) -> Path:
-    """The folder into which the tool was installed."""
+    """The folder into which the tool is installed."""
     build = bin_dir.parent / "as-installed"  # kept with the build, so that it is made only once
     prefix = tmp_path_factory.mktemp("prefix")
     with (bin_dir.parent / "as-installed.lock").open("w") as lock:
-        # Every worker of a run makes this fixture; CMake and Ninja stand only one at a time.
+        # Every worker of a run sets up this fixture; CMake and Ninja can only run one at a time.
         fcntl.flock(lock, fcntl.LOCK_EX)
         assert configure(bin_dir, build, list(LIBRARIES)).returncode == 0
         run("cmake", "--build", build)
@@ -114,7 +114,7 @@ def timeless(run: Run) -> bytes:
 @pytest.mark.parametrize(
     "arguments",
     [
-        # One in every run of the tests, as valgrind takes its time.
+        # Only one per test run, because valgrind is slow.
         pytest.param(arguments, id=name, marks=[] if name == "status" else [pytest.mark.valgrind])
         for name, arguments in MEMORY.items()
     ],

@@ -1,4 +1,4 @@
-"""What all reports have in common: the shipped scenarios, how they call, how they fail."""
+"""What all reports have in common: shipped scenarios, calls, failures."""
 
 import re
 from pathlib import Path
@@ -66,7 +66,7 @@ def test_as_many_peaks_as_there_can_be(tool: Tool, simulator: StartSimulator) ->
     expected = calibration_of("four-channel")
     assert len(expected["rows"]) == 400
     assert run.document == expected
-    # Two texts of 17 digits can stand for one number.
+    # Two texts of 17 digits may be the same number.
     layout = re.compile(r"[0-9]+\.[0-9]+")
     assert layout.sub("0.0", run.stdout.decode()) == layout.sub("0.0", printed(expected))
     assert (run.stderr, run.status) == (b"", 0)
@@ -77,7 +77,7 @@ def reads(lines: list[dict[str, Any]]) -> list[list[Address]]:
 
 
 def peaks_of(scenario: str) -> list[int]:
-    """How many, by channel."""
+    """The number of peaks per channel."""
     channels = [p["channel"] for p in load_scenario(scenario).get("peaks", [])]
     return [channels.count(n) for n in range(1, 5)]
 
@@ -106,7 +106,7 @@ def expected_reads(report: str, scenario: str) -> list[list[Address]]:
 @pytest.mark.parametrize("scenario", SCENARIOS)
 @pytest.mark.parametrize("report", OPTIONS)
 def test_calls(tool: Tool, simulator: StartSimulator, report: str, scenario: str) -> None:
-    """As few as there can be, in their order, all on one connection for reports."""
+    """The minimum of calls, in order, all on one connection in report mode."""
     controller = simulator(scenario)
     tool("-s", controller.address, OPTIONS[report])
     lines = controller.journal()
@@ -128,7 +128,7 @@ def test_calls(tool: Tool, simulator: StartSimulator, report: str, scenario: str
     assert reads(lines) == batches
 
 
-# Which of the batches of an everyday report fails.
+# The batch of an everyday report that fails.
 FAILING = [
     ("configuration", 1),
     *[("alarms", nth) for nth in [1, 2, 5, 7]],
@@ -145,7 +145,7 @@ FAILING = [
 def test_refused_read(
     tool: Tool, simulator: StartSimulator, report: str, nth: int, status: int, told: str
 ) -> None:
-    """Whichever batch it is: nothing of what was read before is printed, no other follows."""
+    """Whichever batch fails: nothing read before is printed, and no other batch follows."""
     controller = simulator()
     controller.fault(kind="status", call="Read", nth=nth, status=status)
     run = tool("-s", controller.address, OPTIONS[report])
@@ -162,7 +162,7 @@ def test_lost_connection(tool: Tool, simulator: StartSimulator, report: str, nth
 
 
 def zeros(report: str) -> dict[str, Any]:
-    """What is printed of the everyday instrument when no parameter is answered."""
+    """The output for the everyday instrument when no parameter is answered."""
     channels = [
         {"Installed": False, "Disabled": False, "Serial": 0, "PN": 0, "Description": column,
          "Gas": "Helium"}
@@ -196,7 +196,7 @@ def zeros(report: str) -> dict[str, Any]:
 def test_nothing_answered(
     tool: Tool, simulator: StartSimulator, report: str, fault: dict[str, Any]
 ) -> None:
-    """A batch of which nothing came is still one that came."""
+    """An unanswered batch is still a batch that arrived."""
     controller = simulator()
     controller.fault(call="Read", times=0, **fault)
     expect(tool("-s", controller.address, OPTIONS[report]), printed(zeros(report)))
@@ -259,7 +259,7 @@ def test_reals_that_are_none(tool: Tool, simulator: StartSimulator, real: str) -
 
 
 def test_retention_time_that_is_too_long(tool: Tool, simulator: StartSimulator) -> None:
-    """Finite in minutes, and not in seconds."""
+    """Finite in minutes, but not in seconds."""
     controller = simulator()
     controller.fault(kind="value", call="Read", times=0, records="all", real=1e308)
     row = tool("-s", controller.address, "-c").document["rows"][0]

@@ -1,4 +1,4 @@
-"""Printed reports downloaded again, and random tables: what the instrument takes comes back."""
+"""Printed reports and random tables, downloaded: the instrument returns what it was sent."""
 
 import random
 from typing import Any
@@ -9,7 +9,7 @@ from programs import Tool, expect_verdict
 
 TYPES = ["Analysis", "Calibration", "Blank", "Verification"]
 EMPTY_LINE = {"Type": "Analysis", "Repeat": 0, "Stream": 0, "Slot": 0, "Flush_time": 0.0}
-TABLES = 12  # in each test; each of the seeds makes others
+TABLES = 12  # in each test; each seed makes different ones
 SEEDS = [1, 2, 3]
 
 
@@ -30,7 +30,7 @@ def test_sequence(
 def test_calibration(
     tool: Tool, simulator: StartSimulator, download: Download, scenario: str
 ) -> None:
-    """What the clearing takes is restored."""
+    """The download restores what clearing removed."""
     controller = simulator(scenario)
     saved = tool("-s", controller.address, "-c").stdout
     expect_verdict(download(controller, "-C", {"total": 0}), 0, "Success")
@@ -41,9 +41,9 @@ def test_calibration(
 
 
 def amount(source: random.Random, most: float) -> float:
-    """Whole, short and long numbers, small ones and large ones, of at most 15 digits.
+    """Integers, short and long numbers, small and large ones, of at most 15 digits.
 
-    The tool reads those to the last bit; one of 17 digits may end up on a neighbour.
+    The tool reads those exactly; a number of 17 digits may become an adjacent double.
     """
     kind = source.randrange(5)
     if kind == 0:
@@ -136,7 +136,7 @@ def test_random_levels(
 def test_numbers_of_all_digits(
     tool: Tool, simulator: StartSimulator, download: Download
 ) -> None:
-    """They are read with a relative error of a few units of the last place, no more."""
+    """They are read with a relative error of at most a few units in the last place."""
     source = random.Random(4)
     controller = simulator()
     rows = [

@@ -1,4 +1,4 @@
-"""The schemas of the documents: readable everywhere, and strict."""
+"""The schemas of the documents: usable by every validator, and strict."""
 
 import copy
 from collections.abc import Iterator
@@ -8,7 +8,7 @@ import jsonschema
 import pytest
 from programs import DOWNLOADABLE, SCHEMAS, load_schema, parse_strictly
 
-# What draft-04 and draft-07 both know and mean the same by.
+# Keywords with the same meaning in draft-04 and draft-07.
 COMMON_KEYWORDS = {
     "$schema", "$ref", "definitions", "title", "description",
     "type", "enum", "minimum", "maximum", "maxLength", "pattern",
@@ -36,10 +36,10 @@ def test_every_reader_can_take_it(name: str) -> None:
     for inner in subschemas(schema):
         assert set(inner) <= COMMON_KEYWORDS, inner
         if inner.get("type") == "object" and "properties" in inner:
-            # Documents have nothing else; files may, and it is ignored.
+            # Documents have no other members; files may have them, and they are ignored.
             assert inner["additionalProperties"] is name.endswith("-file"), inner
         assert "enum" not in inner or "type" in inner, inner
-        # rapidjson knows anchors at the ends of a pattern only.
+        # rapidjson supports anchors only at the ends of a pattern.
         assert not set("^$") & set(inner.get("pattern", "")[1:-1]), inner
 
 
@@ -69,13 +69,13 @@ def test_every_schema_has_an_example() -> None:
 
 @pytest.mark.parametrize("name", NAMES)
 def test_example(name: str) -> None:
-    """It fits its own schema; of the others only that of the file which it is as well."""
+    """It matches its own schema and, if it is also a valid file, that of the file, but no other."""
     fitting = [other for other in NAMES if fits(other, example(name))]
     assert set(fitting) == {name, DOWNLOADABLE.get(name, name)}
 
 
 def changed(name: str, path: str, value: Any) -> dict[str, Any]:
-    """An example with one member changed, or taken away: ... stands for that."""
+    """An example with one member changed, or removed if the value is `...`."""
     document = copy.deepcopy(example(name))
     *folders, key = path.split("/")
     parent: Any = document

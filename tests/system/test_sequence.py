@@ -1,4 +1,4 @@
-"""The sequence table: how many lines are told, and what its download sends and leaves."""
+"""The sequence table: how many lines are reported, and what a download sends and leaves."""
 
 from typing import Any
 
@@ -96,7 +96,7 @@ def test_continuous(tool: Tool, simulator: StartSimulator, flag: int, told: bool
 
 
 def test_download(tool: Tool, simulator: StartSimulator, download: Download) -> None:
-    """Header, clearing, first line, and for each other one a new line before its values."""
+    """Header, clearing, and first line; for each further line an insertion before its values."""
     controller = simulator()
     run = download(controller, "-Q", file(NEW_LINES, Continuous=True))
     expect_verdict(run, 0, "Success!")
@@ -147,7 +147,7 @@ def test_number_of_lines(
     expect_verdict(download(controller, "-Q", file(lines, total=total)), 0, "Success!")
     calls = ["Write", *["Command", "Write"] * max(written, 0)]
     assert controller.called() == (calls if written else ["Write", "Command"])
-    # A table has always one line, if an empty one.
+    # A table always has at least one line, if only an empty one.
     told = lines[:written] or [EMPTY_LINE]
     expected = {"Table_repeat": 7, "Continuous": False, "total": len(told), "rows": told}
     expect(tool("-s", controller.address, "-q"), printed(expected))
@@ -196,7 +196,7 @@ def test_row(
     row: dict[str, Any],
     line: dict[str, Any],
 ) -> None:
-    """What a row does not say is 0, and Analysis."""
+    """Members missing from a row default to 0 and Analysis."""
     controller = simulator()
     expect_verdict(download(controller, "-Q", file([row])), 0, "Success!")
     assert tool("-s", controller.address, "-q").document["rows"] == [{**EMPTY_LINE, **line}]
@@ -223,7 +223,7 @@ def test_row(
 def test_row_of_other_types(
     tool: Tool, simulator: StartSimulator, download: Download, row: object, line: dict[str, Any]
 ) -> None:
-    """A member of another type is one that is missing; a row that is no object lacks all."""
+    """A member of another type counts as missing; a row that is not an object lacks all members."""
     controller = simulator()
     contents = file([NEW_LINES[0], row, NEW_LINES[2]])
     expect_verdict(download(controller, "-Q", contents, sloppy=True), 0, "Success!")
@@ -263,7 +263,7 @@ EVERYDAY = [
     {"Type": "Analysis", "Repeat": 5, "Stream": 1, "Slot": 0, "Flush_time": 1.0},
     {"Type": "Analysis", "Repeat": 3, "Stream": 2, "Slot": 0, "Flush_time": 0.5},
 ]
-# Call and its number, verdict, and then the table's repeat and lines.
+# Call and its index, verdict, and then the table's repeat and lines.
 STEPS = [
     ("Write", 1, NO_REPEAT, 2, EVERYDAY),
     ("Command", 1, NO_CLEAR, 7, EVERYDAY),
@@ -288,7 +288,7 @@ def test_refused_step(
     lines: list[dict[str, Any]],
     status: int,
 ) -> None:
-    """What was done before stays, and nothing is done after."""
+    """Earlier steps are not undone, and nothing is done afterwards."""
     controller = simulator()
     controller.fault(kind="status", call=call, nth=nth, status=status)
     run = download(controller, "-Q", file(NEW_LINES))

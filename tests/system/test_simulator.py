@@ -17,7 +17,7 @@ from simulator_client import STATE, connected
 
 
 def run(*command: str | Path, environment: Mapping[str, str] | None = None) -> tuple[int, str, str]:
-    """Exit status, standard output and standard error of a program that ends by itself."""
+    """Exit status, standard output and standard error of a program that exits by itself."""
     done = subprocess.run(
         [str(word) for word in command],
         env={**os.environ, **(environment or {})},
@@ -33,7 +33,7 @@ def run(*command: str | Path, environment: Mapping[str, str] | None = None) -> t
 def running(
     *command: str | Path, environment: Mapping[str, str] | None = None
 ) -> Iterator[subprocess.Popen[bytes]]:
-    """A gc-sim that is ready; killed in the end, unless it has ended itself."""
+    """A gc-sim that is ready; killed at the end, unless it has exited by itself."""
     with subprocess.Popen(
         [str(word) for word in command],
         env={**os.environ, **(environment or {})},
@@ -55,7 +55,7 @@ def test_ready_and_clean_end(
 ) -> None:
     control = folder / "control"
     with running(bin_dir / "gc-sim", "--listen", address, "--control", control) as process:
-        # Clients of both kinds are there when it ends.
+        # Clients of both kinds are connected when it ends.
         with connected(address, 1), socket.socket(socket.AF_UNIX) as remote:
             remote.connect(str(control))
             process.send_signal(number)
@@ -186,7 +186,7 @@ def test_control_socket_in_a_folder_of_its_own(bin_dir: Path, address: str) -> N
     finally:
         path.unlink(missing_ok=True)
         if not was_there:
-            with suppress(OSError):  # somebody else has come to use it
+            with suppress(OSError):  # another process has started to use it
                 own.rmdir()
 
 

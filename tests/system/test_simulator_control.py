@@ -1,4 +1,4 @@
-"""Remote control of the simulated controller, and what it writes down."""
+"""Remote control of the simulated controller, and its journal."""
 
 import json
 import math
@@ -74,7 +74,7 @@ def test_load(simulator: StartSimulator, folder: Path) -> None:
 
 
 def refuse(controller: Simulator, *verb: str, reason: str) -> None:
-    """The remote control says why not, and nothing else."""
+    """The remote control gives the reason, and nothing else."""
     with pytest.raises(AssertionError) as refusal:
         controller.control(*verb)
     assert reason in str(refusal.value)
@@ -147,7 +147,7 @@ def test_a_snapshot_is_a_scenario(
     controller.control("step", "12.25")
     shown = controller.control("snapshot")
     path = folder / "snapshot.json"
-    # As a shell would save what gc-simctl prints.
+    # As a shell saves the output of gc-simctl.
     path.write_text(json.dumps(shown, indent=2), encoding="utf-8")
     assert path.stat().st_size < 1024 * 1024
     assert controller.control("load", str(path))["time"] == 0

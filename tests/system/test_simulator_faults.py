@@ -1,4 +1,4 @@
-"""Faults of the simulated controller, as they are seen from the wire."""
+"""Faults of the simulated controller, as seen on the wire."""
 
 import json
 import math
@@ -23,12 +23,12 @@ from simulator_client import (
 )
 
 SCENARIOS = Path(__file__).resolve().parents[2] / "simulator" / "scenarios"
-SETPOINT = Record(1, 0, 0, 202)  # of the column temperature, channel 1
+SETPOINT = Record(1, 0, 0, 202)  # column temperature setpoint, channel 1
 UNKNOWN = Record(9, 0, 0, 9)
 
 
 def wait_for_lines(controller: Simulator, count: int) -> list[dict[str, Any]]:
-    """The journal, as soon as it has so many lines."""
+    """The journal, once it has this many lines."""
     deadline = time.monotonic() + LIMIT
     while len(lines := controller.journal()) < count:
         assert time.monotonic() < deadline, lines
@@ -103,7 +103,7 @@ def test_status(simulator: StartSimulator, status: int) -> None:
     with connected(controller.address, 0) as client:
         answer = client.write(SETPOINT._replace(real=61.5))
         assert answer.status == status
-        # A refused batch comes without its records, one that is incomplete with them.
+        # A refused batch is answered without its records, an incomplete one with them.
         assert len(answer.records) == (1 if status == 28 else 0)
         assert client.command(0) == status
         assert client.object(4).body == struct.pack(">II", status, 1) + bytes(4) + bytes(4)

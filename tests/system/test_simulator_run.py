@@ -11,7 +11,7 @@ from programs import LIMIT, ROOT
 
 @pytest.fixture
 def script(folder: Path) -> Path:
-    """`run` in a tree that is built already, with the programs under test."""
+    """`run` in a tree that is already built, with the programs under test."""
     (folder / "tree/packaging").mkdir(parents=True)
     for name in ("ensure-packages", "build"):
         step = folder / "tree/packaging" / name

@@ -1,4 +1,4 @@
-"""The simulated controller's protocol, kept to and broken."""
+"""The simulated controller's protocol, followed and violated."""
 
 import random
 import socket
@@ -54,7 +54,7 @@ def test_exchange(simulator: StartSimulator) -> None:
         assert (info.status, len(info.body)) == (0, 24)
         assert struct.unpack_from(">Q", info.body, 8) == (7,)  # calibrated peaks
         assert client.program_info(9).status == 210
-        assert client.command(0) == 207  # not at the new setpoint yet
+        assert client.command(0) == 207  # not yet at the new setpoint
         assert client.disconnect() == 0
         assert client.is_closed()
 
@@ -217,7 +217,7 @@ def test_as_many_clients_as_there_may_be(simulator: StartSimulator) -> None:
 
 
 def random_frame(source: random.Random) -> bytes:
-    """Something between an ordinary frame and noise."""
+    """Something between a valid frame and noise."""
     well_formed = [
         (READ, batch_body([STATE] * source.randrange(4))),
         (WRITE, batch_body([SETPOINT])),
@@ -239,7 +239,7 @@ def random_frame(source: random.Random) -> bytes:
 
 
 def open_handles(control: Path) -> int:
-    """How many handles the process that listens on a Unix socket has, with this connection."""
+    """Open descriptors of the process listening on a Unix socket, including this connection."""
     with socket.socket(socket.AF_UNIX) as remote:
         remote.connect(str(control))
         credentials = remote.getsockopt(socket.SOL_SOCKET, socket.SO_PEERCRED, 12)
@@ -257,7 +257,7 @@ def test_abuse(simulator: StartSimulator, folder: Path) -> None:
                 frame(CONNECT, connect_body(source.randrange(2))) + random_frame(source)
             )
             client.socket.shutdown(socket.SHUT_WR)
-            while client.socket.recv(65536):  # until it has been dealt with
+            while client.socket.recv(65536):  # until it has been handled
                 pass
     with ExitStack() as stack:
         for n in range(1000):

@@ -1,4 +1,4 @@
-"""The status report: what it prints of an instrument, to the octet."""
+"""The status report: its output for an instrument, to the octet."""
 
 import calendar
 import re
@@ -16,7 +16,7 @@ SCENARIOS = ["everyday", "four-channel", "bare", "error", "warming-up"]
 
 
 def document(name: str) -> str:
-    """What the tool prints of a scenario, with CLOCK where the time stands."""
+    """The tool's output for a scenario, with CLOCK in place of the time."""
     return (DOCUMENTS / f"{name}.json").read_text(encoding="utf-8")
 
 
@@ -27,7 +27,7 @@ def clock_text(seconds: int) -> str:
 
 
 def expect(run: Run, expected: str) -> None:
-    """A report of exactly this text, with the time at which it was made."""
+    """Expects a report of exactly this text, with the time of the run."""
     assert (run.status, run.stderr) == (0, b"")
     clock = run.document["GC_time"]
     assert clock in [clock_text(second) for second in range(run.began, run.ended + 1)]
@@ -55,7 +55,7 @@ def test_clock_is_local_time(tool: Tool, simulator: StartSimulator, zone: str, o
 
 
 def test_calls_of_a_report(tool: Tool, simulator: StartSimulator) -> None:
-    """One connection for reports, everything in one batch, one text, and a proper goodbye."""
+    """One connection in report mode, everything in one batch, one text, and a proper Disconnect."""
     controller = simulator()
     tool("-s", controller.address)
     lines = controller.journal()
@@ -67,7 +67,7 @@ def test_calls_of_a_report(tool: Tool, simulator: StartSimulator) -> None:
 
 
 def test_batch_of_a_report(tool: Tool, simulator: StartSimulator) -> None:
-    """Records go in the order of the map that holds them, as they do on instruments in use."""
+    """Records are sent in the iteration order of their map, as on instruments in use."""
     controller = simulator()
     tool("-s", controller.address)
     expected = [registered()[name] for name in sent()]
@@ -116,7 +116,7 @@ def test_batch_refused(tool: Tool, simulator: StartSimulator, status: int, told:
 
 
 def test_records_in_each_others_place(tool: Tool, simulator: StartSimulator) -> None:
-    """Neither is taken for the other: both stay at zero."""
+    """Neither is mistaken for the other: both stay zero."""
     controller = simulator()
     places = {"a": sent().index("mAnalysisCounter"), "b": sent().index("mRunTimeSP2")}
     controller.fault(kind="swap", call="Read", **places)
@@ -192,7 +192,7 @@ def test_application(
     ],
 )
 def test_no_application(tool: Tool, simulator: StartSimulator, fault: dict[str, str | int]) -> None:
-    """The rest of the report does not suffer."""
+    """The rest of the report is not affected."""
     controller = simulator()
     controller.fault(call="Object", **fault)
     expected = document("everyday").replace("Natural gas C6+ (simulated)", "")
@@ -259,7 +259,7 @@ def test_channels_that_are_not_installed(tool: Tool, simulator: StartSimulator) 
 
 
 def test_system_calls(traced: Traced, simulator: StartSimulator) -> None:
-    """The document goes out in one piece, and no file is written."""
+    """The document is written in one piece, and no file is written."""
     calls = traced("%file,write,writev", "-s", simulator().address)
     said = [call for call in calls if re.search(r" writev?\([12], ", call)]
     assert len(said) == 1 and ' write(1, "{\\n' in said[0], said
