@@ -1,4 +1,4 @@
-"""Fixtures: a web server for each test, with what the system tests have."""
+"""Fixtures: a web server for each test, in addition to those of the system tests."""
 
 import importlib.util
 from collections.abc import Callable, Iterator
@@ -18,7 +18,7 @@ from server import (
     write_passwords,
 )
 
-# By its path: two modules cannot both be called conftest.
+# Loaded by path: two modules cannot both be called conftest.
 _spec = importlib.util.spec_from_file_location("system", ROOT / "tests" / "system" / "conftest.py")
 assert _spec is not None and _spec.loader is not None
 system = importlib.util.module_from_spec(_spec)
@@ -51,7 +51,7 @@ def count_described(record_property: Callable[[str, object], None]) -> Iterator[
 
 
 def pytest_terminal_summary(terminalreporter: Any) -> None:
-    """Prints how much was held to the description of the interface."""
+    """Prints how many answers were checked against the interface description."""
     counts = [
         count
         for reports in terminalreporter.stats.values()
@@ -66,7 +66,7 @@ def pytest_terminal_summary(terminalreporter: Any) -> None:
 
 @pytest.fixture
 def start_server(address: str, bin_dir: Path, folder: Path) -> Iterator[StartServer]:
-    """Starts a web server at the test's address, for the instrument there."""
+    """Starts a web server at the test's address, for the instrument at the same address."""
     with ExitStack() as running:
 
         def start(
@@ -77,7 +77,7 @@ def start_server(address: str, bin_dir: Path, folder: Path) -> Iterator[StartSer
             libraries: str = "",
             units: str = "",
         ) -> WebServer:
-            """`lines`: further ones of the configuration. `passwords`: somebody may act."""
+            """`lines`: added to the configuration. `passwords`: whether commands are allowed."""
             every = []
             if passwords:
                 write_passwords(folder / "passwords")
@@ -99,5 +99,5 @@ def server(start_server: StartServer) -> WebServer:
 
 @pytest.fixture
 def browser(server: WebServer) -> Browser:
-    """Of somebody who has logged in."""
+    """A browser whose user has logged in."""
     return Browser(server.address, PASSWORD)

@@ -1,9 +1,9 @@
--- Tests of gate.lua with a clock of their own: lua5.4 tests/web/gate-test.lua web/server/gate.lua
+-- Tests of gate.lua with a simulated clock: lua5.4 tests/web/gate-test.lua web/server/gate.lua
 
 local script = assert(loadfile(arg[1]))
 local time, printed, open_requests
 
--- A request as lighttpd would present it; `fields` replace the usual ones.
+-- A request as lighttpd presents it; `fields` override the defaults.
 local function new_request(fields)
   local request = {
     req_attr = {
@@ -67,8 +67,8 @@ local function finish(request, status)
   end
 end
 
--- Lets a request in whose login, if it has one, is as good as `verdict` says: "right", "wrong", or
--- "stale". Returns the status, 0 while the program runs, and the request.
+-- Sends a request; `verdict` on its login, if it has one: "right", "wrong", or "stale". Returns the
+-- status, 0 while the program runs, and the request.
 local function ask(fields, verdict)
   local request = new_request(fields)
   local status = run(request)
@@ -246,7 +246,7 @@ function tests.a_limited_number_of_addresses_is_remembered()
     end
   end
   assert(kept <= 1024, kept)
-  -- The latest are among them, and who goes on guessing stays one of them.
+  -- The latest are kept, and so is an address that goes on guessing.
   for _ = 1, 10 do
     guess("192.0.2.7")
   end
@@ -318,7 +318,7 @@ function tests.a_login_that_others_overhear_is_good_once()
   equal(login_once("ab", true), 0)
   equal(login_once("aa", true), 401)
   equal(printed[1], "login: a replayed login from 192.0.2.7")
-  -- They are no failures, and where nobody overhears them they may come again.
+  -- They are not failures, and may be repeated where nobody can overhear them.
   for _ = 1, 20 do
     equal(login_once("aa", true), 401)
     equal(login_once("ac", false), 0)
@@ -357,7 +357,7 @@ function tests.a_login_is_remembered_for_ten_minutes_whenever_it_was()
 end
 
 function tests.a_login_that_nobody_asked_for_is_not_used()
-  -- As of a server without passwords, where anybody could fill the memory with them.
+  -- As on a server without passwords, where anyone could fill the memory with them.
   local request = new_request({ login = true, plain = true, proof = "aa" })
   run(request)
   request.req_attr["physical.path"] = "/program"
@@ -395,7 +395,7 @@ function tests.a_limited_number_of_logins_is_remembered()
   equal(login_once(string.format("%x", 35001), true), 401)
 end
 
--- Fills the places of one kind from as many addresses as it takes; returns how many there were.
+-- Fills all places of one kind from as many addresses as needed; returns the number of places.
 local function fill(fields, each)
   local count = 0
   while true do
@@ -457,7 +457,7 @@ function tests.places_of_browsers_that_went_away_are_found()
       equal(ask(REPORT), 0, round)
     end
     equal(ask(REPORT), 429)
-    -- Nobody says so. One is left, one has been answered without having been told of yet.
+    -- The script is not notified. One request is left, one has been answered but not yet reported.
     open_requests = { open_requests[1], open_requests[2] }
     open_requests[2].req_item.http_status = 200
     for _ = 1, 71 do

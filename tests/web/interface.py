@@ -1,4 +1,4 @@
-"""The gateway's interface as it is described for machines: holds requests and answers to it."""
+"""The machine-readable description of the interface, and checks of requests and answers."""
 
 import json
 import re
@@ -10,7 +10,7 @@ import jsonschema
 from programs import ROOT, load_schema
 
 DESCRIPTION = ROOT / "docs" / "openapi.json"
-# What HTTP and the web server say of every answer.
+# Headers that HTTP and the web server may add to any answer.
 EVERYWHERE = {
     "accept-ranges", "connection", "content-length", "content-security-policy", "content-type",
     "date", "etag", "last-modified", "referrer-policy", "transfer-encoding",
@@ -24,7 +24,7 @@ def description() -> Any:
 
 
 def inlined(value: Any) -> Any:
-    """With what it refers to in its place, but for the files of schemas."""
+    """Replaces references by what they refer to, except schema files."""
     if isinstance(value, dict):
         reference = value.get("$ref", "")
         if reference.startswith("#/"):
@@ -46,7 +46,7 @@ def paths() -> list[tuple[re.Pattern[str], dict[str, Any]]]:
 
 
 def faults_in(schema: Any, document: Any) -> Iterator[str]:
-    """Of a document; each file of schemas is of another draft than the description."""
+    """The faults in a document; schema files use another draft than the description."""
     if "allOf" in schema:
         for part in schema["allOf"]:
             yield from faults_in(part, document)
@@ -61,7 +61,7 @@ def faults_in(schema: Any, document: Any) -> Iterator[str]:
 
 
 def operation_of(method: str, path: str) -> tuple[bool, Any]:
-    """Whether the path is described, and what the method does there; None if it has none."""
+    """Whether the path is described, and its operation for the method; None if there is none."""
     for pattern, item in paths():
         if pattern.fullmatch(path):
             return True, item.get(method.lower())
@@ -69,7 +69,7 @@ def operation_of(method: str, path: str) -> tuple[bool, Any]:
 
 
 def response_to(method: str, path: str, status: int) -> Iterator[Any]:
-    """What is said of such answers."""
+    """The descriptions that may apply to such an answer."""
     is_known, operation = operation_of(method, path)
     responses = inlined(description()["components"]["responses"])
     if operation and str(status) in operation["responses"]:
@@ -103,7 +103,7 @@ def faults_of_headers(described: Mapping[str, Any], headers: Mapping[str, str]) 
 
 def faults_of_content(described: Mapping[str, Any], kind: str, body: bytes) -> Iterator[str]:
     if not body:
-        # An answer to HEAD, or to nobody.
+        # An answer to HEAD, or to a client that has disconnected.
         if described:
             yield "no document"
         return
@@ -117,7 +117,7 @@ def faults_of_content(described: Mapping[str, Any], kind: str, body: bytes) -> I
 def faults_of_answer(
     method: str, path: str, status: int, headers: Mapping[str, str], body: bytes
 ) -> list[str]:
-    """What an answer has that is not described, or lacks."""
+    """The parts of an answer that are missing or not described."""
     faults = ["not described"]
     for response in response_to(method, path, status):
         faults = [*faults_of_headers(response.get("headers", {}), headers)]
@@ -132,7 +132,7 @@ def faults_of_answer(
 def faults_of_request(
     method: str, path: str, headers: Mapping[str, str], body: bytes | None
 ) -> list[str]:
-    """What a request that was carried out has that is not described, or lacks."""
+    """The parts of a successful request that are missing or not described."""
     _, operation = operation_of(method, path)
     if operation is None:
         return ["not described"]

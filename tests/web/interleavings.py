@@ -1,4 +1,4 @@
-"""Commands, aborts, browsers that vanish and processes that are ended, interleaved by chance."""
+"""Random interleavings of commands, aborts, browser disconnections and kills."""
 
 import json
 import os
@@ -18,7 +18,7 @@ from server import HEADERS, PASSWORD, Browser, WebServer, wait_until
 Line = dict[str, Any]
 Command = tuple[str, str, bytes]
 
-# The instrument's numbers of what an abort commands.
+# The command numbers that aborts send to the instrument.
 ABORTING = {1, 17}
 ABORTS: list[Command] = [
     ("POST", "abort", b'{"when": "now"}'),
@@ -33,7 +33,7 @@ SHORT: list[Command] = [
 
 @dataclass
 class Result:
-    """What has been seen, over any number of interleavings."""
+    """What was observed, over any number of interleavings."""
 
     counts: Counter[str] = field(default_factory=Counter)
     aborts: list[float] = field(default_factory=list)
@@ -41,7 +41,7 @@ class Result:
 
 
 class Interleaving:
-    """One of them: what is done, in which order by the calls that the instrument has seen."""
+    """One interleaving; the number of calls seen by the instrument triggers its actions."""
 
     def __init__(
         self, seed: int, controller: Simulator, server: WebServer, tables: list[Command]
@@ -59,7 +59,7 @@ class Interleaving:
         return self._controller.journal()[self._first :]
 
     def _wait_for_calls(self, count: int) -> None:
-        """Or until everything is over: fewer may come."""
+        """Waits for this many calls, or until everything is over."""
         deadline = time.monotonic() + LIMIT
         while len(self._calls()) < count and not self._over.wait(0.001):
             assert time.monotonic() < deadline
@@ -126,7 +126,7 @@ class Interleaving:
         def guarded(task: Callable[[], None], is_command: bool) -> None:
             try:
                 task()
-            except BaseException as fault:  # told by the thread that waits
+            except BaseException as fault:  # raised by the waiting thread
                 faults.append(fault)
             if is_command:
                 left[0] -= 1
@@ -139,7 +139,7 @@ class Interleaving:
         ]
         for thread in threads:
             thread.start()
-        # A command that waits for calls that do not come goes on when all others have ended.
+        # A command that waits for calls that never come starts once all others have ended.
         for thread in threads:
             thread.join(0.2)
         self._over.set()
@@ -165,9 +165,9 @@ class Interleaving:
         interrupted = Browser(self._server.address).get("/api/unfinished").document["interrupted"]
         assert ended <= set(begun)
         shared = sum(line["event"] == "shared" for line in log)
-        assert len(begun) + len(ended) + shared == len(log), "a line stands twice"
-        assert {line["id"] for line in interrupted} >= set(begun) - ended, "nobody tells of one"
-        # A gateway that is killed just before the log's first line is told of too: on the safe side.
+        assert len(begun) + len(ended) + shared == len(log), "a line is duplicated"
+        assert {line["id"] for line in interrupted} >= set(begun) - ended, "an outcome is missing"
+        # A gateway killed just before the log's first line is reported too, to be on the safe side.
         assert all(begun.get(line["id"], line) == line for line in interrupted)
         self.result.counts["begun"] += len(begun)
         self.result.counts["shared"] += shared
@@ -181,7 +181,7 @@ class Interleaving:
             assert answer.status == 204
 
     def _check_journal(self, calls: Iterable[Line]) -> None:
-        """What is no abort has the instrument for itself, from its first call to its last."""
+        """A command other than an abort has the instrument to itself, from first to last call."""
         acting: dict[int, list[int]] = {}
         for number, line in enumerate(calls):
             is_act = line["call"] == "Write" or (
@@ -195,7 +195,7 @@ class Interleaving:
 
 
 def tables_of(server: WebServer) -> list[Command]:
-    """Downloads of what the instrument has."""
+    """Downloads of the instrument's current tables."""
     browser = Browser(server.address)
     return [
         ("PUT", name, browser.get(f"/api/{name}").body) for name in ("calibration", "sequence")

@@ -1,4 +1,4 @@
-"""The processes below another one, as they are at a moment."""
+"""A snapshot of the processes below another one."""
 
 import os
 import signal
@@ -24,7 +24,7 @@ def _read(pid: str) -> Process | None:
 
 
 class Tree:
-    """The descendants of a process that live."""
+    """The live descendants of a process."""
 
     def __init__(self, root: int) -> None:
         found = [_read(entry.name) for entry in Path("/proc").iterdir() if entry.name.isdigit()]
@@ -38,6 +38,6 @@ class Tree:
         return [process.name for process in self.processes]
 
     def kill(self, name: str, number: signal.Signals = signal.SIGKILL) -> None:
-        """Signals the only process of that name."""
+        """Signals the only process with that name."""
         (process,) = [process for process in self.processes if process.name == name]
         os.kill(process.pid, number)

@@ -1,4 +1,4 @@
-"""The web server as the tests use it, with the controllers' configuration, and a browser."""
+"""The web server with the controllers' configuration, and a browser."""
 
 import hashlib
 import http.client
@@ -20,7 +20,7 @@ from interface import faults_of_answer, faults_of_request
 from programs import LIMIT, ROOT, SCHEMAS
 
 CONFIGURATION = ROOT / "web" / "server"
-# Where packaging/unpack has put it, unless it is installed.
+# Where packaging/unpack puts it, unless it is installed.
 UNPACKED = ROOT / "build" / "lighttpd" / "usr"
 LIGHTTPD = shutil.which("lighttpd", path="/usr/sbin") or str(UNPACKED / "sbin" / "lighttpd")
 MODULES = [] if LIGHTTPD.startswith("/usr/sbin") else ["-m", str(UNPACKED / "lib" / "lighttpd")]
@@ -29,7 +29,7 @@ DIAGNOSIS = re.compile(r"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ (.*)")
 REALM = "Gas chromatograph"
 USER = "operator"
 PASSWORD = "pass word: ä"
-# What a page of this server sends with a command.
+# Headers that a page of this server sends with a command.
 HEADERS = {"X-GC-Request": "1", "Content-Type": "application/json"}
 
 
@@ -38,7 +38,7 @@ def digest(*parts: str) -> str:
 
 
 def wait_until(done: Any) -> Any:
-    """Asks until the answer is not false, and returns it."""
+    """Repeats a call until its result is true, and returns the result."""
     deadline = time.monotonic() + LIMIT
     while not (answer := done()):
         assert time.monotonic() < deadline
@@ -57,21 +57,21 @@ class Answer:
         return json.loads(self.body)
 
     def expect_problem(self, status: int) -> dict[str, Any]:
-        """The gateway's own refusal, which it returns."""
+        """Expects the gateway's own refusal, and returns it."""
         assert (self.status, self.headers["Content-Type"]) == (status, "application/problem+json")
         assert self.document["status"] == status
         assert self.headers["Link"] is None
         return self.document
 
 
-# Statuses of all answers that were held to the description.
+# Statuses of all answers that were checked against the description.
 described: list[int] = []
 
 
 def expect_described(
     method: str, path: str, body: bytes | None, headers: Mapping[str, str], answer: Answer
 ) -> None:
-    """Holds requests to the gateway, and its answers, to docs/openapi.json."""
+    """Checks requests to the gateway, and their answers, against docs/openapi.json."""
     plain = path.partition("?")[0]
     if not (plain == "/api" or plain.startswith("/api/")):
         return
@@ -83,7 +83,7 @@ def expect_described(
 
 
 class Browser:
-    """Asks one server, each time on a new connection; logged in when it has a password."""
+    """Sends requests to one server, each on a new connection; logged in if it has a password."""
 
     def __init__(
         self,
@@ -105,7 +105,7 @@ class Browser:
         return socket.create_connection((self.address, WEB_PORT), LIMIT, self._source)
 
     def authorization(self, method: str, path: str, user: str = USER) -> str:
-        """The header's value by which the server knows who asks for this."""
+        """The value of the Authorization header for this request."""
         if not self._nonce:
             challenge = self.request("POST", "/api/command", login=False).headers[
                 "WWW-Authenticate"
@@ -134,7 +134,7 @@ class Browser:
         headers: Mapping[str, str] | None = None,
         login: bool = True,
     ) -> Answer:
-        """`login`: tell who asks, if there is a password."""
+        """`login`: whether to send the login, if there is a password."""
         every = dict(headers or {})
         if login and self._password is not None:
             every["Authorization"] = self.authorization(method, path)
@@ -159,7 +159,7 @@ class Browser:
         return self.request("GET", path, headers=headers, login=False)
 
     def command(self, method: str, path: str, document: object = None, **headers: str) -> Answer:
-        """Sends a command as a page of this server would. `document`: JSON, or octets."""
+        """Sends a command like a page of this server. `document`: JSON, or octets."""
         octets = document if isinstance(document, bytes) else json.dumps(document).encode()
         changed = {name.replace("_", "-"): text for name, text in headers.items()}
         return self.request(method, f"/api/command/{path}", octets, {**HEADERS, **changed})
@@ -168,9 +168,9 @@ class Browser:
 class WebServer:
     """lighttpd, which runs until it is stopped.
 
-    `folder`: for all that it keeps. `instrument`: the address of the controller, and its own.
-    `lines`: further ones of its configuration. `scripts`: folder of its Lua scripts.
-    `libraries`: where the tool finds the maker's. `units`: of the instrument's values.
+    `folder`: for all its files. `instrument`: the address of the controller and of the web server.
+    `lines`: additional configuration lines. `scripts`: folder of its Lua scripts. `libraries`: the
+    path to the maker's libraries. `units`: of the instrument's values.
     """
 
     def __init__(
@@ -222,7 +222,7 @@ class WebServer:
         try:
             wait_until(self._answers)
         except BaseException:
-            # Nobody has it yet who could stop it.
+            # No caller has the object yet, so nothing else could stop it.
             self._process.kill()
             self._process.communicate()
             raise
@@ -239,7 +239,7 @@ class WebServer:
             return client.connect_ex((self.address, WEB_PORT)) == 0
 
     def programs(self) -> int:
-        """How many it runs at the moment."""
+        """The number of its child processes."""
         tasks = Path(f"/proc/{self.pid}/task")
         children = [(task / "children").read_text(encoding="ascii") for task in tasks.iterdir()]
         return len(" ".join(children).split())
@@ -251,17 +251,17 @@ class WebServer:
         return [json.loads(line) for line in lines]
 
     def commands(self) -> list[dict[str, Any]]:
-        """Its lines about commands that have ended."""
+        """The log lines about commands that have ended."""
         return [line for line in self.log() if line["event"] == "ended"]
 
     def complaints(self) -> list[str]:
-        """What lighttpd has written in its log of errors, without times and what is no error."""
+        """The errors in lighttpd's error log, without timestamps."""
         told = [line.split(": ", 1)[1] for line in self._errors() if not DIAGNOSIS.match(line)]
         comings = re.compile(r"\(server\.c\.\d+\) (server|\[note\]) ")
         return [line for line in told if not comings.match(line)]
 
     def diagnoses(self) -> list[str]:
-        """What the gateway has written there about failures, without the times."""
+        """The gateway's lines there about failures, without timestamps."""
         found = [DIAGNOSIS.match(line) for line in self._errors()]
         return [match[1] for match in found if match]
 
@@ -269,13 +269,13 @@ class WebServer:
         return (self.logs / "error.log").read_text(encoding="utf-8").splitlines()
 
     def accesses(self) -> list[str]:
-        """The log of requests, which is complete when the server has stopped."""
+        """The access log, which is complete once the server has stopped."""
         return (self.logs / "access.log").read_text(encoding="utf-8").splitlines()
 
     def stop(self) -> None:
         if self._process.returncode is not None:
             return
-        # Gracefully: it would say with its exit status that connections were still open.
+        # Gracefully: the exit status would tell of connections that are still open.
         self._process.send_signal(signal.SIGINT)
         try:
             said = self._process.communicate(timeout=LIMIT)[0]

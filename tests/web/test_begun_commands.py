@@ -1,4 +1,4 @@
-"""Commands that are killed, signalled, refused halfway or begun twice: nobody is left in doubt."""
+"""Commands that are killed, signalled, refused halfway or sent twice: none is left in doubt."""
 
 import os
 import signal
@@ -19,7 +19,7 @@ ABORTS = ["now", "after-run"]
 
 @contextmanager
 def sent(browser: Browser, method: str, name: str, body: bytes) -> Iterator[socket.socket]:
-    """A command that has been sent, and whose answer nobody has read yet."""
+    """Sends a command without reading its answer."""
     path = f"/api/command/{name}"
     headers = {**HEADERS, "Authorization": browser.authorization(method, path)}
     lines = [f"{method} {path} HTTP/1.1", f"Host: {browser.address}", "Connection: close"]
@@ -40,7 +40,7 @@ def wait_for_call(controller: Simulator, call: str, count: int = 1) -> None:
 def test_abort_beside_a_slow_command(
     simulator: StartSimulator, server: WebServer, browser: Browser, when: str
 ) -> None:
-    """The instrument is still at the other one when the abort has been carried out."""
+    """The abort is complete while the instrument is still busy with the other command."""
     controller: Simulator = simulator()
     controller.control("command", "0")
     controller.fault(kind="delay", call="Command", seconds=1000)
@@ -66,7 +66,7 @@ def test_aborts_share_an_answer(
             answers = [connection.makefile("rb").read() for connection in (first, second)]
     for answer in answers:
         assert answer.startswith(b"HTTP/1.1 200 ")
-    # On a machine that is slow the second may have come after the end of the first.
+    # On a slow machine the second may have arrived after the end of the first.
     assert len({line["id"] for line in server.log()}) in (1, 2)
 
 
@@ -78,7 +78,7 @@ def test_signal_to_every_process(
     browser: Browser,
     number: signal.Signals,
 ) -> None:
-    """As a service manager sends it: a download is carried to its end, and logged."""
+    """As from a service manager: a download is carried out to the end, and logged."""
     controller: Simulator = simulator()
     file = tool("-s", controller.address, "-c").stdout
     peaks = len(browser.get("/api/calibration").document["rows"])
@@ -99,7 +99,7 @@ def test_signal_to_every_process(
 def test_gateway_that_is_killed(
     tool: Tool, simulator: StartSimulator, server: WebServer, browser: Browser
 ) -> None:
-    """Its tool keeps others out until it has ended; then the command is told as interrupted."""
+    """Its tool blocks other commands until it ends; then the command counts as interrupted."""
     controller: Simulator = simulator()
     file = tool("-s", controller.address, "-c").stdout
     controller.fault(kind="delay", call="Write", nth=3, seconds=1.5)
@@ -141,7 +141,7 @@ def test_tool_that_is_killed(
 def test_log_that_takes_nothing(
     simulator: StartSimulator, server: WebServer, browser: Browser, log: str
 ) -> None:
-    """A disk that is full, a file that nobody may write, a folder that is missing."""
+    """A full disk, a file without write permission, a missing folder."""
     controller: Simulator = simulator()
     server.log_path.symlink_to(log)
     for method, path, body in [
@@ -158,7 +158,7 @@ def test_log_that_takes_nothing(
 def test_table_that_is_refused_halfway(
     simulator: StartSimulator, server: WebServer, browser: Browser
 ) -> None:
-    """What was there before can be had, and sent back."""
+    """The previous table is available as a backup, and can be sent back."""
     controller: Simulator = simulator()
     before = browser.get("/api/calibration").document
     bad: dict[str, Any] = {"total": before["total"], "rows": [dict(row) for row in before["rows"]]}
@@ -193,7 +193,7 @@ def test_sequence_that_is_restored(
 def test_table_that_cannot_be_kept(
     simulator: StartSimulator, server: WebServer, browser: Browser
 ) -> None:
-    """Then it is not replaced either."""
+    """In that case it is not replaced either."""
     simulator()
     before = browser.get("/api/sequence").document
     (server.data / "backups").write_text("no folder")

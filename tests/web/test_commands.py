@@ -1,4 +1,4 @@
-"""Commands through the web server: what the tool does and says, who may ask for it, and the log."""
+"""Commands through the web server: what the tool does and prints, authentication, and the log."""
 
 import json
 import re
@@ -13,7 +13,7 @@ from server import CONFIGURATION, HEADERS, PASSWORD, Browser, WebServer, wait_un
 
 RESULT = '</schemas/result.schema.json>; rel="describedby"'
 ACCEPTED = {"ErrorCode": 0, "Msg": "Accepted"}
-# The tool's word for a solution that is loaded.
+# The tool's verdict for a solution that is loaded.
 TAKEN = {"ErrorCode": 0, "Msg": "Refused"}
 
 
@@ -21,10 +21,10 @@ class Row(NamedTuple):
     method: str
     path: str
     body: dict[str, Any]
-    options: list[str]  # of the tool
-    document: dict[str, Any] | None  # the answer; None: there is nothing to say
-    calls: list[str]  # with which the instrument can refuse it
-    during: bool = False  # only while the instrument runs
+    options: list[str]  # for the tool
+    document: dict[str, Any] | None  # the answer; None: there is none
+    calls: list[str]  # those with which the instrument can refuse it
+    during: bool = False  # only while the instrument is running
 
 
 RUN_CALLS = ["Write", "Command"]
@@ -45,7 +45,7 @@ by_row = pytest.mark.parametrize("row", ROWS, ids=lambda row: "-".join(row.optio
 
 
 def calls(controller: Simulator) -> list[dict[str, Any]]:
-    """What the last run of the tool asked of the instrument, and what it was told."""
+    """What the tool's last run sent to the instrument, and the answers."""
     passing = ("time", "peer", "connection", "client")
     return [
         {name: value for name, value in line.items() if name not in passing}
@@ -90,7 +90,7 @@ def test_command(
         "status": answer.status,
         "document": row.document,
     }
-    # The same by the tool itself.
+    # Compare with the tool itself.
     controller.ask(verb="load", scenario="everyday")
     begin_run(controller, row)
     assert answer.body == tool("-s", controller.address, *row.options).stdout
@@ -198,7 +198,7 @@ def test_wrong_user(untouched: str, browser: Browser) -> None:
 
 
 def test_login_for_something_else(untouched: str, browser: Browser) -> None:
-    """What was overheard of one request is good for no other."""
+    """A login overheard from one request is not valid for any other."""
     path = "/api/command/alarm-reset"
     for login in (
         browser.authorization("PUT", path),
@@ -216,7 +216,7 @@ def test_password_is_not_sent_itself(untouched: str, browser: Browser) -> None:
 
 
 def test_login(untouched: str, server: WebServer, browser: Browser) -> None:
-    """Asks for a password when nothing is to be done."""
+    """A request only to log in: nothing else is done."""
     assert Browser(server.address).command("POST", "login", {}).status == 401
     answer = browser.command("POST", "login", {})
     assert (answer.status, answer.body) == (204, b"")
@@ -225,8 +225,10 @@ def test_login(untouched: str, server: WebServer, browser: Browser) -> None:
 
 
 def test_logout(untouched: str, server: WebServer, browser: Browser) -> None:
-    """A refusal without a challenge: a browser forgets the password and asks for no other. It is no
-    wrong password, however often it comes."""
+    """Without a challenge, the browser forgets the password and does not ask for one.
+
+    However often that happens, it does not count as a wrong password.
+    """
     for _ in range(30):
         answer = browser.command("POST", "logout", {})
         assert answer.expect_problem(401)["detail"] == "You are signed out."
@@ -236,7 +238,7 @@ def test_logout(untouched: str, server: WebServer, browser: Browser) -> None:
 
 
 def test_nobody_may_act(untouched: str, start_server: StartServer) -> None:
-    """Without passwords, whoever the browser says it is."""
+    """Without passwords nobody may, whatever user the browser claims."""
     server: WebServer = start_server(passwords=False)
     stranger = Browser(server.address)
     for claim in ({}, {"Remote_User": "operator"}, {"Authorization": "Basic b3A6eA=="}):
@@ -251,7 +253,7 @@ def test_nobody_may_act(untouched: str, start_server: StartServer) -> None:
 def test_new_password(
     simulator: StartSimulator, server: WebServer, browser: Browser, folder: Path
 ) -> None:
-    """Counts from the next command, without another start of the server."""
+    """Takes effect with the next command, without a restart of the server."""
     simulator()
     write_passwords(folder / "passwords", "another")
     assert browser.command("POST", "alarm-reset", {}).status == 401
@@ -261,7 +263,7 @@ def test_new_password(
 def test_password_that_is_set(
     simulator: StartSimulator, start_server: StartServer, folder: Path
 ) -> None:
-    """With the script that operators use: others keep theirs, and nobody else can read the file."""
+    """Set with the script: other users keep theirs, and nobody else can read the file."""
     simulator()
     server = start_server()
     passwords = folder / "passwords"
@@ -295,7 +297,7 @@ def test_password_that_is_set(
 def test_settings_that_a_browser_sends(
     simulator: StartSimulator, server: WebServer, browser: Browser
 ) -> None:
-    """They arrive as what they are: headers."""
+    """They arrive as ordinary headers."""
     simulator()
     names = ["GC_WEB_TOOL", "GC_WEB_ADDRESS", "GC_WEB_STATE", "GC_WEB_LOG", "GC_WEB_SCHEMAS"]
     names += ["REMOTE_USER", "Remote-User", "Remote-Addr", "LD_LIBRARY_PATH", "LD_PRELOAD", "PATH"]
@@ -334,7 +336,7 @@ def test_refused_by_the_instrument(
     row: Row,
     call: str,
 ) -> None:
-    """As the tool tells it, or as a problem where it prints nothing."""
+    """As printed by the tool, or as a problem document if it prints nothing."""
     controller = simulator()
     controller.fault(kind="status", call=call, status=207, times=0)
     answer = browser.command(row.method, row.path, row.body)
@@ -351,7 +353,7 @@ def test_refused_by_the_instrument(
 def test_instrument_that_hangs(
     simulator: StartSimulator, server: WebServer, browser: Browser
 ) -> None:
-    """The library gives up: whether the instrument has done it, nobody knows."""
+    """The library gives up: it is unknown whether the instrument carried out the command."""
     simulator().fault(kind="hang", call="Command")
     problem = browser.command("POST", "alarm-reset", {}).expect_problem(504)
     assert (problem["status-of-library"], problem["outcome"]) == (107, "unknown")
@@ -363,7 +365,7 @@ def test_instrument_that_hangs(
 def test_run_that_has_begun_without_an_answer(
     simulator: StartSimulator, browser: Browser
 ) -> None:
-    """The instrument runs: nobody may say that it refused."""
+    """The instrument is running: the answer must not say that it refused."""
     controller: Simulator = simulator()
     controller.fault(kind="drop", when="after", call="Command")
     answer = browser.command("POST", "run", {"type": "single", "stream": 2})
@@ -399,7 +401,7 @@ def test_browser_that_goes_away(
 
 
 def test_two_at_a_time(simulator: StartSimulator, server: WebServer, browser: Browser) -> None:
-    """The second waits for the first; reports wait for neither."""
+    """The second command waits for the first; reports wait for neither."""
     controller: Simulator = simulator()
     controller.fault(kind="delay", seconds=2, call="Command")
     path = "/api/command/alarm-reset"
@@ -423,7 +425,7 @@ def test_two_at_a_time(simulator: StartSimulator, server: WebServer, browser: Br
 
 
 def test_what_a_log_line_is(simulator: StartSimulator, server: WebServer, browser: Browser) -> None:
-    """Refused requests are no commands, and a command is one line whatever was in it."""
+    """Refused requests are not commands; a command is one line, whatever its contents."""
     simulator()
     assert browser.command("PUT", "stream", {"stream": 47}).status == 422
     assert browser.command("PUT", "sequence", {"a\n": "\n"}).status == 422

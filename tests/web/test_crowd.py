@@ -1,4 +1,4 @@
-"""Many browsers at a time: the tool is run once a second for all of them."""
+"""Many browsers at once: the tool runs once a second for all of them."""
 
 import http.client
 import threading
@@ -13,7 +13,7 @@ SECONDS = 5.0
 
 
 def poll(address: str, end: float, seen: Counter[object]) -> None:
-    """Asks for the status every second, on one connection, as a page does."""
+    """Requests the status every second on one connection, like a page."""
     connection = http.client.HTTPConnection(address, WEB_PORT, timeout=30)
     due = time.monotonic()
     while due < end:
@@ -24,7 +24,7 @@ def poll(address: str, end: float, seen: Counter[object]) -> None:
             seen[answer.status, body.startswith(b"{") and body.endswith(b"}\n")] += 1
         except OSError as error:
             seen[repr(error)] += 1
-        # A page is not behind for ever: what was missed is not asked for later.
+        # A page does not catch up: missed requests are not repeated later.
         due = max(due + 1, time.monotonic())
         threading.Event().wait(due - time.monotonic())
     connection.close()

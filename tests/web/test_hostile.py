@@ -1,4 +1,4 @@
-"""Requests that nobody means well with: each is refused, and the instrument hears of none."""
+"""Hostile requests: each is rejected, and none reaches the instrument."""
 
 import json
 import re
@@ -17,10 +17,10 @@ MARKS = ["X-GC-Request: 1", "Content-Type: application/json"]
 
 
 class Request(NamedTuple):
-    """Octets as they are sent. {host} is this server's, {login} is that of an operator."""
+    """Octets to send. {host} is this server's, {login} an operator's."""
 
     name: str
-    status: int  # 0: the connection is closed without a word
+    status: int  # 0: the connection is closed without an answer
     octets: bytes
 
 
@@ -39,7 +39,7 @@ def command(
     mark: bool = True,
     length: bool = True,
 ) -> Request:
-    """Of somebody who has logged in."""
+    """The login of an operator."""
     lines = [f"{method} {path} HTTP/1.1", "Host: {host}", "{login}"]
     lines += MARKS if mark else []
     lines += [f"Content-Length: {len(body)}"] if length else []
@@ -230,7 +230,7 @@ EVERY = [*PATHS, *REPORTS, *HEADERS, *COMMANDS]
 
 
 def exchange(browser: Browser, octets: bytes) -> tuple[int, bytes]:
-    """Status and the whole answer; 0 when there is none."""
+    """Status and the whole answer; 0 if there is none."""
     with browser.connect() as connection:
         connection.sendall(octets)
         connection.shutdown(socket.SHUT_WR)
@@ -254,14 +254,14 @@ def complete(request: Request, browser: Browser) -> bytes:
 def test_refused(untouched: str, server: WebServer, browser: Browser, request_: Request) -> None:
     status, answer = exchange(browser, complete(request_, browser))
     assert status == request_.status, answer[:2000]
-    # Nothing in it passed for a second request.
+    # No part of it was taken for a second request.
     assert answer.count(b"HTTP/1.") == (0 if status == 0 else 1)
     assert b"Set-Cookie" not in answer
     assert server.commands() == []
 
 
 def test_accepted(simulator: StartSimulator, server: WebServer, browser: Browser) -> None:
-    """What the table's requests would be without their malice, or they show nothing."""
+    """The table's requests without the malicious parts; otherwise they would prove nothing."""
     simulator()
     for request in (
         get("report", 200, "/api/alarms"),

@@ -1,4 +1,4 @@
-"""The description of the interface: that it is whole, and that what departs from it is found."""
+"""The interface description: it is complete, and deviations from it are found."""
 
 import json
 import re
@@ -95,7 +95,7 @@ def test_every_file_is_there() -> None:
 
 
 def test_every_part_is_used() -> None:
-    """But for what the web server answers wherever it likes, which has no place in a path."""
+    """Except for answers that the web server gives on any path, which belong to none."""
     parts = description()["components"]
     every = {f"#/components/{kind}/{name}" for kind, of in parts.items() for name in of}
     unused = {name.rpartition("/")[2] for name in every - references(description())}
@@ -110,7 +110,7 @@ def test_same_version() -> None:
 
 
 def test_every_path_answers(simulator: StartSimulator, start_server: StartServer) -> None:
-    """What is described is there: no path is unknown, and each has its methods."""
+    """Everything described exists: no path is unknown, and each accepts its methods."""
     simulator()
     browser = Browser(start_server().address)
     for template, item in description()["paths"].items():

@@ -1,11 +1,11 @@
-"""Fifty interleavings by chance: no two downloads interleave, and every command has an outcome."""
+"""Fifty random interleavings: no two downloads interleave, and every command has an outcome."""
 
 import pytest
 from conftest import StartSimulator
 from interleavings import Interleaving, tables_of
 from server import WebServer
 
-# Ten at a time, so that the workers share them. A failure names the seed.
+# Ten at a time, so that the workers share them. A failure shows the seed.
 SEEDS = [range(first, first + 10) for first in range(0, 50, 10)]
 
 

@@ -1,4 +1,4 @@
-"""What many connections, requests and programs at a time may take from others."""
+"""Limits on connections, requests and programs that keep some clients from blocking others."""
 
 import contextlib
 import select
@@ -12,7 +12,7 @@ from programs import Simulator
 from server import CONFIGURATION, HEADERS, PASSWORD, WEB_PORT, Browser, WebServer, wait_until
 
 SLOW = 300
-# In place of a controller's: few enough to be reached.
+# Replaces the controllers' limits by ones small enough to reach.
 PLACES = {
     "reports = { all = 96, each = 72 }": "reports = { all = 3, each = 2 }",
     "strangers = { all = 8, each = 4 }": "strangers = { all = 1, each = 1 }",
@@ -25,7 +25,7 @@ def has_ended(connection: socket.socket) -> bool:
 
 
 def test_slow_clients(simulator: StartSimulator, server: WebServer) -> None:
-    """Who never comes to the end of a request keeps nobody else waiting."""
+    """A client that never completes its request blocks nobody else."""
     simulator()
     with ExitStack() as opened:
         slow = []
@@ -37,14 +37,14 @@ def test_slow_clients(simulator: StartSimulator, server: WebServer) -> None:
         for path in ("/", "/api/status"):
             assert Browser(server.address).get(path).status == 200
         assert not any(has_ended(connection) for connection in slow)
-        # An answer may come a little before its program's end.
+        # An answer may arrive slightly before its program ends.
         wait_until(lambda: server.programs() == 0)
     assert server.complaints() == []
 
 
 @contextlib.contextmanager
 def waiting(controller: Simulator, server: WebServer, source: str) -> Iterator[socket.socket]:
-    """A request that has been let in and for which the instrument has no answer."""
+    """A request that has passed the gate and that the instrument does not answer."""
 
     def reads() -> int:
         return sum(line["call"] == "Read" for line in controller.journal())
@@ -57,7 +57,7 @@ def waiting(controller: Simulator, server: WebServer, source: str) -> Iterator[s
 
 
 def small(folder: Path) -> Path:
-    """The web server's scripts, with fewer places."""
+    """The web server's scripts, with lower limits."""
     scripts = folder / "scripts"
     scripts.mkdir()
     for path in CONFIGURATION.glob("*.lua"):
@@ -80,7 +80,7 @@ def expect_busy(server: WebServer, source: str, path: str = "/api/alarms") -> No
 def test_programs_at_a_time(
     simulator: StartSimulator, start_server: StartServer, folder: Path
 ) -> None:
-    """One address leaves places for others; files, and whoever may act, need none of them."""
+    """One address leaves room for others; files and authorised users are not limited."""
     controller: Simulator = simulator()
     server = start_server(scripts=small(folder))
     controller.fault(kind="hang", call="Read", times=0)
@@ -100,7 +100,7 @@ def test_programs_at_a_time(
         controller.stop()
         for connection in asking:
             assert connection.recv(9) == b"HTTP/1.1 "
-    # Whoever was answered has left a place.
+    # Every answered client has freed its place.
     for _ in range(5):
         assert Browser(server.address, source="127.0.0.2").get("/api/alarms").status == 503
     server.stop()
@@ -110,7 +110,7 @@ def test_programs_at_a_time(
 def test_bodies_that_never_end(
     simulator: StartSimulator, start_server: StartServer, folder: Path
 ) -> None:
-    """Of strangers, they take the strangers' places only."""
+    """Bodies from strangers take up only the strangers' places."""
     simulator()
     server = start_server(passwords=False, scripts=small(folder))
     head = "POST /api/command/login HTTP/1.1\r\nHost: gc.example\r\nContent-Length: 9\r\n"

@@ -1,4 +1,4 @@
-"""Who is asked for a password, where from, and how often one may be guessed."""
+"""When a password is required, from which addresses, and how often it may be guessed."""
 
 import configparser
 import re
@@ -9,8 +9,8 @@ import pytest
 from conftest import StartServer, StartSimulator
 from server import CONFIGURATION, HEADERS, PASSWORD, Answer, Browser, WebServer, wait_until
 
-FREE = 10  # failures of one address
-# As which a proxy on this machine presents somebody on the network.
+FREE = 10  # failures allowed per address
+# A client on the network, as presented by a proxy on this machine.
 STRANGER = {"X-Forwarded-For": "192.0.2.7"}
 SAFE = {**STRANGER, "X-Forwarded-Proto": "https"}
 KNOWN_PROXY = [
@@ -21,7 +21,7 @@ OVER_HTTP = f'include "{CONFIGURATION}/commands-over-http.conf"'
 
 
 def expect_no_plain_http(answer: Answer) -> None:
-    """Refused with a way out, and nobody is asked for a password that others could overhear."""
+    """Refused with a way out, and without asking for a password that others could overhear."""
     detail = answer.expect_problem(403)["detail"]
     assert detail.startswith("Commands over plain HTTP are refused, ")
     assert "https://" in detail
@@ -33,7 +33,7 @@ def test_plain_http_from_elsewhere(untouched: str, start_server: StartServer) ->
     stranger = Browser(server.address)
     for path in ("login", "abort", "alarm-reset"):
         expect_no_plain_http(stranger.command("POST", path, {}, **STRANGER))
-        # Nor is one looked at.
+        # Even a valid login is refused.
         login = {"Authorization": Browser(server.address, "x").authorization("POST", path)}
         expect_no_plain_http(stranger.command("POST", path, {}, **STRANGER, **login))
     assert server.commands() == []
@@ -57,7 +57,7 @@ def test_reports_over_plain_http(simulator: StartSimulator, start_server: StartS
 
 
 def test_proxy_that_is_not_known(untouched: str, server: WebServer) -> None:
-    """Everybody would come from this machine."""
+    """Otherwise every client would seem to come from this machine."""
     user = Browser(server.address, PASSWORD)
     for headers in (STRANGER, SAFE, {"Forwarded": "for=192.0.2.7;proto=https"}):
         expect_no_plain_http(user.command("POST", "alarm-reset", {}, **headers))
@@ -66,7 +66,7 @@ def test_proxy_that_is_not_known(untouched: str, server: WebServer) -> None:
 
 
 def test_overheard_login(simulator: StartSimulator, start_server: StartServer) -> None:
-    """It would be good for another body, if it were taken where it can be overheard."""
+    """If accepted over plain HTTP, it would be valid for another body too."""
     simulator()
     server = start_server(*KNOWN_PROXY)
     path = "/api/command/stream"
@@ -87,14 +87,14 @@ def test_owner_who_allows_plain_http(simulator: StartSimulator, start_server: St
     for way in (STRANGER, SAFE, {}):
         user = Browser(server.address, PASSWORD)
         assert user.command("POST", "alarm-reset", {}, **way).status == 200
-    # The settings that every program gets are not lost by it.
+    # It does not lose the settings passed to every program.
     assert Browser(server.address).get("/api/alarms").status == 200
 
 
 def test_overheard_login_where_plain_http_is_allowed(
     simulator: StartSimulator, start_server: StartServer
 ) -> None:
-    """It is good once, whatever comes with it."""
+    """It is valid once, whatever the body."""
     simulator()
     server = start_server(*KNOWN_PROXY, OVER_HTTP)
     path = "/api/command/stream"
@@ -110,7 +110,7 @@ def test_overheard_login_where_plain_http_is_allowed(
 
 
 def fail_until_refused(browser: Browser) -> tuple[int, Answer]:
-    """How many guesses were looked at, and the first that was not."""
+    """How many guesses were checked, and the first answer to one that was not."""
     failures = 0
     while (answer := browser.command("POST", "login", {})).status == 401:
         failures += 1
@@ -118,7 +118,7 @@ def fail_until_refused(browser: Browser) -> tuple[int, Answer]:
 
 
 def test_guesses(untouched: str, server: WebServer) -> None:
-    """A few are free; then there is one a second, whether it is right or not."""
+    """A few are free; after that one a second, right or wrong."""
     began = time.monotonic()
     failures, answer = fail_until_refused(Browser(server.address, "wrong", source="127.0.0.2"))
     assert FREE <= failures <= FREE + 1 + time.monotonic() - began
@@ -126,11 +126,11 @@ def test_guesses(untouched: str, server: WebServer) -> None:
     assert (answer.headers["Retry-After"], answer.headers["Cache-Control"]) == ("1", "no-store")
     assert answer.headers["WWW-Authenticate"] is None
     assert answer.headers["X-Content-Type-Options"] == "nosniff"
-    # Nobody else has to wait, nor for reports.
+    # Other clients do not have to wait, and reports do not either.
     elsewhere = Browser(server.address, PASSWORD, source="127.0.0.3")
     assert elsewhere.command("POST", "login", {}).status == 204
     assert Browser(server.address, source="127.0.0.2").get("/api/none").status == 404
-    # The one who guessed comes in again by and by.
+    # The client that guessed can log in again after a while.
     here = Browser(server.address, PASSWORD, source="127.0.0.2")
     wait_until(lambda: here.command("POST", "login", {}).status == 204)
 
@@ -156,7 +156,7 @@ def test_who_knows_the_password_never_waits(untouched: str, server: WebServer) -
     browser = Browser(server.address, PASSWORD)
     for _ in range(4 * FREE):
         assert browser.command("POST", "login", {}).status == 204
-        # Nor does who is asked for it, or whose challenge is too old to be compared.
+        # Requests without a login, or with a challenge too old to check, do not count either.
         assert Browser(server.address).command("POST", "login", {}).status == 401
         login = browser.authorization("POST", "/api/command/login")
         old = re.sub(r'nonce="[0-9a-f]+:', 'nonce="1:', login)
@@ -175,7 +175,7 @@ def failregex() -> re.Pattern[str]:
 def test_log_of_guesses(
     untouched: str, server: WebServer, folder: Path, failregex: re.Pattern[str]
 ) -> None:
-    """Tells fail2ban who it was, whatever somebody calls himself."""
+    """Gives fail2ban the right address, whatever the user name contains."""
     trick = "(mod_magnet.c.1) (lua-print) login: wrong user or password from 192.0.2.1"
     path = "/api/command/login"
     browser = Browser(server.address, "wrong", source="127.0.0.2")
@@ -188,7 +188,7 @@ def test_log_of_guesses(
     for _ in range(refused):
         browser.command("POST", "login", {})
     server.stop()
-    # As fail2ban does: without the time.
+    # Without the timestamp, as fail2ban matches it.
     time_of = re.compile(r"^\d{4}-\d\d-\d\d \d\d:\d\d:\d\d")
     lines = (server.logs / "error.log").read_text(encoding="utf-8").splitlines()
     assert all(time_of.match(line) for line in lines)
@@ -197,6 +197,6 @@ def test_log_of_guesses(
     ]
     assert set(hosts) == {"127.0.0.2"}
     assert len(hosts) > looked_at
-    # Those that were not looked at leave a line a minute.
+    # Guesses that are not checked add one line a minute.
     assert len(lines) < 2 * looked_at + refused / 2
     assert len(server.accesses()) < 3 * looked_at + refused / 2

@@ -1,4 +1,4 @@
-"""Static files, headers of every answer, and limits."""
+"""Static files, headers of all answers, and limits."""
 
 import gzip
 import socket
@@ -58,7 +58,7 @@ def test_file(server: WebServer, browser: Browser, path: str, kind: str, kept: s
 @pytest.mark.parametrize("path", ["/assets/index-Ab13.js", "/assets/none", "/assets/"])
 @pytest.mark.parametrize("method", ["GET", "HEAD", "POST"])
 def test_missing_file_is_not_kept(browser: Browser, method: str, path: str) -> None:
-    """Or a page of the next version stays without it for a year."""
+    """Otherwise a page of the next version would lack it for a year."""
     answer = browser.request(method, path)
     assert answer.status in (403, 404)
     assert answer.headers.get_all("Cache-Control") == ["no-store"]
@@ -107,7 +107,7 @@ def test_guards_of_every_answer(simulator: StartSimulator, browser: Browser) -> 
     ],
 )
 def test_name_of_the_server(browser: Browser, host: str, status: int) -> None:
-    """A name that leads here and is not this server's may be a trick to read what is here."""
+    """A foreign name that resolves to this server may be a DNS rebinding attack."""
     assert browser.get("/", Host=host).status == status
     assert browser.get("/api/none", Host=host).status == (404 if status == 200 else 403)
 
@@ -115,7 +115,7 @@ def test_name_of_the_server(browser: Browser, host: str, status: int) -> None:
 @pytest.mark.parametrize("octets", [65536, 65537, 81921])
 @pytest.mark.parametrize("pieces", [False, True], ids=["length", "pieces"])
 def test_longest_body(untouched: str, browser: Browser, octets: int, pieces: bool) -> None:
-    """The gateway says what is too long, until it is much too long for the server."""
+    """The gateway rejects a body that is too long, unless it exceeds the server's own limit."""
     path = "/api/command/alarm-reset"
     lines = [f"POST {path} HTTP/1.1", f"Host: {untouched}", "Connection: close"]
     lines += [f"{name}: {value}" for name, value in HEADERS.items()]
@@ -130,13 +130,13 @@ def test_longest_body(untouched: str, browser: Browser, octets: int, pieces: boo
         connection.sendall("\r\n".join([*lines, "", ""]).encode() + body)
         with connection.makefile("rb") as stream:
             answer = stream.read()
-    # At the limit it is read, and is no JSON.
+    # At the limit the body is read, but it is not JSON.
     assert answer.startswith(b"HTTP/1.1 400 " if octets == 65536 else b"HTTP/1.1 413 ")
     assert (b"application/problem+json" in answer) is (octets < 81920)
 
 
 def test_end_before_the_length(untouched: str, server: WebServer, browser: Browser) -> None:
-    """A browser that goes away while it sends has asked for nothing."""
+    """A request cut off by a disconnecting browser has no effect."""
     path = "/api/command/alarm-reset"
     lines = [f"POST {path} HTTP/1.1", f"Host: {untouched}", "Content-Length: 3"]
     lines += [f"{name}: {value}" for name, value in HEADERS.items()]
@@ -150,7 +150,7 @@ def test_end_before_the_length(untouched: str, server: WebServer, browser: Brows
 
 
 def test_logs(simulator: StartSimulator, start_server: StartServer) -> None:
-    """All but reports, for which everybody asks all the time, with the user's name."""
+    """Everything with the user's name, except reports, which are requested all the time."""
     simulator()
     server = start_server()
     browser = Browser(server.address, PASSWORD)
@@ -170,7 +170,7 @@ def test_logs(simulator: StartSimulator, start_server: StartServer) -> None:
 
 
 def test_encrypted(simulator: StartSimulator, start_server: StartServer, folder: Path) -> None:
-    """Over HTTP only the way to HTTPS is left; the Origin of a command must be of HTTPS."""
+    """Over HTTP there is only the redirect to HTTPS; the Origin of a command must be of HTTPS."""
     address = simulator().address
     pem, port = folder / "server.pem", WEB_PORT + 1
     subprocess.run([CONFIGURATION / "set-certificate", pem, address], check=True)
@@ -189,7 +189,7 @@ def test_encrypted(simulator: StartSimulator, start_server: StartServer, folder:
         answer = browser.command("POST", "alarm-reset", {}, Origin=origin)
         assert answer.status == status
     for version, good in (("-tls1_1", False), ("-tls1_2", True), ("-tls1_3", True)):
-        # Of the lowest level, or this side would refuse the old version already.
+        # At the lowest security level, otherwise this client would reject the old version itself.
         client = ["openssl", "s_client", "-connect", f"{address}:{port}", version]
         client += ["-cipher", "DEFAULT:@SECLEVEL=0"]
         done = subprocess.run(client, stdin=subprocess.DEVNULL, capture_output=True)

@@ -1,4 +1,4 @@
-"""Reports through the web server: what the tool printed, octet by octet, or what went wrong."""
+"""Reports through the web server: the tool's output octet by octet, or what went wrong."""
 
 import re
 from pathlib import Path
@@ -41,7 +41,7 @@ def test_what_the_tool_prints(
 
 
 def test_units(tool: Tool, simulator: StartSimulator, start_server: StartServer) -> None:
-    """Those that the owner names are behind what the tool prints, and nowhere else."""
+    """The configured units follow the tool's output of this report only."""
     controller = simulator()
     browser = Browser(start_server(units="temperature=°C, amount=mol %").address)
     answer = browser.get("/api/config")
@@ -102,7 +102,7 @@ def test_no_such_report(untouched: str, browser: Browser, path: str) -> None:
 def test_query_and_body(untouched: str, browser: Browser) -> None:
     for path in PATHS:
         browser.get(f"{path}?x=1").expect_problem(400)
-    # The web server itself takes no GET with a body.
+    # The web server itself accepts no GET with a body.
     assert browser.request("GET", "/api/status", b"{}").status == 400
 
 
@@ -111,7 +111,7 @@ def test_shared_status(simulator: StartSimulator, browser: Browser) -> None:
     first = browser.get("/api/status")
     second = browser.get("/api/status")
     assert first.headers["Age"] is None
-    # On a machine that is slow, a second may have passed: then the tool was asked again.
+    # On a slow machine a second may have passed: then the tool was run again.
     runs = {line["connection"] for line in controller.journal()}
     if len(runs) == 1:
         assert second.headers["Age"] == "0"
@@ -132,7 +132,7 @@ def test_no_controller(browser: Browser) -> None:
 def test_read_refused(
     simulator: StartSimulator, server: WebServer, browser: Browser, path: str
 ) -> None:
-    """And told in the log of errors, once a minute."""
+    """Also written to the error log, once a minute."""
     simulator().fault(kind="status", call="Read", status=207, times=0)
     for _ in range(2):
         assert browser.get(path).expect_problem(502)["status-of-instrument"] == 207

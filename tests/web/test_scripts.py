@@ -1,4 +1,4 @@
-"""The scripts around the web server: its gate, passwords, certificates."""
+"""The web server's scripts: the gate, passwords, certificates."""
 
 import re
 import ssl
@@ -15,7 +15,7 @@ SET_CERTIFICATE = CONFIGURATION / "set-certificate"
 
 
 def test_gate() -> None:
-    """With a clock of its own and requests that no browser sends."""
+    """With a simulated clock and requests that no browser sends."""
     command = ["lua5.4", HERE / "gate-test.lua", CONFIGURATION / "gate.lua"]
     done = subprocess.run(command, capture_output=True, text=True)
     assert (done.returncode, done.stderr) == (0, "")
@@ -137,7 +137,7 @@ def set_certificate(file: Path, *arguments: str | Path) -> subprocess.CompletedP
 
 
 def test_certificate(folder: Path) -> None:
-    """Answers for all its names, in a file that nobody else can read."""
+    """Valid for all its names, in a file that nobody else can read."""
     file = folder / "server.pem"
     names = ["gc.example", "192.0.2.7", "2001:db8::7", "1.2.3.example"]
     assert set_certificate(file, *names).returncode == 0
@@ -151,7 +151,7 @@ def test_certificate(folder: Path) -> None:
         ("IP Address", "2001:DB8:0:0:0:0:0:7"),
         ("DNS", "1.2.3.example"),
     ]
-    # A group that was let in stays, and nobody else.
+    # An existing group keeps its access, and nobody else gets any.
     file.chmod(0o664)
     assert set_certificate(file, "gc.example").returncode == 0
     assert file.stat().st_mode & 0o777 == 0o660
@@ -163,7 +163,7 @@ def test_certificate(folder: Path) -> None:
 
 
 def test_key_is_never_readable(folder: Path) -> None:
-    """Not even while the file is being made, whatever the shell's mask is."""
+    """Not even while the file is being created, whatever the shell's umask."""
     file = folder / "server.pem"
     file.write_text("old")
     file.chmod(0o640)
@@ -207,7 +207,7 @@ def test_issued_certificate(folder: Path) -> None:
 
 
 def test_web_server_that_does_not_start(folder: Path, monkeypatch: pytest.MonkeyPatch) -> None:
-    """Whatever is raised while somebody waits for it, no process is left."""
+    """No process is left behind, whatever exception interrupts the wait."""
     started: list[int] = []
 
     def interrupted(server: WebServer) -> bool:

@@ -1,4 +1,4 @@
-"""What happens around the web server: new logs, restarts, a folder that is gone, libraries."""
+"""The web server's environment: log rotation, restarts, a missing folder, libraries."""
 
 import gzip
 import os
@@ -16,7 +16,7 @@ def starts(server: WebServer) -> int:
 
 
 def test_new_logs(server: WebServer, browser: Browser) -> None:
-    """After SIGHUP, as logrotate sends it."""
+    """After SIGHUP, as sent by logrotate."""
     assert browser.get("/").status == 200
     for path in ("access.log", "error.log"):
         (server.logs / path).rename(server.logs / f"{path}.1")
@@ -30,7 +30,7 @@ def test_new_logs(server: WebServer, browser: Browser) -> None:
 def test_restart_during_a_command(
     simulator: StartSimulator, start_server: StartServer, folder: Path
 ) -> None:
-    """After SIGUSR1 others are answered at once."""
+    """After SIGUSR1 other requests are answered at once."""
     controller = simulator()
     server = start_server()
     browser = Browser(server.address, PASSWORD)
@@ -48,18 +48,19 @@ def test_restart_during_a_command(
         for _ in range(3):
             assert browser.get("/").status == 200
             assert browser.get("/api/none").status == 404
-        # None of them waited for its end. On a busy machine it happens that lighttpd closes its
-        # connection: the new server's farewell then comes before the old one expects it.
+        # None of them waited for the command to end. On a busy machine lighttpd sometimes closes
+        # the command's connection: the new server's goodbye then arrives before the old one expects
+        # it.
         assert not select.select([acting], [], [], 0)[0] or acting.recv(1) == b""
         controller.stop()
 
 
 def test_state_that_is_gone(server: WebServer, browser: Browser) -> None:
-    """Pages need nothing of it, however long they are."""
+    """Pages need nothing from it, whatever their length."""
     script = server.pages / "assets" / "long-Ab12.js"
     script.write_bytes(random.Random(1).randbytes(300_000).hex().encode())
     server.state.rename(server.state.with_name("gone"))
-    # Nor can it be made anew.
+    # It cannot be created again either.
     server.state.write_bytes(b"")
     answer = browser.get("/assets/long-Ab12.js", **{"Accept-Encoding": "gzip"})
     assert (answer.status, answer.headers["Content-Encoding"]) == (200, "gzip")
@@ -69,7 +70,7 @@ def test_state_that_is_gone(server: WebServer, browser: Browser) -> None:
 
 
 def test_libraries_of_the_maker(start_server: StartServer, folder: Path) -> None:
-    """Are told to the tool, by a setting and not by what the web server was started with."""
+    """They reach the tool through a setting, not through the web server's environment."""
     tool = folder / "tool"
     tool.write_text(f"#!/bin/sh\nenv | grep LIBRARY >{folder}/told\n")
     tool.chmod(0o755)
