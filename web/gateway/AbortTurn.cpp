@@ -1,4 +1,4 @@
-// What aborts of the same kind share: one of them at a time, and its answer.
+// Serialises aborts of the same kind, and lets those that waited share an answer.
 #include "AbortTurn.h"
 
 #include <sys/stat.h>
@@ -17,14 +17,14 @@ std::int64_t nanosecondsOf(const timespec& aTime) {
   return static_cast<std::int64_t>(aTime.tv_sec) * 1000000000 + aTime.tv_nsec;
 }
 
-/// Since the system's start: nobody can set it.
+/// Time since boot: a clock that nobody can set.
 std::int64_t now() {
   timespec time = {};
   ::clock_gettime(CLOCK_BOOTTIME, &time);
   return nanosecondsOf(time);
 }
 
-/// When the last of the other commands began, by the date of their lock's file.
+/// When the last non-abort command began, from the modification time of its lock file.
 std::int64_t lastBegun(const FileLock& aCommands) {
   struct stat file = {};
   return ::fstat(aCommands.file(), &file) == 0 ? nanosecondsOf(file.st_mtim) : 0;
@@ -33,7 +33,7 @@ std::int64_t lastBegun(const FileLock& aCommands) {
 }  // namespace
 
 bool markCommandBegun(const FileLock& aCommands) {
-  // A date takes no space, which a full folder might not have.
+  // A timestamp needs no space, which a full file system might not have.
   const std::int64_t time = now();
   const std::array<timespec, 2> times = {
       {{0, UTIME_OMIT}, {time / 1000000000, static_cast<long>(time % 1000000000)}}};
@@ -62,7 +62,7 @@ std::optional<std::string> AbortTurn::sharedAnswer() const {
 }
 
 void AbortTurn::begin() {
-  // What is there if this one is killed must not be taken for its answer.
+  // If this process is killed, the next one must not take the old content for its answer.
   static_cast<void>(::ftruncate(mAborts.file(), 0));
   mIsAlone = mCommands.tryLock();
   mLastCommand = lastBegun(mCommands);

@@ -1,4 +1,4 @@
-// What aborts of the same kind share: one of them at a time, and its answer.
+// Serialises aborts of the same kind, and lets those that waited share an answer.
 #pragma once
 
 #include <cstdint>
@@ -7,22 +7,23 @@
 
 #include "FileLock.h"
 
-/// Makes a later abort know that a command has begun since. `aCommands`: their lock, held. False
-/// when that could not be done.
+/// Lets a later abort see that a command has begun in the meantime. `aCommands`: the commands'
+/// lock, held. False if that failed.
 bool markCommandBegun(const FileLock& aCommands);
 
-/// Made when an abort is asked for. Its lock says which kind of abort it is.
+/// Created when an abort is requested. Its lock tells which kind of abort it is.
 class AbortTurn {
  public:
-  /// `aCommands`: the lock of the other commands, which is not waited for.
+  /// `aCommands`: the lock of the other commands; it is never waited for.
   AbortTurn(const FileLock& aAborts, const FileLock& aCommands);
 
-  /// The answer of an abort that ended while this one waited for the lock, if it stopped all that
-  /// this one would stop: no other command was going on when it began or has begun since.
+  /// The answer of an abort that ended while this one waited for the lock, if it stopped everything
+  /// that this one would stop: no other command was running when it began, and none has begun
+  /// since.
   std::optional<std::string> sharedAnswer() const;
-  /// To be called when it is this abort's turn, before the tool is started.
+  /// Call once this abort holds the lock, before the tool is started.
   void begin();
-  /// Leaves the rendered answer to those who wait.
+  /// Leaves the rendered answer for those who wait.
   void share(const std::string& aAnswer) const;
 
  private:

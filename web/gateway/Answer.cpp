@@ -1,4 +1,4 @@
-// An answer to the browser, and its form as output of a CGI program.
+// An answer to the browser, and its form as CGI output.
 #include "Answer.h"
 
 #include <rapidjson/stringbuffer.h>

@@ -1,4 +1,4 @@
-// Tables as they were before a download replaced them: the last ones, on the disk.
+// Backups on disk of the last tables that downloads replaced.
 #include "Backups.h"
 
 #include <fcntl.h>
@@ -22,7 +22,7 @@ namespace {
 
 using Writer = rapidjson::Writer<rapidjson::StringBuffer>;
 
-// Names sort by number whatever the clock does, and numbers are never used again.
+// Numbers sort in order even if the clock is set back, and are never reused.
 constexpr int cDigits = 10;
 
 std::string textOf(const rapidjson::Value& aDocument) {
@@ -36,7 +36,7 @@ std::string folderOf(const std::string& aDataFolder, eOperation aTable) {
   return aDataFolder + "/backups/" + schemaOf(aTable);
 }
 
-/// Numbers of the files, the latest first; of other names 0.
+/// Numbers of the files, newest first; files with other names are skipped.
 std::vector<unsigned long> numbersIn(const std::string& aFolder) {
   std::vector<unsigned long> numbers;
   for (const std::string& name : namesIn(aFolder)) {
@@ -56,7 +56,7 @@ std::string pathOf(const std::string& aFolder, unsigned long aNumber) {
   return aFolder + name;
 }
 
-/// The file is a line about the replacement, then the table.
+/// A file is a line about the replacement, followed by the table.
 struct Backup {
   std::string about;
   std::string table;
@@ -89,7 +89,7 @@ std::string describe(unsigned long aNumber, const Replacement& aBy) {
   return buffer.GetString();
 }
 
-/// Whole under its name, or not at all.
+/// The file appears under its name complete, or not at all.
 bool storeFile(const std::string& aFolder, unsigned long aNumber, const std::string& aContent) {
   const std::string path = pathOf(aFolder, aNumber);
   const std::string unfinished = aFolder + "/.unfinished";
@@ -111,7 +111,7 @@ bool keepBackup(const std::string& aDataFolder, eOperation aTable, const Replace
   makeFolder(aDataFolder + "/backups");
   makeFolder(folder);
   const std::vector<unsigned long> numbers = numbersIn(folder);
-  // Whoever tries again and again does not push out what was there before.
+  // Repeated attempts must not push out the older backups.
   if (!numbers.empty() && readFile(pathOf(folder, numbers.front())).table == aDownload) {
     return true;
   }

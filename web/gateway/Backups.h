@@ -1,4 +1,4 @@
-// Tables as they were before a download replaced them: the last ones, on the disk.
+// Backups on disk of the last tables that downloads replaced.
 #pragma once
 
 #include <cstddef>
@@ -7,25 +7,25 @@
 
 #include "Operation.h"
 
-/// Who replaced the table, by which command.
+/// Who replaced the table, and with which command.
 struct Replacement {
   std::string id;
   std::string user;
   std::string address;
 };
 
-constexpr std::size_t cMostBackups = 20;  ///< of each table
+constexpr std::size_t cMostBackups = 20;  ///< per table
 
 // `aTable` is eSequence or eCalibration.
 
-/// Keeps a table, unless it is the same as the one kept last, and drops the oldest beyond the
-/// number kept. False when it is not on the disk.
+/// Stores a table, unless it equals the latest backup, and deletes the oldest ones beyond the
+/// limit. False if it could not be written to disk.
 bool keepBackup(const std::string& aDataFolder, eOperation aTable, const Replacement& aBy,
                 const std::string& aDownload);
 
-/// A document with all of them, the latest first.
+/// A document listing all backups, newest first.
 std::string listBackups(const std::string& aDataFolder, eOperation aTable);
 
-/// One of them, in the form that the download takes. The number is decimal digits.
+/// One backup, in the form that a download takes. The number is in decimal digits.
 std::optional<std::string> readBackup(const std::string& aDataFolder, eOperation aTable,
                                       const std::string& aNumber);

@@ -1,4 +1,4 @@
-// Commands that have begun and are not known to have ended, on the disk: a restart loses none.
+// Commands that have begun and are not known to have ended, kept on disk across restarts.
 #include "BegunCommands.h"
 
 #include <fcntl.h>
@@ -18,7 +18,7 @@ std::string folderOf(const std::string& aDataFolder) {
 
 struct Found {
   bool goesOn = false;
-  std::string line;  ///< empty when the command has just ended, or never began
+  std::string line;  ///< empty if the command has just ended, or never began
 };
 
 Found look(const std::string& aPath) {
@@ -28,13 +28,12 @@ Found look(const std::string& aPath) {
     return {};
   }
   const bool goesOn = ::flock(file.get(), LOCK_SH | LOCK_NB) != 0;
-  // Between its opening and its lock the command may have ended: then the file has no name any
-  // more.
+  // The command may have ended between open and lock: then the file has been unlinked.
   if (::fstat(file.get(), &state) != 0 || state.st_nlink == 0) {
     return {};
   }
   const std::string line = contentOf(file.get());
-  // What a crash left of one that was not yet kept has no end.
+  // A crash while the line was being written leaves it without a newline.
   return line.empty() || line.back() != '\n' ? Found() : Found{goesOn, line};
 }
 
@@ -46,7 +45,7 @@ BegunCommand::BegunCommand(const std::string& aDataFolder, const std::string& aI
   const std::string folder = folderOf(aDataFolder);
   makeFolder(folder);
   mFile = Descriptor(::open(mPath.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
-  // Locked before it has content: a file without a whole line is no command yet.
+  // Locked before it has content: a file without a complete line is not yet a command.
   mIsKept = mFile.isOpen() && ::flock(mFile.get(), LOCK_EX) == 0 &&
             writeToDisk(mFile.get(), aLine) && syncFolder(folder);
   if (mFile.isOpen() && !mIsKept) {
@@ -67,7 +66,7 @@ UnfinishedCommands findUnfinished(const std::string& aDataFolder) {
       (found.goesOn ? unfinished.goingOn : unfinished.interrupted).push_back(found.line);
     }
   }
-  // Each begins with its time.
+  // Each line begins with its time.
   std::sort(unfinished.goingOn.begin(), unfinished.goingOn.end());
   std::sort(unfinished.interrupted.begin(), unfinished.interrupted.end());
   return unfinished;

@@ -1,4 +1,4 @@
-// Commands that have begun and are not known to have ended, on the disk: a restart loses none.
+// Commands that have begun and are not known to have ended, kept on disk across restarts.
 #pragma once
 
 #include <optional>
@@ -7,17 +7,17 @@
 
 #include "Descriptor.h"
 
-/// A file with the line that the log has about the beginning. It is locked as long as the command
-/// goes on: by the gateway, and by the tool, which inherits it and may live longer.
+/// A file with the command's first log line. It stays locked while the command runs: by the
+/// gateway, and by the tool, which inherits it and may outlive the gateway.
 class BegunCommand {
  public:
-  /// Keeps the line; see isKept.
+  /// Writes the line; see isKept.
   BegunCommand(const std::string& aDataFolder, const std::string& aId, const std::string& aLine);
 
-  /// Whether it is on the disk.
+  /// Whether the line is on disk.
   bool isKept() const { return mIsKept; }
   int file() const { return mFile.get(); }
-  /// Removes the file, when the log tells how the command ended or that it was not begun.
+  /// Removes the file, once the log tells how the command ended or that it was never started.
   void forget() const;
 
  private:
@@ -28,14 +28,14 @@ class BegunCommand {
 
 struct UnfinishedCommands {
   std::vector<std::string> goingOn;      ///< lines of the log
-  std::vector<std::string> interrupted;  ///< nobody is left who could tell how they ended
+  std::vector<std::string> interrupted;  ///< no process is left that could tell how they ended
 };
 
 UnfinishedCommands findUnfinished(const std::string& aDataFolder);
 
-/// How it is with a command that somebody has taken note of.
+/// The state of a command that somebody has acknowledged.
 enum class eInterruption { eFound, eGoesOn, eNone };
 
-/// `aId` as newCommandId makes them. Removes nothing.
+/// `aId` in the form of newCommandId. Removes nothing.
 eInterruption findInterrupted(const std::string& aDataFolder, const std::string& aId);
 void forgetInterrupted(const std::string& aDataFolder, const std::string& aId);

@@ -25,19 +25,18 @@
 namespace {
 
 constexpr char cNoState[] =
-    "The folder GC_WEB_STATE cannot be written to; nothing was done. Is it there, the web server's "
-    "own, and not full?";
+    "The folder GC_WEB_STATE is not writable; nothing was done. Check that it exists, belongs to "
+    "the web server, and is not full.";
 constexpr char cNoLog[] =
-    "The log of commands (GC_WEB_LOG) cannot be written to; nothing was done. Is its folder there, "
-    "the web server's own, and the disk not full?";
+    "The command log (GC_WEB_LOG) is not writable; nothing was done. Check that its folder exists, "
+    "belongs to the web server, and that the disk is not full.";
 constexpr char cNoData[] =
-    "The folder GC_WEB_DATA cannot be written to; nothing was done. Is it there, the web server's "
-    "own, and the disk not full?";
+    "The folder GC_WEB_DATA is not writable; nothing was done. Check that it exists, belongs to "
+    "the web server, and that the disk is not full.";
 constexpr char cTooLate[] =
-    "The machine was so slow that the command could not begin in time; nothing was done. Try "
-    "again.";
+    "The machine was too slow to start the command in time; nothing was done. Try again.";
 
-/// A command that is asked for, and all that it needs on its way.
+/// A requested command and everything needed to carry it out.
 struct Order {
   cgicc::CgiInput& input;
   const Limits& limits;
@@ -47,7 +46,7 @@ struct Order {
   CommandEntry entry = {};
 };
 
-/// Checks the whole request and fills what it asks for.
+/// Checks the whole request and reads what it asks for.
 std::optional<Answer> readRequest(Order& order, Command& command) {
   const CommandRow* row = findCommand(pathOf(order.input));
   if (row == nullptr) {
@@ -71,7 +70,7 @@ std::optional<Answer> readRequest(Order& order, Command& command) {
   return readCommand(*row, order.body, order.settings, command);
 }
 
-/// A file without a name, which goes with the last process that has it open.
+/// An unnamed file, which disappears with the last process that has it open.
 Descriptor makeFile(const std::string& aContent) {
   Descriptor file(::memfd_create("upload", MFD_CLOEXEC));
   if (file.isOpen() && ::write(file.get(), aContent.data(), aContent.size()) !=
@@ -81,45 +80,45 @@ Descriptor makeFile(const std::string& aContent) {
   return file;
 }
 
-/// From here on the command is carried to its end: the web server tells with a signal that the
-/// browser has gone, and a service manager that the system stops.
+/// From here on the command is carried out to the end: the web server signals that the browser has
+/// disconnected, a service manager that the system is stopping.
 void ignoreFarewells() {
   for (const int number : {SIGPIPE, SIGTERM, SIGINT, SIGHUP}) {
     std::signal(number, SIG_IGN);
   }
 }
 
-/// Keeps the table that a download replaces. Returns the answer when that fails: nothing may be
+/// Backs up the table that a download replaces. Returns the answer if that fails: no table may be
 /// lost.
 std::optional<Answer> keepTable(const Order& aOrder) {
   const eOperation table = tableOf(aOrder.entry.call.operation);
   ToolProcess tool(aOrder.settings, aOrder.limits, {table});
   tool.waitUntil(Clock::now() + aOrder.limits.report);
   Answer present = judge(table, tool.outcome());
-  // A result object is no table, whatever its code.
+  // A result object is not a table, whatever its code.
   if (present.status != 200 || present.schema != schemaOf(table)) {
     diagnose(aOrder.input, aOrder.settings, aOrder.entry.call.operation, present.status,
              tool.outcome().errors);
-    // That the instrument is not there is told as always.
+    // An unreachable instrument is reported in the usual way.
     return present.status == 503
                ? present
                : problem(present.status == 504 ? 504 : 502,
-                         "The present table could not be read, so none was sent: the instrument "
-                         "keeps the one that it has. Try again.");
+                         "The current table could not be read, so the new one was not sent: the "
+                         "instrument still has the current one. Try again.");
   }
   const CommandEntry& entry = aOrder.entry;
   const auto download = tableFileOf(table, present.body);
   if (!download ||
       !keepBackup(aOrder.settings.data, table, {entry.id, entry.user, entry.address}, *download)) {
     return problem(500,
-                   "The present table cannot be kept in GC_WEB_DATA, so none was sent: the "
-                   "instrument keeps the one that it has. Is the disk full?");
+                   "The current table could not be backed up in GC_WEB_DATA, so the new one was "
+                   "not sent: the instrument still has the current one. Is the disk full?");
   }
   return std::nullopt;
 }
 
-/// Starts the tool and sees to it that the log tells how it ended. Replies in between when that
-/// takes longer than the browser waits.
+/// Starts the tool and makes sure that the log tells how it ended. Replies early if that takes
+/// longer than the browser waits.
 void carryOut(const Order& aOrder, const CommandLog& aLog, const BegunCommand& aBegun,
               const FileLock& aLock, const Reply& aReply) {
   const eOperation operation = aOrder.entry.call.operation;
@@ -130,7 +129,7 @@ void carryOut(const Order& aOrder, const CommandLog& aLog, const BegunCommand& a
   const Answer answer = judge(operation, tool.outcome());
   if (!hasEnded) {
     aReply(render(answer));
-    // Else nobody could ever command again; an abort is not waited for at all.
+    // A hung command would block all others for ever; an abort is ended at once.
     if (isAbort(operation) || !tool.waitUntil(Clock::now() + limits.hung)) {
       tool.end();
     }
@@ -140,14 +139,14 @@ void carryOut(const Order& aOrder, const CommandLog& aLog, const BegunCommand& a
   if (aLog.add(endedLine(aOrder.entry, answer.status, document))) {
     aBegun.forget();
   } else {
-    std::fputs("The log of commands lacks a line about the end of one.\n", stderr);
+    std::fputs("The end of a command could not be written to the command log.\n", stderr);
   }
   if (hasEnded) {
     aReply(render(answer));
   }
 }
 
-/// Everything from the log's first line on, which is on the disk before the tool is started.
+/// Everything from the first log line on, which is on disk before the tool is started.
 void begin(Order& order, const FileLock& aLock, const Reply& aReply) {
   CommandEntry& entry = order.entry;
   if (takesFile(entry.call.operation)) {
@@ -160,7 +159,7 @@ void begin(Order& order, const FileLock& aLock, const Reply& aReply) {
   if (takesFile(entry.call.operation)) {
     file = makeFile(order.body);
     if (!file.isOpen()) {
-      aReply(render(problem(500, "The file cannot be kept; nothing was done.")));
+      aReply(render(problem(500, "The file could not be stored; nothing was done.")));
       return;
     }
     entry.call.file = file.get();
@@ -178,7 +177,7 @@ void begin(Order& order, const FileLock& aLock, const Reply& aReply) {
     return;
   }
   if (Clock::now() > order.asked + order.limits.begin) {
-    // A disk can hold everything up. Who asked is told something else by then, and may ask again.
+    // A disk can stall. By then the client has had another answer and may try again.
     const Answer late = problem(500, cTooLate);
     if (log.add(endedLine(entry, late.status, late.body))) {
       begun.forget();
@@ -189,19 +188,19 @@ void begin(Order& order, const FileLock& aLock, const Reply& aReply) {
   carryOut(order, log, begun, aLock, aReply);
 }
 
-/// Aborts go beside everything else. One that finds another of its kind waits for it, and has its
-/// answer if that is true of both.
+/// Aborts do not wait for other commands. An abort that finds another of its kind running waits for
+/// it, and shares its answer if that answer is true of both.
 void abort(Order& order, const FileLock& aLock, const FileLock& aCommands, const Reply& aReply) {
   AbortTurn turn(aLock, aCommands);
   if (!aLock.tryLock()) {
-    // The other is ended in that time.
+    // The other one is ended within this time.
     if (!aLock.lockUntil(Clock::now() + order.limits.abort + order.limits.otherCommand)) {
-      aReply(render(
-          problem(504, "Another abort is still going on, so this one was not begun. Try again.")));
+      aReply(render(problem(
+          504, "Another abort is still in progress, so this one was not started. Try again.")));
       return;
     }
     if (const std::optional<std::string> answer = turn.sharedAnswer()) {
-      // Who asked for it too. It has been done, whether the log takes that or not.
+      // Records who else asked. The abort is done, whether or not the log takes the line.
       CommandLog(order.settings.log).add(sharedLine(order.entry));
       aReply(*answer);
       return;
@@ -218,8 +217,8 @@ void abort(Order& order, const FileLock& aLock, const FileLock& aCommands, const
 void command(Order& order, const FileLock& aLock, const Reply& aReply) {
   if (!aLock.lockUntil(Clock::now() + order.limits.otherCommand)) {
     aReply(render(problem(409,
-                          "Another command is still going on, so this one was not begun. Try "
-                          "again when it has ended.")));
+                          "Another command is still in progress, so this one was not started. Try "
+                          "again when it has finished.")));
     return;
   }
   ignoreFarewells();
@@ -230,11 +229,11 @@ void command(Order& order, const FileLock& aLock, const Reply& aReply) {
   begin(order, aLock, aReply);
 }
 
-/// Somebody has taken note of an interrupted command, which is not told any more.
+/// Somebody has acknowledged an interrupted command, so it is no longer reported.
 Answer takeNote(Order& order, const std::string& aId) {
   switch (findInterrupted(order.settings.data, aId)) {
     case eInterruption::eGoesOn:
-      return problem(409, "The command is still going on.");
+      return problem(409, "The command is still in progress.");
     case eInterruption::eNone:
       return problem(404, "There is no such interrupted command.");
     case eInterruption::eFound:
@@ -249,13 +248,13 @@ Answer takeNote(Order& order, const std::string& aId) {
   return {204, "", "", ""};
 }
 
-/// What is for the gateway itself to do.
+/// Requests that the gateway handles by itself.
 Answer answerWithoutTool(Order& order, const Command& aCommand) {
   switch (aCommand.purpose) {
     case ePurpose::eSeen:
       return takeNote(order, aCommand.id);
     case ePurpose::eLogout:
-      // A browser forgets a password that was refused, and without a challenge asks for no other.
+      // A browser forgets a rejected password, and without a challenge asks for no other.
       return problem(401, "You are signed out.");
     case ePurpose::eLogin:
     case ePurpose::eTool:
@@ -264,8 +263,8 @@ Answer answerWithoutTool(Order& order, const Command& aCommand) {
   return {204, "", "", ""};
 }
 
-/// The rendered answer, which tells the browser whom it has sent the password of: it does not say
-/// so itself. Names in percent-encoding, as they may hold any octets.
+/// Adds a header with the user's name, since the browser does not tell its page whose password it
+/// sent. Percent-encoded, since names may contain any octets.
 std::string withUser(const std::string& aRendered, const std::string& aUser) {
   return aUser.empty() ? aRendered
                        : withHeader(aRendered, "X-GC-User: " + percentEncoded(aUser) + "\r\n");

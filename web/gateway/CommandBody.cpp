@@ -22,8 +22,8 @@ constexpr CommandRow cCommands[] = {
     {"/api/command/calibration", "PUT", ePurpose::eTool, eBody::eCalibration, "calibration-file"},
 };
 
-/// One form of a body: a member whose word chooses the operation, a member with its number; null
-/// where there is none.
+/// One form of a body: a member whose value selects the operation, and a member with its number;
+/// null if there is none.
 struct FormRow {
   eBody body;
   const char* chooser;
@@ -45,7 +45,7 @@ constexpr FormRow cForms[] = {
     {eBody::eCalibration, nullptr, nullptr, nullptr, eOperation::eCalibrationFile},
 };
 
-/// The form of a body that fits its schema.
+/// The form of a body that matches its schema.
 const FormRow& formOf(eBody aKind, const rapidjson::Document& aBody) {
   return *std::find_if(std::begin(cForms), std::end(cForms), [&](const FormRow& row) {
     return row.body == aKind && (row.word == nullptr || aBody[row.chooser] == row.word);
@@ -54,7 +54,7 @@ const FormRow& formOf(eBody aKind, const rapidjson::Document& aBody) {
 
 constexpr char cTooManyMembers[] = "The document has more members than this command takes.";
 
-/// Members that the form does not have, and members told twice, are more than it has.
+/// The count finds members that the form does not have, and duplicate members.
 std::optional<Answer> readForm(eBody aKind, const rapidjson::Document& aBody, ToolCall& call) {
   const FormRow& form = formOf(aKind, aBody);
   call.operation = form.operation;
@@ -74,7 +74,7 @@ std::optional<Answer> readForm(eBody aKind, const rapidjson::Document& aBody, To
   return std::nullopt;
 }
 
-/// What a body that fits its schema says to whom it is meant for.
+/// Reads a body that matches its schema.
 std::optional<Answer> readMembers(const CommandRow& aRow, const rapidjson::Document& aBody,
                                   Command& command) {
   command.purpose = aRow.purpose;
@@ -109,7 +109,7 @@ std::optional<Answer> readCommand(const CommandRow& aRow, const std::string& aBo
                                   const Settings& aSettings, Command& command) {
   rapidjson::Document body;
   if (!parseJson(aBody, body)) {
-    return problem(400, "The body is not one JSON document in UTF-8.");
+    return problem(400, "The body is not a single JSON document in UTF-8.");
   }
   if (!isShallow(aBody)) {
     return problem(422, "The document is nested more than 100 levels deep.");

@@ -10,9 +10,9 @@
 
 enum class ePurpose {
   eTool,    ///< something for the tool to do
-  eLogin,   ///< nothing, of somebody who may command
-  eLogout,  ///< that the browser forgets who somebody is
-  eSeen,    ///< an interrupted command has been taken note of
+  eLogin,   ///< checks that the user may send commands; does nothing
+  eLogout,  ///< makes the browser forget the user's password
+  eSeen,    ///< acknowledges an interrupted command
 };
 
 enum class eBody {
@@ -33,18 +33,18 @@ struct CommandRow {
   const char* method;
   ePurpose purpose;
   eBody body;
-  const char* schema;  ///< name of its body's, in GC_WEB_SCHEMAS
+  const char* schema;  ///< name of the body's schema in GC_WEB_SCHEMAS
 };
 
 struct Command {
   ePurpose purpose = ePurpose::eTool;
-  ToolCall call;   ///< for eTool; its file is left to the caller
+  ToolCall call;   ///< for eTool; the caller fills in its file
   std::string id;  ///< for eSeen: the interrupted command's
 };
 
-/// Null for a path that has no command.
+/// Null if there is no command with this path.
 const CommandRow* findCommand(const std::string& aPath);
 
-/// Returns the answer to a body that does not fit.
+/// Returns the answer to a body that is not valid.
 std::optional<Answer> readCommand(const CommandRow& aRow, const std::string& aBody,
                                   const Settings& aSettings, Command& command);

@@ -1,4 +1,4 @@
-// The log of commands: who had what done, before it began and after it ended.
+// The log of commands: who ordered what, written before it begins and after it ends.
 #include "CommandLog.h"
 
 #include <fcntl.h>
@@ -24,9 +24,9 @@ namespace {
 
 using Writer = rapidjson::Writer<rapidjson::StringBuffer>;
 
-// A verdict is a tenth of that at most.
+// A verdict is at most a tenth of that.
 constexpr std::size_t cLongestDocument = 2000;
-// What the second line has more than the first, each octet of a text escaped.
+// What the second line has in addition to the first, with every octet of a text escaped.
 constexpr std::size_t cRoomForTheEnd = 16384;
 
 void addText(Writer& writer, const char* aKey, const std::string& aText) {
@@ -34,7 +34,7 @@ void addText(Writer& writer, const char* aKey, const std::string& aText) {
   writer.String(repairUtf8(aText));
 }
 
-/// Without a file's name, which is only the tool's.
+/// Without a file name, which only the tool can use.
 void addCommand(Writer& writer, const ToolCall& aCall) {
   writer.Key("command");
   writer.StartArray();
@@ -45,8 +45,8 @@ void addCommand(Writer& writer, const ToolCall& aCall) {
   writer.EndArray();
 }
 
-/// Nothing becomes null. What is no verdict of the tool may be of any length: its beginning is
-/// kept, as a text.
+/// An empty document becomes null. Output that is not a verdict of the tool may be of any length:
+/// its beginning is kept as a text.
 void addDocument(Writer& writer, const std::string& aDocument) {
   if (aDocument.size() > cLongestDocument) {
     addText(writer, "document", aDocument.substr(0, cLongestDocument));
@@ -59,7 +59,7 @@ void addDocument(Writer& writer, const std::string& aDocument) {
   reader.Parse<cParseFlags>(stream, writer);
 }
 
-/// How every line begins.
+/// The members common to all lines.
 void beginLine(Writer& writer, const char* aEvent, const CommandEntry& aEntry) {
   writer.StartObject();
   addText(writer, "time", utcNow());
@@ -83,13 +83,13 @@ std::string lineAbout(const char* aEvent, const CommandEntry& aEntry) {
   return endLine(writer, line);
 }
 
-/// Whether the last octet is not the end of a line.
+/// Whether the last line has no newline.
 bool isTorn(int aFile, off_t aSize) {
   char last = '\n';
   return aSize > 0 && (::pread(aFile, &last, 1, aSize - 1) != 1 || last != '\n');
 }
 
-/// Space that the file may grow into, where the file system can set it aside.
+/// Reserves space for the file to grow into, if the file system supports it.
 bool setAside(int aFile, off_t aFrom, std::size_t aSize) {
   return ::fallocate(aFile, FALLOC_FL_KEEP_SIZE, aFrom, static_cast<off_t>(aSize)) == 0 ||
          errno == EOPNOTSUPP || errno == ENOSYS;
@@ -99,7 +99,8 @@ bool setAside(int aFile, off_t aFrom, std::size_t aSize) {
 
 std::string newCommandId() {
   std::array<unsigned char, 8> octets = {};
-  // So few are there at once, or the system has none at all and nothing would be safe.
+  // Eight octets always arrive at once, unless the system has no random source and nothing would be
+  // safe.
   while (::getrandom(octets.data(), octets.size(), 0) != static_cast<ssize_t>(octets.size())) {
   }
   std::string id;
@@ -141,7 +142,7 @@ CommandLog::CommandLog(const std::string& aPath)
 
 bool CommandLog::add(const std::string& aLine) const {
   if (isRotated()) {
-    // The old file may be compressed at this moment, and removed then with what is added to it.
+    // The old file may be in the middle of compression; lines added to it would be removed with it.
     const CommandLog present(mPath);
     if (present.isOpen() && present.write(aLine, 0)) {
       return true;
@@ -154,7 +155,7 @@ bool CommandLog::addFirstOfTwo(const std::string& aLine) const {
   return write(aLine, aLine.size() + cRoomForTheEnd);
 }
 
-/// Whether the file has not the log's name any more.
+/// Whether the log's name no longer refers to the open file.
 bool CommandLog::isRotated() const {
   struct stat opened = {};
   struct stat named = {};
@@ -164,7 +165,7 @@ bool CommandLog::isRotated() const {
 
 bool CommandLog::write(const std::string& aLine, std::size_t aRoom) const {
   struct stat file = {};
-  // An abort is logged beside another command; each holds the lock for one line.
+  // An abort is logged in parallel with another command; each holds the lock for one line.
   if (::flock(mFile.get(), LOCK_EX) != 0 || ::fstat(mFile.get(), &file) != 0 ||
       file.st_nlink == 0) {
     return false;

@@ -1,4 +1,4 @@
-// The log of commands: who had what done, before it began and after it ended.
+// The log of commands: who ordered what, written before it begins and after it ends.
 #pragma once
 
 #include <string>
@@ -7,39 +7,38 @@
 #include "Operation.h"
 
 struct CommandEntry {
-  std::string id;  ///< the same in all lines about a command
+  std::string id;  ///< the same in all lines about one command
   std::string user;
   std::string address;  ///< the browser's
   ToolCall call;
 };
 
-/// An identifier that no other command has: 16 hexadecimal digits.
+/// A unique command identifier: 16 hexadecimal digits.
 std::string newCommandId();
 
-// Each is one line of JSON, with its end.
+// Each is one line of JSON, including its newline.
 
 std::string begunLine(const CommandEntry& aEntry);
 
-/// `aStatus`: of the answer. `aDocument`: how it went; JSON, or empty.
+/// `aStatus`: of the answer. `aDocument`: the result as JSON, or empty.
 std::string endedLine(const CommandEntry& aEntry, int aStatus, const std::string& aDocument);
 
-/// An abort that was asked for while the same was being done, and has its answer.
+/// An abort that was requested while one of the same kind was running, and shares its answer.
 std::string sharedLine(const CommandEntry& aEntry);
 
-/// Somebody has taken note that the command was interrupted. The entry has no call.
+/// Somebody has acknowledged that the command was interrupted. The entry has no call.
 std::string seenLine(const CommandEntry& aEntry);
 
 class CommandLog {
  public:
-  /// Opens the file, which is made when it is not there.
+  /// Opens the file, or creates it.
   explicit CommandLog(const std::string& aPath);
 
   bool isOpen() const { return mFile.isOpen(); }
-  /// Adds a line behind all others, and to none that an interruption has left torn; in the new file
-  /// when the log has been rotated meanwhile. True when it is on the disk; otherwise nothing of it
-  /// is in the file.
+  /// Appends a line, never to an incomplete line left by an interruption; to the new file if the
+  /// log has been rotated. True if the line is on disk; otherwise none of it is in the file.
   bool add(const std::string& aLine) const;
-  /// The same, and sees to it that the line about the end will have room.
+  /// The same, and makes sure that there will be room for the line about the end.
   bool addFirstOfTwo(const std::string& aLine) const;
 
  private:

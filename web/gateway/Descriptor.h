@@ -17,7 +17,7 @@ class Descriptor {
   Descriptor(const Descriptor&) = delete;
   Descriptor& operator=(const Descriptor&) = delete;
 
-  /// -1 when there is none.
+  /// -1 if there is none.
   int get() const { return mNumber; }
   bool isOpen() const { return mNumber >= 0; }
   void close() {

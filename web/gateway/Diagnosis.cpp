@@ -1,4 +1,4 @@
-// What tool and library said about a failure, for the web server's log of errors.
+// What the tool and the library said about a failure, for the web server's error log.
 #include "Diagnosis.h"
 
 #include <fcntl.h>
@@ -19,7 +19,7 @@ namespace {
 constexpr std::size_t cLongest = 1000;
 constexpr double cPause = 60.0;  // s
 
-/// One line, of which nobody can make two.
+/// Escapes the text, so that nothing in it can start another log line.
 std::string inOneLine(const std::string& aText) {
   std::string line;
   for (const char character : aText.substr(0, aText.find_last_not_of('\n') + 1)) {
@@ -37,7 +37,7 @@ std::string inOneLine(const std::string& aText) {
   return line;
 }
 
-/// Whether nothing was said of the report for a while; remembers that now something is.
+/// Whether the last line about this report is old enough; remembers that there is one now.
 bool isDue(const std::string& aStateFolder, eOperation aReport) {
   const std::string path = aStateFolder + '/' + schemaOf(aReport) + ".told";
   struct stat file = {};
@@ -62,6 +62,6 @@ void diagnose(cgicc::CgiInput& input, const Settings& aSettings, eOperation aOpe
   const std::string said = inOneLine(aErrors.substr(0, cLongest));
   const std::string line = utcNow() + ' ' + input.getenv("REQUEST_METHOD") + ' ' + pathOf(input) +
                            ' ' + std::to_string(aStatus) + ": " + said + '\n';
-  // In one write: other processes use the same log.
+  // In a single write: other processes use the same log.
   send(STDERR_FILENO, line);
 }

@@ -1,4 +1,4 @@
-// What tool and library said about a failure, for the web server's log of errors.
+// What the tool and the library said about a failure, for the web server's error log.
 #pragma once
 
 #include <cgicc/CgiInput.h>
@@ -8,8 +8,8 @@
 #include "Operation.h"
 #include "Settings.h"
 
-/// Writes one line on standard error if the answer is not 2xx and something was said: the time, the
-/// request, the answer's status, and the beginning of what was said. A report is asked for every
-/// second: the same one adds a line a minute at most.
+/// Writes one line to standard error if the answer is not 2xx and the tool said something: the
+/// time, the request, the status of the answer, and the beginning of the tool's text. Reports are
+/// requested every second: each adds at most one line a minute.
 void diagnose(cgicc::CgiInput& input, const Settings& aSettings, eOperation aOperation, int aStatus,
               const std::string& aErrors);

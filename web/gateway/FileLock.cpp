@@ -1,4 +1,4 @@
-// A lock between the gateway's processes.
+// A lock shared by the gateway's processes.
 #include "FileLock.h"
 
 #include <fcntl.h>
@@ -11,12 +11,12 @@
 
 namespace {
 
-// An alarm that comes just before the wait begins is lost, so it rings again.
+// An alarm that rings just before the wait begins has no effect, so it repeats.
 constexpr timeval cAgain = {0, 20000};
 
 void ring(int) {}
 
-/// Interrupts system calls from a time on.
+/// Interrupts blocking system calls from a given time on.
 class AlarmClock {
  public:
   explicit AlarmClock(Clock::time_point aTime) {

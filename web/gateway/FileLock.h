@@ -1,5 +1,5 @@
-// A lock between the gateway's processes; the kernel releases it when its holder has ended in any
-// way, and with it every process to which the holder has handed the file.
+// A lock shared by the gateway's processes. The kernel releases it when its holder has ended in any
+// way, together with every process that inherited the file.
 #pragma once
 
 #include <string>
@@ -9,16 +9,16 @@
 
 class FileLock {
  public:
-  /// Opens the file, which stays when the lock is gone.
+  /// Opens the file, which remains when the lock is released.
   explicit FileLock(const std::string& aPath);
 
   bool isOpen() const { return mFile.isOpen(); }
-  /// The file, for who keeps something in it.
+  /// The file, for callers that keep data in it.
   int file() const { return mFile.get(); }
   bool tryLock() const;
-  /// Before the end of this object, and for processes that have inherited the file too.
+  /// Releases the lock early, for processes that have inherited the file too.
   void unlock() const;
-  /// Waits for whoever holds it; false when the time is over. Takes the alarm clock for that.
+  /// Waits for the holder; false if the time runs out. Uses SIGALRM and its timer.
   bool lockUntil(Clock::time_point aTime) const;
 
  private:

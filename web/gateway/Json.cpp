@@ -1,4 +1,4 @@
-// JSON from outside: parsing, checks against schemas, texts of any octets.
+// Untrusted JSON: parsing, checks against schemas, texts of any octets.
 #include "Json.h"
 
 #include <rapidjson/memorystream.h>
@@ -17,7 +17,7 @@ std::string textOf(const rapidjson::Pointer& aPointer) {
   return text.GetString();
 }
 
-/// Stops a reader that goes too deep.
+/// Stops a reader at nesting that is too deep.
 class DepthGuard : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, DepthGuard> {
  public:
   bool StartObject() { return ++mDepth <= cDeepest; }
@@ -30,7 +30,7 @@ class DepthGuard : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, DepthG
   int mDepth = 0;
 };
 
-/// The first required member that the faulty object lacks.
+/// The first required member that the invalid object lacks.
 std::string missingMember(const rapidjson::Value& aObject, const rapidjson::Value& aRequired) {
   for (const auto& name : aRequired.GetArray()) {
     if (!aObject.HasMember(name)) {
@@ -60,7 +60,7 @@ std::optional<std::string> findSchemaFault(const std::string& aText,
                                            const rapidjson::Document& aSchema) {
   const rapidjson::SchemaDocument schema(aSchema);
   rapidjson::SchemaValidator validator(schema);
-  // Straight from the reader: a document would be walked through by recursion.
+  // Straight from the reader: traversing a document would use recursion.
   rapidjson::Reader reader;
   rapidjson::MemoryStream stream(aText.data(), aText.size());
   reader.Parse<cParseFlags>(stream, validator);
@@ -76,8 +76,8 @@ std::optional<std::string> findSchemaFault(const std::string& aText,
     missing = missingMember(*pointer.Get(document),
                             (*validator.GetInvalidSchemaPointer().Get(aSchema))["required"]);
   }
-  return (place.empty() ? "The document" : place) + " is not of its schema: " + keyword + missing +
-         '.';
+  return (place.empty() ? "The document" : place) + " does not match its schema: " + keyword +
+         missing + '.';
 }
 
 std::string repairUtf8(const std::string& aText) {

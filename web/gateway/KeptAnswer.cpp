@@ -33,7 +33,7 @@ bool begins(const std::string& aText, const std::string& aBeginning) {
   return aText.compare(0, aBeginning.size(), aBeginning) == 0;
 }
 
-/// The row of a list or of one of its members; null if there is none.
+/// The row for a list or one of its entries; null if there is none.
 const BackupsRow* findBackups(const std::string& aPath) {
   for (const BackupsRow& row : cBackups) {
     if (aPath == row.path || begins(aPath, std::string(row.path) + '/')) {
@@ -43,7 +43,7 @@ const BackupsRow* findBackups(const std::string& aPath) {
   return nullptr;
 }
 
-/// Lines of the log, as they stand there.
+/// Parses log lines into a list.
 rapidjson::Value listOf(const std::vector<std::string>& aLines,
                         rapidjson::Document::AllocatorType& allocator) {
   rapidjson::Value list(rapidjson::kArrayType);

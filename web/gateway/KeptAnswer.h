@@ -6,11 +6,11 @@
 #include "Answer.h"
 #include "Settings.h"
 
-/// Whether the path is one of these, or may be: a backup that is not there is answered with 404.
+/// Whether the path belongs to these, even if it names a backup that does not exist (404).
 bool isKeptPath(const std::string& aPath);
 
 Answer answerKept(const std::string& aPath, const Settings& aSettings);
 
-/// The rendered answer, with the number of commands that were interrupted if there are any: whoever
-/// asks for anything learns of them.
+/// The rendered answer with the number of interrupted commands, if there are any, so that every
+/// client learns of them.
 std::string withInterruptions(const std::string& aRendered, const Settings& aSettings);

@@ -1,4 +1,4 @@
-// Which statuses are the client library's own word that it got no answer.
+// Statuses with which the client library itself reports that it got no answer.
 #include "LibraryStatus.h"
 
 namespace {
@@ -8,12 +8,12 @@ struct StatusRow {
   const char* reason;
 };
 
-// An assumption about a closed library, of which only 0 and 28 are documented. It rests on the
-// stand-in, whose 100s are its own and whose 200s are the instrument's; of the 100s these are the
-// ones that come after a call has been sent. The last rows rest on custom: 10053 is Windows' number
-// of a connection that was aborted, which the tool uses too, and -1 is how a library reports a
-// failure of its own; neither is a status of an instrument. Whoever knows the maker's numbers
-// corrects them here; a status that is missing is taken for a refusal.
+// An assumption about a closed library that documents only 0 and 28. It is based on the stand-in,
+// whose own statuses are in the 100s and the instrument's in the 200s; these are the 100s that
+// occur after a call has been sent. The last rows follow convention: 10053 is the Windows code for
+// an aborted connection, which the tool uses too, and -1 is a common status for a library's own
+// failure; neither is a status of an instrument. Correct them here if the maker's numbers are
+// known; a status missing here counts as a refusal.
 constexpr StatusRow cUnanswered[] = {
     {107, "it did not answer in time"},         {108, "the connection was lost"},
     {109, "its answer was not understood"},     {10053, "the connection was lost"},

@@ -1,8 +1,8 @@
-// Which statuses are the client library's own word that it got no answer.
+// Statuses with which the client library itself reports that it got no answer.
 #pragma once
 
 #include <cstdint>
 
-/// Null for a status that is the instrument's word; else what the library could not do, as part of
-/// a sentence. Whether the instrument has carried out the call is not known then.
+/// Null for a status that came from the instrument; otherwise the library's failure, as part of a
+/// sentence. It is then unknown whether the instrument carried out the call.
 const char* unansweredReason(std::uint32_t aStatus);

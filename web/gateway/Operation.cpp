@@ -11,7 +11,7 @@ struct OperationRow {
   eOperation operation;
   const char* options[3];
   eOperand operand;
-  const char* schema;  ///< of what it prints; of commands all print the same
+  const char* schema;  ///< of the output; the same for all commands
   const char* lock;
 };
 

@@ -1,4 +1,4 @@
-// What the tool can be asked for, and its command line for that.
+// The operations of the tool, and the command line for each.
 #pragma once
 
 #include <string>
@@ -23,7 +23,7 @@ enum class eOperation {
   eCount
 };
 
-/// An operation with its number, or the descriptor of its file, where it takes one.
+/// An operation with its number or file descriptor, if it takes one.
 struct ToolCall {
   eOperation operation = eOperation::eStatus;
   int number = 0;
@@ -34,9 +34,8 @@ bool isReport(eOperation aOperation);
 bool takesFile(eOperation aOperation);
 bool isAbort(eOperation aOperation);
 
-/// Name of the file whose lock the operation needs for itself; null for a report. An abort waits
-/// for no other command, and one that cannot wait for the end of a run not even for the other
-/// abort.
+/// Name of the lock file that the operation holds exclusively; null for a report. An abort does not
+/// wait for other commands, and an immediate abort does not even wait for the other kind of abort.
 const char* lockOf(eOperation aOperation);
 
 /// The report of the table that a download replaces.
@@ -45,11 +44,11 @@ eOperation tableOf(eOperation aDownload);
 /// The options of the operation, without its operand.
 std::vector<std::string> optionsOf(eOperation aOperation);
 
-/// Name of the schema of what a report prints.
+/// Name of the schema of a report's output.
 const char* schemaOf(eOperation aOperation);
 
-/// The options and the operand: a number, or the name under which the tool finds its file.
+/// The options and the operand: a number, or the path under which the tool finds its file.
 std::vector<std::string> argumentsOf(const ToolCall& aCall);
 
-/// The tool's own number of the descriptor of its file.
+/// The tool's descriptor number for its file.
 constexpr int cToolFile = 3;

@@ -40,14 +40,14 @@ bool hasBody(cgicc::CgiInput& input) {
   return !length.empty() && length != "0";
 }
 
-/// What every path here asks of a request.
+/// The checks common to all paths.
 std::optional<Answer> findFault(cgicc::CgiInput& input, Settings& settings) {
   const std::string method = input.getenv("REQUEST_METHOD");
   if (method != "GET" && method != "HEAD") {
     return methodNotAllowed("GET, HEAD");
   }
   if (!input.getenv("QUERY_STRING").empty() || hasBody(input)) {
-    return problem(400, "A report takes no query and no body.");
+    return problem(400, "A report takes no query or body.");
   }
   return readReportSettings(input, settings);
 }

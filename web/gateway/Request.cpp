@@ -1,4 +1,4 @@
-// What the gateway asks of a request before it looks at the body.
+// Checks on a request before its body is read.
 #include "Request.h"
 
 #include <arpa/inet.h>
@@ -14,9 +14,9 @@ namespace {
 
 constexpr unsigned long cLargestBody = 65536;
 
-using cgicc::stringsAreEqual;  // in any case
+using cgicc::stringsAreEqual;  // case-insensitive
 
-/// Some web servers hand a query on as arguments; nobody means it well here.
+/// Some web servers pass a query on as program arguments; no legitimate client sends one.
 bool hasNoQuery(cgicc::CgiInput& input) {
   return input.getenv("QUERY_STRING").empty();
 }
@@ -38,7 +38,7 @@ bool isLoopback(const std::string& aAddress) {
          (IN6_IS_ADDR_V4MAPPED(&address) && address.s6_addr[12] == cLoopbackNet);
 }
 
-/// What a proxy adds when it passes on somebody else's request.
+/// Headers that a proxy adds to a forwarded request.
 bool isPassedOn(cgicc::CgiInput& input) {
   constexpr const char* cMarks[] = {"HTTP_FORWARDED", "HTTP_X_FORWARDED_FOR", "HTTP_X_REAL_IP",
                                     "HTTP_VIA"};
@@ -46,8 +46,8 @@ bool isPassedOn(cgicc::CgiInput& input) {
                      [&input](const char* aMark) { return !input.getenv(aMark).empty(); });
 }
 
-/// A login over HTTP can be overheard and sent again with another body for as long as its nonce
-/// lasts: it says nothing about the body.
+/// A login over HTTP can be overheard and, while its nonce is valid, replayed with another body,
+/// which it does not protect.
 bool isOutOfOthersReach(cgicc::CgiInput& input) {
   return isSecure(input) || (isLoopback(input.getenv("REMOTE_ADDR")) && !isPassedOn(input)) ||
          input.getenv("GC_WEB_PLAIN_HTTP_COMMANDS") == "allowed";
@@ -57,12 +57,12 @@ bool isUserKnown(cgicc::CgiInput& input) {
   return !input.getenv("REMOTE_USER").empty();
 }
 
-/// A page of another origin cannot set this header without being asked for leave.
+/// A page of another origin cannot set this header without a CORS preflight.
 bool isMarked(cgicc::CgiInput& input) {
   return input.getenv("HTTP_X_GC_REQUEST") == "1";
 }
 
-/// The host without the port that the scheme has anyway.
+/// The host without the scheme's default port.
 std::string withoutPort(const std::string& aHost, const std::string& aPort) {
   const std::size_t end = aHost.size() - std::min(aHost.size(), aPort.size());
   return aHost.substr(end) == aPort ? aHost.substr(0, end) : aHost;
@@ -87,7 +87,7 @@ std::string trimmed(const std::string& aText) {
   return begin == std::string::npos ? "" : aText.substr(begin, end - begin + 1);
 }
 
-/// Whether a parameter of the type is no charset, or the one of JSON.
+/// True for any parameter other than charset, and for charset=utf-8.
 bool isAcceptable(const std::string& aParameter) {
   const std::size_t sign = aParameter.find('=');
   const std::string value = sign == std::string::npos ? "" : trimmed(aParameter.substr(sign + 1));
@@ -113,7 +113,7 @@ bool hasLength(cgicc::CgiInput& input) {
 }
 
 unsigned long lengthOf(cgicc::CgiInput& input) {
-  // Of a number that is too large it makes the largest.
+  // A number that is too large becomes the largest one.
   return std::strtoul(input.getenv("CONTENT_LENGTH").c_str(), nullptr, 10);
 }
 
@@ -127,12 +127,12 @@ struct CheckRow {
   const char* detail;
 };
 
-// In this order: who asks, from where, what.
+// In this order: who asks, from where, for what.
 constexpr CheckRow cChecks[] = {
     {hasNoQuery, 400, "A command takes no query."},
     {isOutOfOthersReach, 403,
-     "Commands over plain HTTP are refused, because others on the network could read and repeat "
-     "them. Open this page with https:// (tls.conf sets it up) or on the controller itself."},
+     "Commands over plain HTTP are refused, because others on the network could read and replay "
+     "them. Open this page over https:// (set up in tls.conf) or on the controller itself."},
     {isUserKnown, 403,
      "Commands are off until a password is set (set-password) and asked for (login.conf)."},
     {isMarked, 403, "A command needs the header X-GC-Request: 1."},
@@ -150,7 +150,7 @@ std::string pathOf(cgicc::CgiInput& input) {
 }
 
 Answer methodNotAllowed(const std::string& aAllowed) {
-  Answer answer = problem(405, "Only " + aAllowed + " can be asked for here.");
+  Answer answer = problem(405, "This path accepts only " + aAllowed + '.');
   answer.headers = "Allow: " + aAllowed + "\r\n";
   return answer;
 }

@@ -1,4 +1,4 @@
-// What the gateway asks of a request before it looks at the body.
+// Checks on a request before its body is read.
 #pragma once
 
 #include <cgicc/CgiInput.h>
@@ -8,17 +8,17 @@
 
 #include "Answer.h"
 
-// Of cgicc only its input is used: its CgiEnvironment reads as much of a body as the request claims
-// to have, before anybody can look at the length.
+// Only cgicc's input class is used: its CgiEnvironment reads as much of a body as the request
+// claims to have, before anything can check the length.
 
-/// The path of the request, wherever the web server divides it.
+/// The path of the request, however the web server splits it.
 std::string pathOf(cgicc::CgiInput& input);
 
-/// The answer to a method that the path does not have.
+/// The answer to a method that the path does not support.
 Answer methodNotAllowed(const std::string& aAllowed);
 
-/// The answer to a command whose headers are not as they must be.
+/// The answer to a command with a missing or invalid header.
 std::optional<Answer> findHeaderFault(cgicc::CgiInput& input);
 
-/// Reads the body of a request without such a fault; none when it ends early.
+/// Reads the body of a request that passed those checks; none if it ends early.
 std::optional<std::string> readBody(cgicc::CgiInput& input);

@@ -1,4 +1,4 @@
-// What the web server tells the gateway.
+// The gateway's settings, which come from the web server.
 #include "Settings.h"
 
 #include <cstddef>

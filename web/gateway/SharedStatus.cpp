@@ -1,4 +1,4 @@
-// One run of the tool for all who ask for the status at about the same time.
+// One run of the tool for all clients that request the status at about the same time.
 #include "SharedStatus.h"
 
 #include <sys/stat.h>
@@ -15,7 +15,7 @@
 
 namespace {
 
-// A controller outlives the dates that 32 bits hold.
+// Controllers will run beyond the range of 32-bit dates.
 static_assert(sizeof(time_t) >= 8);
 
 std::int64_t millisecondsOf(const timespec& aTime) {
@@ -32,8 +32,8 @@ bool isFresh(std::int64_t aAge, const Limits& aLimits) {
   return aAge >= 0 && aAge < aLimits.freshStatus.count();
 }
 
-/// The file is a line with the time since the system's start and the length of the answer, then the
-/// answer. Its date must be recent too: the line alone may be of an earlier start.
+/// The file is a line with the time since boot and the length of the answer, followed by the
+/// answer. Its modification time must be recent too: the line alone may date from an earlier boot.
 std::optional<std::string> readAnswer(int aFile, const Limits& aLimits,
                                       const std::function<Moment()>& aNow) {
   struct stat file = {};
@@ -69,12 +69,12 @@ std::optional<std::string> readAnswer(int aFile, const Limits& aLimits,
   return "Age: " + std::to_string(age / 1000) + "\r\n" + text.substr(line + 1);
 }
 
-/// Only the holder of the lock writes. Who reads meanwhile finds less than the line says, as does
-/// who reads what could not be kept as a whole, and asks again.
+/// Only the holder of the lock writes. A concurrent reader finds fewer octets than the line says,
+/// as it does if the answer could not be stored completely, and does not use them.
 void keepAnswer(int aFile, const std::string& aAnswer, const Moment& aNow) {
   const std::string line =
       std::to_string(aNow.sinceStart) + ' ' + std::to_string(aAnswer.size()) + '\n';
-  // Not to nothing, which some file systems take for a reason to write to the disk at once.
+  // Not to zero: some file systems then flush the file to disk at once.
   if (::ftruncate(aFile, 1) == 0) {
     const std::string text = line + aAnswer;
     static_cast<void>(::pwrite(aFile, text.data(), text.size(), 0));
@@ -92,7 +92,7 @@ std::string shareStatus(const std::string& aStateFolder, const Limits& aLimits,
                         const std::function<Moment()>& aNow) {
   const FileLock lock(aStateFolder + "/status.answer");
   if (!lock.isOpen()) {
-    return render(problem(500, "GC_WEB_STATE is no folder to write to."));
+    return render(problem(500, "The folder GC_WEB_STATE is not writable."));
   }
   bool isLocked = lock.tryLock();
   std::optional<std::string> answer = readAnswer(lock.file(), aLimits, aNow);
@@ -104,7 +104,7 @@ std::string shareStatus(const std::string& aStateFolder, const Limits& aLimits,
     return *answer;
   }
   if (!isLocked) {
-    return render(problem(504, "Somebody else's request for the status has not ended."));
+    return render(problem(504, "Another request for the status has not finished yet."));
   }
   answer = aAsk();
   keepAnswer(lock.file(), *answer, aNow());

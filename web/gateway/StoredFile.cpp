@@ -1,4 +1,4 @@
-// Files that must survive a power cut, and folders of them.
+// Files that must survive a power failure, and their folders.
 #include "StoredFile.h"
 
 #include <dirent.h>

@@ -1,24 +1,23 @@
-// Files that must survive a power cut, and folders of them.
+// Files that must survive a power failure, and their folders.
 #pragma once
 
 #include <string>
 #include <vector>
 
-/// The whole file, from its beginning; what could be read of it.
+/// The whole file from the beginning, as far as it can be read.
 std::string contentOf(int aFile);
 
-/// Writes the content and waits until it is on the disk; false when it is not.
+/// Writes the content and waits until it is on disk; false if that fails.
 bool writeToDisk(int aFile, const std::string& aContent);
 
-/// Waits until the names in a folder are on the disk.
+/// Waits until a folder's entries are on disk.
 bool syncFolder(const std::string& aPath);
 
-/// Makes a folder for this user alone if it is not there. What cannot be made fails when it is
-/// used.
+/// Creates a folder for this user only, unless it exists. A failure shows when the folder is used.
 void makeFolder(const std::string& aPath);
 
-/// The folder that a file or folder is in.
+/// The folder that contains a file or folder.
 std::string parentOf(const std::string& aPath);
 
-/// Names of the files in a folder, but hidden ones, in no order; none when there is no such folder.
+/// Names of the files in a folder, except hidden ones, unsorted; none if there is no such folder.
 std::vector<std::string> namesIn(const std::string& aPath);

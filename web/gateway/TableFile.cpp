@@ -1,4 +1,4 @@
-// The file of a download, made of the report of its table.
+// Converts the report of a table into the file of a download.
 #include "TableFile.h"
 
 #include <rapidjson/memorystream.h>
@@ -13,14 +13,14 @@
 
 namespace {
 
-// What the rows of a calibration have beside the amounts is the instrument's, and would make a
-// large table longer than a body may be.
+// The other members of a calibration row belong to the instrument, and would make a large table
+// longer than the limit for a body.
 constexpr const char* cAmountKeys[] = {"Channel", "ID", "Level_amt"};
 
 // Document, list of rows, row.
 constexpr int cLevelOfRows = 3;
 
-/// Writes what it reads, but for members of rows that a download does not take.
+/// Copies what it reads, except members of rows that a download does not take.
 class TableFilter : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, TableFilter> {
  public:
   using Size = rapidjson::SizeType;
@@ -68,7 +68,7 @@ class TableFilter : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Table
   }
 
  private:
-  /// Where a member is skipped, the value that has just been read may have been the whole of it.
+  /// When a member is skipped, the value just read may complete it.
   bool isWritten() {
     const bool isKept = mSkipped == 0;
     if (mSkipped == mLevel) {
@@ -94,7 +94,7 @@ class TableFilter : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Table
   rapidjson::Writer<rapidjson::StringBuffer> mWriter;
   const bool mOnlyAmounts;
   int mLevel = 0;
-  int mSkipped = 0;  ///< level of the object with a member that is being skipped; 0 for none
+  int mSkipped = 0;  ///< level of the object whose member is being skipped; 0 if none
 };
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The file of a download, made of the report of its table.
+// Converts the report of a table into the file of a download.
 #pragma once
 
 #include <optional>
@@ -6,6 +6,6 @@
 
 #include "Operation.h"
 
-/// What a download takes of a report, as compact JSON; none when the report is no object. Numbers
-/// stay as they were printed, to the last digit. `aTable`: eSequence or eCalibration.
+/// The part of a report that a download takes, as compact JSON; none if the report is not an
+/// object. Numbers keep every printed digit. `aTable`: eSequence or eCalibration.
 std::optional<std::string> tableFileOf(eOperation aTable, const std::string& aReport);

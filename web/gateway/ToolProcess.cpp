@@ -1,4 +1,4 @@
-// One run of the tool: started without a shell, watched, and ended or waited for.
+// One run of the tool: started without a shell, watched, and killed or waited for.
 #include "ToolProcess.h"
 
 #include <fcntl.h>
@@ -17,18 +17,18 @@
 
 namespace {
 
-// Longest single wait in a system call; the loops around it look at the clock.
+// Longest single wait in a system call; the loops around it check the clock.
 constexpr std::chrono::milliseconds cLongestWait{1000};
 constexpr int cCannotExecute = 127;
-// What a service manager sends to all processes of a service, and what a lost connection sends.
+// Sent by a service manager to all processes of a service, or on a lost connection.
 constexpr int cFarewells[] = {SIGPIPE, SIGTERM, SIGINT, SIGHUP};
-// Higher than any number that the tool finds its files under.
+// Higher than any descriptor number that the tool is given.
 constexpr int cOutOfTheWay = 16;
-// Longer than the gateway itself, which knows what to say when it ends the tool; but shorter than
-// another abort waits for the one before (Limits::otherCommand).
+// Longer than the gateway itself waits, since the gateway can explain why it killed the tool; but
+// shorter than another abort waits for the previous one (Limits::otherCommand).
 constexpr std::chrono::seconds cAfterTheGateway{4};
 
-/// Milliseconds that may be waited in one go; 0 when the time is over.
+/// Milliseconds for the next wait; 0 when the time is up.
 int waitBefore(Clock::time_point aTime) {
   const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(aTime - Clock::now());
   return static_cast<int>(
@@ -36,7 +36,7 @@ int waitBefore(Clock::time_point aTime) {
           .count());
 }
 
-/// Its end must interrupt a wait, whatever the web server has set.
+/// The child's end must interrupt a wait, whatever signal settings the web server passes on.
 sigset_t holdChildSignal() {
   sigset_t childSignal;
   sigemptyset(&childSignal);
@@ -46,7 +46,7 @@ sigset_t holdChildSignal() {
   return childSignal;
 }
 
-/// Of a command whose gateway may have been killed.
+/// For a command whose gateway may have been killed.
 unsigned lifetimeOf(const Limits& aLimits, eOperation aCommand) {
   const auto time = isAbort(aCommand) ? aLimits.abort : aLimits.command + aLimits.hung;
   return static_cast<unsigned>(
@@ -68,14 +68,14 @@ struct Start {
   char* const* environment;
   int output;
   int errors;
-  const int* files;  ///< what it inherits beside the outputs, as descriptors 3, 4, ...
+  const int* files;  ///< inherited as descriptors 3, 4, ... in addition to the outputs
   int fileCount;
-  rlim_t limit;       ///< of either output
-  pid_t endsWith;     ///< the process whose end is the tool's too; 0 for none
-  unsigned lifetime;  ///< seconds after which it is ended even if nobody watches; 0 for none
+  rlim_t limit;       ///< of each output
+  pid_t endsWith;     ///< the tool is killed when this process ends; 0 for none
+  unsigned lifetime;  ///< seconds after which the tool ends even if unattended; 0 for none
 };
 
-/// A report that prints too much is ended by it; a command's further output is lost.
+/// Too much output kills a report; a command continues, without its further output.
 bool limitOutput(const Start& aStart) {
   rlimit size = {};
   if (::getrlimit(RLIMIT_FSIZE, &size) != 0) {
@@ -86,7 +86,7 @@ bool limitOutput(const Start& aStart) {
   return ::setrlimit(RLIMIT_FSIZE, &size) == 0;
 }
 
-/// Gives each file its number; none of them is in the way of another any more when it gets it.
+/// Moves each file to its number, via copies above the range so that none overwrites another.
 bool placeFiles(const Start& aStart) {
   int free[cOutOfTheWay] = {};
   for (int i = 0; i < aStart.fileCount; ++i) {
@@ -100,10 +100,9 @@ bool placeFiles(const Start& aStart) {
   return true;
 }
 
-/// The child's way to the tool. It shares this process's memory: only system calls.
+/// Runs in the child up to the exec. It shares this process's memory: system calls only.
 [[noreturn]] void becomeTool(const Start& aStart) {
-  // What this process ignores or holds the tool would inherit. A command that has begun is
-  // finished.
+  // The tool would inherit ignored and blocked signals. A command that has begun must finish.
   for (const int number : cFarewells) {
     std::signal(number, aStart.endsWith != 0 ? SIG_DFL : SIG_IGN);
   }
@@ -111,8 +110,8 @@ bool placeFiles(const Start& aStart) {
   sigset_t none;
   sigemptyset(&none);
   sigprocmask(SIG_SETMASK, &none, nullptr);
-  // A signal to the web server's group is not for the tool. Not a session of its own: on a busy
-  // machine the scheduler lets the first process of a new one wait for its turn.
+  // Signals to the web server's process group must not reach the tool. A group, not a session: on a
+  // busy machine the scheduler makes the first process of a new session wait.
   ::setpgid(0, 0);
   if (aStart.endsWith != 0 &&
       (::prctl(PR_SET_PDEATHSIG, SIGKILL) != 0 || ::getppid() != aStart.endsWith)) {
@@ -127,14 +126,14 @@ bool placeFiles(const Start& aStart) {
     ::_exit(cCannotExecute);
   }
   ::closefrom(cToolFile + aStart.fileCount);
-  // It goes on counting in the tool.
+  // The alarm survives the exec.
   ::alarm(aStart.lifetime);
   ::execve(aStart.arguments[0], aStart.arguments, aStart.environment);
   ::_exit(cCannotExecute);
 }
 
-/// Returns when the tool has taken the child's place. Copying this process for it first would take
-/// a quarter of all that the gateway does; posix_spawn cannot make a child end with its parent.
+/// Returns after the exec. fork would cost a quarter of the gateway's whole time; posix_spawn
+/// cannot make a child end with its parent.
 pid_t startTool(const Start& aStart) {
   sigset_t every;
   sigset_t before;

@@ -1,4 +1,4 @@
-// One run of the tool: started without a shell, watched, and ended or waited for.
+// One run of the tool: started without a shell, watched, and killed or waited for.
 #pragma once
 
 #include <sys/types.h>
@@ -10,34 +10,34 @@
 #include "Operation.h"
 #include "Settings.h"
 
-/// How a run went, as far as is known.
+/// The result of a run, as far as it is known.
 struct Outcome {
   bool started = false;
-  bool late = false;     ///< had not ended in its time
-  bool tooMuch = false;  ///< printed more than is kept, which ends a report; the rest is dropped
-  int status = 0;        ///< as of waitpid
+  bool late = false;     ///< timed out
+  bool tooMuch = false;  ///< printed more than the limit, which kills a report; the rest is dropped
+  int status = 0;        ///< as from waitpid
   std::string output;
   std::string errors;
 };
 
 class ToolProcess {
  public:
-  /// Starts the tool. A report's ends when this process does; a command's goes on, whatever signal
-  /// is sent to all, but not for longer than the limits say. `aHeld`: locked files that the tool
-  /// inherits, so that the locks live as long as it does.
+  /// Starts the tool. A report's run ends with this process; a command's continues, whatever signal
+  /// is sent to all processes, but no longer than the limits allow. `aHeld`: locked files that the
+  /// tool inherits, so that the locks last as long as the tool runs.
   ToolProcess(const Settings& aSettings, const Limits& aLimits, const ToolCall& aCall,
               std::vector<int> aHeld = {});
-  /// Ends a report that still runs; waits for a command.
+  /// Kills a report that is still running; waits for a command.
   ~ToolProcess();
   ToolProcess(const ToolProcess&) = delete;
   ToolProcess& operator=(const ToolProcess&) = delete;
 
-  /// Waits until the tool has ended (true) or the time is over (false, and late), and reads what it
-  /// has printed.
+  /// Waits until the tool has ended (true) or the time is up (false, and late), and reads its
+  /// output so far.
   bool waitUntil(Clock::time_point aTime);
-  /// Waits as long as it takes.
+  /// Waits without a time limit.
   void waitForEnd();
-  /// Ends the tool if it still runs.
+  /// Kills the tool if it is still running.
   void end();
 
   const Outcome& outcome() const { return mOutcome; }
@@ -49,10 +49,10 @@ class ToolProcess {
 
   const Limits mLimits;
   const bool mIsReport;
-  // Files without names. A pipe's reader is woken again and again, which takes longer than all else
-  // that the gateway does.
+  // Unnamed files. A pipe would wake its reader again and again, which costs more than everything
+  // else that the gateway does.
   Descriptor mOutput;
   Descriptor mErrors;
-  pid_t mProcess = -1;  ///< -1 when there is none, or no longer
+  pid_t mProcess = -1;  ///< -1 if none is running
   Outcome mOutcome;
 };

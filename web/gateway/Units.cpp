@@ -1,4 +1,4 @@
-// The units of the instrument's values, which no report tells and the owner may.
+// The units of the instrument's values, which no report contains but the owner may configure.
 #include "Units.h"
 
 #include <rapidjson/document.h>
@@ -22,8 +22,8 @@ constexpr std::string_view cQuantities[] = {
 };
 
 constexpr char cPair[] =
-    "GC_WEB_UNITS must hold pairs like temperature=°C with commas between, each quantity once; "
-    "this is none: ";
+    "GC_WEB_UNITS must be a comma-separated list of pairs such as temperature=°C, each quantity at "
+    "most once; invalid pair: ";
 
 std::string_view trimmed(std::string_view aText) {
   const std::size_t begin = std::min(aText.find_first_not_of(' '), aText.size());
@@ -35,7 +35,7 @@ bool isQuantity(std::string_view aName) {
   return std::find(std::begin(cQuantities), std::end(cQuantities), aName) != std::end(cQuantities);
 }
 
-/// Adds the units to an object; returns the first pair that is none.
+/// Adds the units to an object; returns the first invalid pair.
 std::optional<std::string_view> readUnits(std::string_view aSetting, rapidjson::Document& units) {
   auto& allocator = units.GetAllocator();
   for (std::size_t begin = 0; begin <= aSetting.size();) {
@@ -68,7 +68,7 @@ Answer withUnits(const Answer& aAnswer, const std::string& aSetting) {
   Writer writer(text);
   units.Accept(writer);
   Answer answer = aAnswer;
-  // The instrument's own members stay as the tool has printed them, octet for octet.
+  // The tool's output stays unchanged, octet for octet.
   const std::size_t end = answer.body.rfind('}');
   const bool isEmpty = answer.body[answer.body.find_last_not_of(" \t\r\n", end - 1)] == '{';
   answer.body.insert(end, std::string(isEmpty ? "" : ",") + "\"units\":" + text.GetString());

@@ -1,12 +1,11 @@
-// The units of the instrument's values, which no report tells and the owner may.
+// The units of the instrument's values, which no report contains but the owner may configure.
 #pragma once
 
 #include <string>
 
 #include "Answer.h"
 
-/// The answer to a request for the configuration, with the member "units" that the setting names:
-/// "temperature=°C, pressure=kPa". Any other answer stays as it is, and so does the document where
-/// the setting is empty. A setting that cannot be read is 500, which says what is wrong with it:
-/// better no units than wrong ones.
+/// The answer to a configuration request, with a member "units" from the setting: "temperature=°C,
+/// pressure=kPa". Any other answer stays unchanged, and so does the document if the setting is
+/// empty. An invalid setting is answered with 500 and the reason: better no units than wrong ones.
 Answer withUnits(const Answer& aAnswer, const std::string& aSetting);

@@ -1,4 +1,4 @@
-// The present time, as logs tell it.
+// The current time, as written to logs.
 #include "UtcTime.h"
 
 #include <ctime>

@@ -1,7 +1,7 @@
-// The present time, as logs tell it.
+// The current time, as written to logs.
 #pragma once
 
 #include <string>
 
-/// UTC, to the second, as in ISO 8601: 2026-11-21T07:31:35Z.
+/// UTC in ISO 8601, to the second: 2026-11-21T07:31:35Z.
 std::string utcNow();

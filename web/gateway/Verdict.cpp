@@ -1,4 +1,4 @@
-// What the browser is told of a run of the tool.
+// Turns a run of the tool into the answer for the browser.
 #include "Verdict.h"
 
 #include <sys/wait.h>
@@ -20,13 +20,13 @@ constexpr std::size_t cLongestComplaint = 200;
 constexpr char cFailure[] = "Execute failed ";
 
 constexpr char cOutcomeUnknown[] =
-    "Whether the instrument has carried out the command is not known: look at its status.";
+    "It is not known whether the instrument carried out the command: check its status.";
 
-// With which the tool says that its command line is not one, and the system that there is no tool.
+// Exit statuses for a bad command line (the tool's), and for a missing program (the system's).
 constexpr int cBadCommandLine = 255;
 constexpr int cNoProgram = 127;
 
-/// Of a command that may have reached the instrument, or of a report, which changes nothing.
+/// For a command that may have reached the instrument, or a report, which changes nothing.
 Answer outcomeUnknown(eOperation aOperation, int aStatus, const std::string& aDetail,
                       ProblemFacts aFacts = {}) {
   if (isReport(aOperation)) {
@@ -54,20 +54,20 @@ std::optional<int> findFailure(const std::string& aErrors) {
 
 std::string describeEnd(const Outcome& aOutcome) {
   if (WIFSIGNALED(aOutcome.status)) {
-    return "The tool was ended by signal " + std::to_string(WTERMSIG(aOutcome.status)) + '.';
+    return "The tool was killed by signal " + std::to_string(WTERMSIG(aOutcome.status)) + '.';
   }
   const std::size_t line = std::min(aOutcome.errors.find('\n'), cLongestComplaint);
-  return "The tool ended with exit status " + std::to_string(WEXITSTATUS(aOutcome.status)) + ". " +
+  return "The tool exited with status " + std::to_string(WEXITSTATUS(aOutcome.status)) + ". " +
          aOutcome.errors.substr(0, line);
 }
 
-/// Whether the tool ended before it could ask the instrument for anything.
+/// Whether the tool ended before it could send the instrument anything.
 bool hasDoneNothing(int aStatus) {
   return WIFEXITED(aStatus) &&
          (WEXITSTATUS(aStatus) == cBadCommandLine || WEXITSTATUS(aStatus) == cNoProgram);
 }
 
-/// The answer to a status that is the library's own; none to one that is the instrument's.
+/// The answer for a status from the library itself; none for one from the instrument.
 std::optional<Answer> judgeUnanswered(eOperation aOperation, std::uint32_t aStatus,
                                       const std::string& aMessage) {
   const char* reason = unansweredReason(aStatus);
@@ -76,7 +76,7 @@ std::optional<Answer> judgeUnanswered(eOperation aOperation, std::uint32_t aStat
   }
   ProblemFacts facts;
   facts.libraryStatus = aStatus;
-  // The plain words of a verdict would only mislead.
+  // A verdict's plain text would only mislead.
   if (aMessage.find(':') != std::string::npos) {
     facts.message = aMessage;
   }
@@ -90,15 +90,15 @@ Answer judgeFailure(eOperation aOperation, int aStatus) {
   }
   ProblemFacts facts;
   facts.instrumentStatus = aStatus;
-  return problem(isReport(aOperation) ? 502 : 409, "The instrument refused it.", facts);
+  return problem(isReport(aOperation) ? 502 : 409, "The instrument refused the request.", facts);
 }
 
-/// Of a tool that ended well and printed nothing.
+/// For a tool that ended normally and printed nothing.
 Answer judgeSilence(eOperation aOperation, std::optional<int> aFailure) {
   if (aFailure.has_value()) {
     return judgeFailure(aOperation, *aFailure);
   }
-  // Only the switch of the stream says nothing when all is well.
+  // Only the stream switch prints nothing on success.
   return aOperation == eOperation::eStream
              ? Answer{204, "", "", ""}
              : outcomeUnknown(aOperation, 502, "The tool printed nothing.");
@@ -106,19 +106,20 @@ Answer judgeSilence(eOperation aOperation, std::optional<int> aFailure) {
 
 constexpr char cFileRefused[] = "Format Invalid";
 
-/// Whether the tool says that it did not get as far as the instrument. Two codes are for that;
-/// where a call has failed, they are the call's.
+/// Whether the tool reports that it did not reach the instrument. Two codes mean that, unless a
+/// call failed: then the code is the call's.
 bool isUnreached(unsigned aCode, std::optional<int> aFailure) {
   return (aCode == 1 || aCode == 10053) && !aFailure.has_value();
 }
 
 /// Status of a printed result object.
 int judgeResult(unsigned aCode, const std::string& aMessage, bool aHasFailed) {
-  // A file that is no sequence is refused with code 0. No other words tell anything.
+  // A file that is not a sequence is refused with code 0. No other text matters.
   return aCode != 0 || aHasFailed || aMessage == cFileRefused ? 409 : 200;
 }
 
-/// The status that a verdict is about. What follows a refused file on standard error is the tool's.
+/// The status behind a verdict. After a refused file, the number on standard error is the tool's
+/// own.
 std::uint32_t statusOf(unsigned aCode, const std::string& aMessage, std::optional<int> aFailure) {
   return aCode != 0 || aMessage == cFileRefused ? aCode
                                                 : static_cast<std::uint32_t>(aFailure.value_or(0));
@@ -128,7 +129,7 @@ Answer judgeDocument(eOperation aOperation, const std::string& aOutput,
                      std::optional<int> aFailure) {
   rapidjson::Document document;
   if (!parseJson(aOutput, document) || !document.IsObject()) {
-    return outcomeUnknown(aOperation, 502, "What the tool printed is not one JSON document.");
+    return outcomeUnknown(aOperation, 502, "The tool's output is not a single JSON document.");
   }
   const auto code = document.FindMember("ErrorCode");
   if (code == document.MemberEnd() && isReport(aOperation)) {
@@ -136,7 +137,7 @@ Answer judgeDocument(eOperation aOperation, const std::string& aOutput,
                                 : Answer{200, aOutput, schemaOf(aOperation), ""};
   }
   if (code == document.MemberEnd() || !code->value.IsUint()) {
-    return outcomeUnknown(aOperation, 502, "What the tool printed has no ErrorCode.");
+    return outcomeUnknown(aOperation, 502, "The tool's output has no ErrorCode.");
   }
   const auto member = document.FindMember("Msg");
   const bool hasMessage = member != document.MemberEnd() && member->value.IsString();
@@ -159,11 +160,11 @@ Answer judge(eOperation aOperation, const Outcome& aOutcome) {
     return problem(502, "The tool could not be started; nothing was done.");
   }
   if (aOutcome.late) {
-    // What is late is ended, but for commands that others may have to wait for.
+    // A late run is killed, unless it is a command that others may have to wait for.
     const bool isEnded = isReport(aOperation) || isAbort(aOperation);
     return outcomeUnknown(
         aOperation, 504,
-        isEnded ? "The instrument did not answer in time." : "The command is still going on.");
+        isEnded ? "The instrument did not answer in time." : "The command is still in progress.");
   }
   if (aOutcome.tooMuch) {
     return outcomeUnknown(aOperation, 502, "The tool printed too much.");

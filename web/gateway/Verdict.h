@@ -1,4 +1,4 @@
-// What the browser is told of a run of the tool.
+// Turns a run of the tool into the answer for the browser.
 #pragma once
 
 #include "Answer.h"

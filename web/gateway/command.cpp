@@ -1,4 +1,4 @@
-// The CGI program that acts.
+// The CGI program for commands.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -9,7 +9,7 @@
 
 namespace {
 
-/// The web server waits for the end of the output, and this process may have to outlive the answer.
+/// The web server waits for the end of the output, which this process may have to outlive.
 void sendAndClose(const std::string& aRendered) {
   send(STDOUT_FILENO, aRendered);
   const int null = ::open("/dev/null", O_WRONLY | O_CLOEXEC);

@@ -1,4 +1,4 @@
-// The CGI program that reads.
+// The CGI program for reports.
 #include <unistd.h>
 
 #include <csignal>

@@ -1,4 +1,4 @@
-// Aborts wait for no other command, and share the answer of one another.
+// Aborts do not wait for other commands, and share each other's answer.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -20,7 +20,7 @@ class Aborted : public Bench {
  protected:
   Aborted() { limits.otherCommand = std::chrono::seconds(30); }
 
-  /// Another process that carries out a command, and leaves its answer in a file.
+  /// Runs a command in another process, which leaves its answer in a file.
   pid_t doElsewhere(const std::string& aAnswer = "answer") {
     const pid_t process = ::fork();
     if (process == 0) {
@@ -30,7 +30,7 @@ class Aborted : public Bench {
     return process;
   }
 
-  /// Returns when a process waits for a lock, and so has been asked for what it does.
+  /// Returns once a process waits for a lock, so its request has arrived.
   static void whenItWaits(pid_t aProcess) {
     std::string state;
     while (state.find("locks_lock") == std::string::npos &&
@@ -101,7 +101,8 @@ TEST_F(Aborted, DoesNotShareTheAnswerOfOneThatHasEnded) {
   EXPECT_EQ(contentOf("runs"), "run\nrun\n");
 }
 
-/// A run that began after the first abort would go on, although two people were told that it ended.
+/// A run that began after the first abort would continue, although two people were told it had
+/// ended.
 TEST_F(Aborted, IsDoneAgainWhenACommandHasBegunSince) {
   const std::string open = fifo("open");
   toolDoes("note " + path("runs") + "\nawait " + open + "\nout " + cAccepted);
@@ -185,12 +186,12 @@ TEST_F(Aborted, SaysWhenAnotherDoesNotEnd) {
   toolDoes("note " + path("runs"));
   const Received answer = command("POST", "/abort", cNow);
   EXPECT_EQ(answer.status, 504);
-  EXPECT_NE(answer.detail().find("not begun"), std::string::npos);
+  EXPECT_NE(answer.detail().find("not started"), std::string::npos);
   EXPECT_EQ(contentOf("runs"), "");
   EXPECT_EQ(contentOf("log"), "");
 }
 
-/// The folder may have been kept from an earlier start of the system, whose clock was ahead.
+/// The folder may date from an earlier boot, when the clock was ahead.
 TEST_F(Aborted, SharesNoAnswerFromBeforeTheOther) {
   const std::string open = fifo("open");
   toolDoes("note " + path("runs") + "\nawait " + open);
@@ -215,7 +216,7 @@ TEST_F(Aborted, SharesNoAnswerFromBeforeTheOther) {
   EXPECT_EQ(contentOf("runs"), "run\nrun\n");
 }
 
-/// The next one waits for it, and would give up before its turn.
+/// The next abort waits for it, and would give up before its turn.
 TEST_F(Aborted, IsEndedInTimeForTheNextWithoutAGateway) {
   toolDoes("describe 0");
   const Received answer = command("POST", "/abort", cNow);

@@ -96,7 +96,7 @@ TEST_F(AbortsAtATime, AreToldWhenACommandBegins) {
   ASSERT_EQ(::stat(mFolder.path("command").c_str(), &before), 0);
   const std::int64_t earliest = sinceStart();
   EXPECT_TRUE(markCommandBegun(mCommands));
-  // A file system may keep less than a nanosecond of it.
+  // File timestamps may be coarser than a nanosecond.
   EXPECT_GE(dateOfCommands(), earliest - 10000000);
   EXPECT_LE(dateOfCommands(), sinceStart());
   struct stat after = {};

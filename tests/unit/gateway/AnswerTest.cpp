@@ -91,7 +91,7 @@ TEST(Sent, IsAllOfIt) {
   Descriptor writer(ends[1]);
   std::string all(1'000'000, 'x');
   all += "end";
-  // The pipe takes a part of it at a time.
+  // The pipe takes only part of it at a time.
   std::thread sender([&] {
     send(writer.get(), all);
     writer.close();

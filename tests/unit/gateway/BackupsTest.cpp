@@ -1,4 +1,4 @@
-// Tables that downloads replace are kept, and given back.
+// Tables that downloads replace are backed up, listed and returned.
 #include "Backups.h"
 
 #include <sys/resource.h>
@@ -95,7 +95,7 @@ TEST_F(KeptTable, IsOneOfTheLastTwenty) {
   EXPECT_EQ(filesIn("data/backups/sequence").size(), 20U);
 }
 
-/// Whoever tries again and again does not push out what was there before.
+/// Repeated attempts must not push out the older backups.
 TEST_F(KeptTable, IsKeptOnce) {
   for (const char* present : {R"({"total":1})", R"({"total":2})", R"({"total": 2})",
                               R"({"total":2})", R"({"total":1})"}) {

@@ -1,4 +1,4 @@
-// A gateway's surroundings as long as a test: web server, folder of state, tool.
+// The gateway's environment for the duration of a test: web server, state folder, tool.
 #include "Bench.h"
 
 #include <fcntl.h>

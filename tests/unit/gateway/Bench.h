@@ -1,4 +1,4 @@
-// A gateway's surroundings as long as a test: web server, folder of state, tool.
+// The gateway's environment for the duration of a test: web server, state folder, tool.
 #pragma once
 
 #include <cgicc/CgiInput.h>
@@ -15,7 +15,7 @@
 #include "Settings.h"
 #include "TemporaryFolder.h"
 
-/// What a web server would hand over. Tests change the public members.
+/// What a web server would pass on. Tests change the public members.
 class FakeInput : public cgicc::CgiInput {
  public:
   size_t read(char* data, size_t length) override;
@@ -26,7 +26,7 @@ class FakeInput : public cgicc::CgiInput {
   std::size_t octetsRead = 0;
 };
 
-/// The output of a CGI program, taken apart.
+/// The parsed output of a CGI program.
 struct Received {
   explicit Received(const std::string& aOutput);
 
@@ -36,43 +36,43 @@ struct Received {
   std::string body;
 
   rapidjson::Document document() const;
-  /// Of a problem document, after checking its other members and headers.
+  /// The detail of a problem document, after checking its other members and headers.
   std::string detail() const;
 };
 
 class Bench : public ::testing::Test {
  public:
-  /// Waits for the tools of gateways that the test has killed.
+  /// Waits for tools whose gateways the test has killed.
   ~Bench() override;
 
  protected:
   Bench();
 
-  /// What the tool does: lines for the fake one. Whenever it is asked for a table, as before a
-  /// download, that is `aTable`; empty: it does the same as always.
+  /// What the tool does: lines for the fake tool. A request for a table, as before a download, is
+  /// answered with `aTable`; if that is empty, with the same lines.
   void toolDoes(const std::string& aLines, const std::string& aTable = R"({"total": 0})") {
     input.variables["GC_WEB_ADDRESS"] = (aTable.empty() ? "" : "table " + aTable + '\n') + aLines;
   }
   std::string path(const std::string& aName) const { return mFolder.path(aName); }
   std::string contentOf(const std::string& aName) const;
   void write(const std::string& aName, const std::string& aContent) const;
-  /// Makes a FIFO and returns its path.
+  /// Creates a FIFO and returns its path.
   std::string fifo(const std::string& aName) const;
-  /// Returns when a tool awaits the FIFO, with the end of which it waits for an octet.
+  /// Returns once a tool has opened the FIFO, with the end from which it awaits an octet.
   static Descriptor whenAwaited(const std::string& aFifo);
   static void letGoOn(const Descriptor& aEnd);
 
   Received report(const std::string& aPath, const std::string& aMethod = "GET");
-  /// A report beside commands, whose input stays as it is.
+  /// A report between commands; their input stays unchanged.
   Received ask(const std::string& aPath, const std::string& aMethod = "GET");
   Received command(const std::string& aMethod, const std::string& aPath, const std::string& aBody);
   void setCommand(const std::string& aMethod, const std::string& aPath, const std::string& aBody);
-  /// The only reply to the command that the input holds.
+  /// The only reply to the command in `input`.
   Received replyToCommand();
   std::vector<std::string> linesOf(const std::string& aName) const;
-  /// Lines of the log of commands about one kind of event: "begun", "ended", "seen".
+  /// Lines of the command log with one kind of event: "begun", "ended", "seen".
   std::vector<rapidjson::Document> logged(const std::string& aEvent) const;
-  /// Names of what is in a folder, in their order; none when it is not there.
+  /// Sorted names of the files in a folder; none if it does not exist.
   std::vector<std::string> filesIn(const std::string& aName) const;
 
   Settings settings() const;

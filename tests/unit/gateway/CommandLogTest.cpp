@@ -1,4 +1,4 @@
-// The log of commands: what its lines say, and what becomes of them on a bad disk.
+// The log of commands: the contents of its lines, and what happens to them on a failing disk.
 #include "CommandLog.h"
 
 #include <fcntl.h>
@@ -58,7 +58,7 @@ TEST_F(LogOfCommands, KnowsEveryCommandByANumberOfItsOwn) {
 }
 
 TEST_F(LogOfCommands, TellsTheTimeInUtc) {
-  // Hours away from UTC, whatever the machine's zone is.
+  // Hours away from UTC, whatever the machine's time zone.
   const char* before = std::getenv("TZ");  // NOLINT(concurrency-mt-unsafe)
   const std::string zone = before == nullptr ? "" : before;
   ::setenv("TZ", "XXX-9", 1);  // NOLINT(concurrency-mt-unsafe)
@@ -193,7 +193,7 @@ TEST_F(LogOfCommands, GoesOnInTheNewFileAfterARotation) {
   }
 }
 
-/// There it has room; in a file without a name nobody would find it.
+/// There it has room; nobody would find it in an unlinked file.
 TEST_F(LogOfCommands, StaysInTheOldFileWhenThereIsNoNewOne) {
   const CommandLog log(path("log"));
   EXPECT_TRUE(log.addFirstOfTwo("begun\n"));
@@ -236,7 +236,7 @@ TEST_F(LogOfCommands, ThatCannotBeWrittenLetsNothingBegin) {
   EXPECT_TRUE(filesIn("data/begun").empty());
 }
 
-/// Files of this process may not grow beyond a size.
+/// Limits the size of files that this process writes.
 class SizeLimit {
  public:
   explicit SizeLimit(rlim_t aSize) {
@@ -270,7 +270,7 @@ TEST_F(LogOfCommands, HasAWholeLineOrNothingOfIt) {
   EXPECT_EQ(contentOf("log"), before + "z\n");
 }
 
-/// In a process of its own, a disk that has room for so many pages.
+/// In a separate process, with a disk of this many pages.
 template <typename tDo>
 int onSmallDisk(const std::string& aFolder, int aPages, const tDo& aDo) {
   const pid_t process = ::fork();

@@ -1,4 +1,4 @@
-// Commands: paths, methods, bodies, what the tool is started with.
+// Commands: paths, methods, bodies, and the arguments that the tool gets.
 #include "Bench.h"
 #include "FileLock.h"
 
@@ -137,31 +137,42 @@ constexpr Bad cBad[] = {
     {"/run", "{\"type\": \"\xFF\"}", 400, "The body"},
     {"/run", "\xEF\xBB\xBF{\"type\": \"automation\"}", 400, "The body"},
     {"/run", "{type: \"automation\"}", 400, "The body"},
-    {"/run", "[]", 422, "The document is not of its schema: type"},
-    {"/run", "5", 422, "The document is not of its schema: type"},
-    {"/run", "{}", 422, "The document is not of its schema: required type"},
-    {"/run", R"({"type": "auto"})", 422, "/type is not of its schema: enum"},
-    {"/run", R"({"type": "single\u0000", "stream": 1})", 422, "/type is not of its schema: enum"},
-    {"/run", R"({"type": 1})", 422, "/type is not of its schema: type"},
+    {"/run", "[]", 422, "The document does not match its schema: type"},
+    {"/run", "5", 422, "The document does not match its schema: type"},
+    {"/run", "{}", 422, "The document does not match its schema: required type"},
+    {"/run", R"({"type": "auto"})", 422, "/type does not match its schema: enum"},
+    {"/run", R"({"type": "single\u0000", "stream": 1})", 422,
+     "/type does not match its schema: enum"},
+    {"/run", R"({"type": 1})", 422, "/type does not match its schema: type"},
     {"/run", R"({"type": "single"})", 422, "/stream is missing"},
     {"/run", R"({"type": "calibration"})", 422, "/stream is missing"},
     {"/run", R"({"type": "automation", "stream": 1})", 422, "The document has more members"},
     {"/run", R"({"type": "single", "stream": 1, "stream": 2})", 422, "The document has more"},
     {"/run", R"({"type": "single", "type": "calibration", "stream": 2})", 422, "The document has"},
-    {"/run", R"({"type": "single", "stream": 1, "x": 2})", 422, "/x is not of its schema: addi"},
-    {"/run", R"({"type": "single", "stream": -1})", 422, "/stream is not of its schema: minimum"},
-    {"/run", R"({"type": "single", "stream": 47})", 422, "/stream is not of its schema: maximum"},
-    {"/run", R"({"type": "single", "stream": 1.5})", 422, "/stream is not of its schema: type"},
-    {"/run", R"({"type": "single", "stream": 1.0})", 422, "/stream is not of its schema: type"},
-    {"/run", R"({"type": "single", "stream": "1"})", 422, "/stream is not of its schema: type"},
-    {"/run", R"({"type": "single", "stream": 1e300})", 422, "/stream is not of its schema: type"},
-    {"/run", R"({"type": "single", "stream": 4294967297})", 422, "/stream is not of its schema: m"},
-    {"/run", R"({"type": "single", "stream": 18446744073709551615})", 422, "/stream is not of"},
-    {"/abort", "{}", 422, "The document is not of its schema: required when"},
-    {"/abort", R"({"when": "auto"})", 422, "/when is not of its schema: enum"},
-    {"/abort", R"({"when": "now", "x": 1})", 422, "/x is not of its schema: additionalProperties"},
-    {"/alarm-reset", R"({"x": 1})", 422, "/x is not of its schema: additionalProperties"},
-    {"/alarm-reset", "null", 422, "The document is not of its schema: type"},
+    {"/run", R"({"type": "single", "stream": 1, "x": 2})", 422,
+     "/x does not match its schema: addi"},
+    {"/run", R"({"type": "single", "stream": -1})", 422,
+     "/stream does not match its schema: minimum"},
+    {"/run", R"({"type": "single", "stream": 47})", 422,
+     "/stream does not match its schema: maximum"},
+    {"/run", R"({"type": "single", "stream": 1.5})", 422,
+     "/stream does not match its schema: type"},
+    {"/run", R"({"type": "single", "stream": 1.0})", 422,
+     "/stream does not match its schema: type"},
+    {"/run", R"({"type": "single", "stream": "1"})", 422,
+     "/stream does not match its schema: type"},
+    {"/run", R"({"type": "single", "stream": 1e300})", 422,
+     "/stream does not match its schema: type"},
+    {"/run", R"({"type": "single", "stream": 4294967297})", 422,
+     "/stream does not match its schema: m"},
+    {"/run", R"({"type": "single", "stream": 18446744073709551615})", 422,
+     "/stream does not match its schema: maximum"},
+    {"/abort", "{}", 422, "The document does not match its schema: required when"},
+    {"/abort", R"({"when": "auto"})", 422, "/when does not match its schema: enum"},
+    {"/abort", R"({"when": "now", "x": 1})", 422,
+     "/x does not match its schema: additionalProperties"},
+    {"/alarm-reset", R"({"x": 1})", 422, "/x does not match its schema: additionalProperties"},
+    {"/alarm-reset", "null", 422, "The document does not match its schema: type"},
 };
 
 TEST_F(CommandRequest, RefusesABodyOfAnotherShape) {
@@ -173,12 +184,14 @@ TEST_F(CommandRequest, RefusesABodyOfAnotherShape) {
   }
   for (const char* path : {"/stream", "/solution"}) {
     for (const char* body : {"[]", "5", "null"}) {
-      EXPECT_EQ(command("PUT", path, body).detail(), "The document is not of its schema: type.");
+      EXPECT_EQ(command("PUT", path, body).detail(),
+                "The document does not match its schema: type.");
     }
   }
-  EXPECT_EQ(command("POST", "/seen", "[]").detail(), "The document is not of its schema: type.");
+  EXPECT_EQ(command("POST", "/seen", "[]").detail(),
+            "The document does not match its schema: type.");
   EXPECT_EQ(command("POST", "/seen", "{}").detail(),
-            "The document is not of its schema: required id.");
+            "The document does not match its schema: required id.");
   for (const char* body : {R"({"stream": 47})", R"({"stream": -1})", R"({"solution": 1})", "{}",
                            R"({"stream": 1, "stream": 2})", R"({"stream": true})"}) {
     EXPECT_EQ(command("PUT", "/stream", body).status, 422) << body;

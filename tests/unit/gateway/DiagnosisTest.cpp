@@ -1,4 +1,4 @@
-// What tool and library say about a failure reaches the web server's log of errors.
+// What the tool and the library say about a failure reaches the web server's error log.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -12,7 +12,7 @@ namespace {
 
 class Said : public Bench {
  protected:
-  /// What the gateway writes on standard error meanwhile.
+  /// What the gateway writes to standard error in the meantime.
   template <typename tDo>
   std::string during(const tDo& aDo) {
     const Descriptor before(::dup(STDERR_FILENO));

@@ -1,4 +1,4 @@
-// Commands exclude each other, and outlive the browser and every signal.
+// Commands exclude each other, and survive the browser's disconnection and every signal.
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/stat.h>
@@ -17,7 +17,7 @@ class CarriedOut : public Bench {
  protected:
   CarriedOut() { setCommand("POST", "/run", R"({"type": "single", "stream": 2})"); }
 
-  /// Another process that carries the command out.
+  /// Runs the command in another process.
   pid_t doElsewhere() {
     const pid_t process = ::fork();
     if (process == 0) {
@@ -46,14 +46,14 @@ TEST_F(CarriedOut, IsNotBegunWhileAnotherIs) {
     ASSERT_TRUE(other.tryLock());
     const Received answer = replyToCommand();
     EXPECT_EQ(answer.status, 409);
-    EXPECT_NE(answer.detail().find("this one was not begun"), std::string::npos);
+    EXPECT_NE(answer.detail().find("this one was not started"), std::string::npos);
     EXPECT_EQ(contentOf("runs"), "");
     EXPECT_EQ(contentOf("log"), "");
   }
   EXPECT_EQ(replyToCommand().status, 200);
 }
 
-/// Whoever asked has given up by then.
+/// The client has given up by then.
 TEST_F(CarriedOut, IsNotWhenItCouldNotBeginInTime) {
   toolDoes("note " + path("runs") + "\nout " + cAccepted);
   limits.begin = std::chrono::milliseconds(-1);
@@ -98,7 +98,7 @@ TEST_F(CarriedOut, IsEndedWhenItNeverWouldBe) {
   ASSERT_EQ(ended.size(), 1U);
   EXPECT_EQ(ended[0]["status"], 504);
   EXPECT_EQ(std::string(ended[0]["document"]["detail"].GetString())
-                .rfind("The tool was ended by signal 9.", 0),
+                .rfind("The tool was killed by signal 9.", 0),
             0U);
   limits = Limits();
   toolDoes(std::string("out ") + cAccepted);

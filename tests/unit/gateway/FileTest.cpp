@@ -1,4 +1,4 @@
-// The files of downloads: what their schemas refuse, and how the tool gets them.
+// The files of downloads: what their schemas reject, and how the tool gets them.
 #include <dirent.h>
 
 #include <fstream>
@@ -44,7 +44,7 @@ TEST_F(DownloadedFile, LeavesNoFile) {
     names.emplace_back(entry->d_name);
   }
   ::closedir(folder);
-  EXPECT_EQ(names.size(), 6U);  // itself, its parent, lock, log, data, what the fake tool has kept
+  EXPECT_EQ(names.size(), 6U);  // ., .., lock, log, data, the fake tool's copy
 }
 
 struct Fault {
@@ -53,48 +53,58 @@ struct Fault {
 };
 
 constexpr Fault cSequenceFaults[] = {
-    {"[]", "The document is not of its schema: type"},
-    {"{}", "The document is not of its schema: required Table_repeat"},
-    {R"({"Table_repeat": 1})", "The document is not of its schema: required total"},
-    {R"({"total": 1})", "The document is not of its schema: required Table_repeat"},
-    {R"({"Table_repeat": "1", "total": 0})", "/Table_repeat is not of its schema: type"},
-    {R"({"Table_repeat": 1.5, "total": 0})", "/Table_repeat is not of its schema: type"},
-    {R"({"Table_repeat": 2147483648, "total": 0})", "/Table_repeat is not of its schema: maximum"},
-    {R"({"Table_repeat": -2147483649, "total": 0})", "/Table_repeat is not of its schema: minimum"},
-    {R"({"Table_repeat": 1, "total": null})", "/total is not of its schema: type"},
-    {R"({"Table_repeat": 1, "total": 0, "Continuous": 1})", "/Continuous is not of its schema: t"},
-    {R"({"Table_repeat": 1, "total": 0, "rows": {}})", "/rows is not of its schema: type"},
-    {R"({"Table_repeat": 1, "total": 1, "rows": [5]})", "/rows/0 is not of its schema: type"},
+    {"[]", "The document does not match its schema: type"},
+    {"{}", "The document does not match its schema: required Table_repeat"},
+    {R"({"Table_repeat": 1})", "The document does not match its schema: required total"},
+    {R"({"total": 1})", "The document does not match its schema: required Table_repeat"},
+    {R"({"Table_repeat": "1", "total": 0})", "/Table_repeat does not match its schema: type"},
+    {R"({"Table_repeat": 1.5, "total": 0})", "/Table_repeat does not match its schema: type"},
+    {R"({"Table_repeat": 2147483648, "total": 0})",
+     "/Table_repeat does not match its schema: maximum"},
+    {R"({"Table_repeat": -2147483649, "total": 0})",
+     "/Table_repeat does not match its schema: minimum"},
+    {R"({"Table_repeat": 1, "total": null})", "/total does not match its schema: type"},
+    {R"({"Table_repeat": 1, "total": 0, "Continuous": 1})",
+     "/Continuous does not match its schema: t"},
+    {R"({"Table_repeat": 1, "total": 0, "rows": {}})", "/rows does not match its schema: type"},
+    {R"({"Table_repeat": 1, "total": 1, "rows": [5]})", "/rows/0 does not match its schema: type"},
     {R"({"Table_repeat": 1, "total": 1, "rows": [{}, {"Type": "analysis"}]})",
-     "/rows/1/Type is not of its schema: enum"},
-    {R"({"Table_repeat": 1, "total": 1, "rows": [{"Type": 1}]})", "/rows/0/Type is not of its sch"},
-    {R"({"Table_repeat": 1, "total": 1, "rows": [{"Repeat": "1"}]})", "/rows/0/Repeat is not of"},
-    {R"({"Table_repeat": 1, "total": 1, "rows": [{"Repeat": 1.0}]})", "/rows/0/Repeat is not of"},
+     "/rows/1/Type does not match its schema: enum"},
+    {R"({"Table_repeat": 1, "total": 1, "rows": [{"Type": 1}]})",
+     "/rows/0/Type does not match its schema: type"},
+    {R"({"Table_repeat": 1, "total": 1, "rows": [{"Repeat": "1"}]})",
+     "/rows/0/Repeat does not match its schema: type"},
+    {R"({"Table_repeat": 1, "total": 1, "rows": [{"Repeat": 1.0}]})",
+     "/rows/0/Repeat does not match its schema: type"},
     {R"({"Table_repeat": 1, "total": 1, "rows": [{"Stream": 2147483648}]})",
-     "/rows/0/Stream is not of its schema: maximum"},
-    {R"({"Table_repeat": 1, "total": 1, "rows": [{"Slot": true}]})", "/rows/0/Slot is not of its"},
+     "/rows/0/Stream does not match its schema: maximum"},
+    {R"({"Table_repeat": 1, "total": 1, "rows": [{"Slot": true}]})",
+     "/rows/0/Slot does not match its schema: type"},
     {R"({"Table_repeat": 1, "total": 1, "rows": [{"Flush_time": "x"}]})",
-     "/rows/0/Flush_time is not of its schema: anyOf"},
-    {R"({"Table_repeat": 1, "total": 1, "rows": [{"Flush_time": null}]})", "/rows/0/Flush_time is"},
+     "/rows/0/Flush_time does not match its schema: anyOf"},
+    {R"({"Table_repeat": 1, "total": 1, "rows": [{"Flush_time": null}]})",
+     "/rows/0/Flush_time does not match its schema: anyOf"},
 };
 
 constexpr Fault cCalibrationFaults[] = {
-    {"null", "The document is not of its schema: type"},
-    {"{}", "The document is not of its schema: required total"},
-    {R"({"total": "1"})", "/total is not of its schema: type"},
-    {R"({"total": 2147483648})", "/total is not of its schema: maximum"},
-    {R"({"total": 1, "rows": null})", "/rows is not of its schema: type"},
-    {R"({"total": 1, "rows": [[]]})", "/rows/0 is not of its schema: type"},
-    {R"({"total": 1, "rows": [{"ID": 1, "Level_amt": 1}]})", "/rows/0 is not of its schema: requi"},
+    {"null", "The document does not match its schema: type"},
+    {"{}", "The document does not match its schema: required total"},
+    {R"({"total": "1"})", "/total does not match its schema: type"},
+    {R"({"total": 2147483648})", "/total does not match its schema: maximum"},
+    {R"({"total": 1, "rows": null})", "/rows does not match its schema: type"},
+    {R"({"total": 1, "rows": [[]]})", "/rows/0 does not match its schema: type"},
+    {R"({"total": 1, "rows": [{"ID": 1, "Level_amt": 1}]})",
+     "/rows/0 does not match its schema: requi"},
     {R"({"total": 1, "rows": [{"Channel": 1, "Level_amt": 1}]})",
-     "/rows/0 is not of its schema: required ID"},
+     "/rows/0 does not match its schema: required ID"},
     {R"({"total": 1, "rows": [{"Channel": 1, "ID": 1}]})",
-     "/rows/0 is not of its schema: required Level_amt"},
-    {R"({"total": 1, "rows": [{"Channel": "1", "ID": 1, "Level_amt": 1}]})", "/rows/0/Channel is"},
+     "/rows/0 does not match its schema: required Level_amt"},
+    {R"({"total": 1, "rows": [{"Channel": "1", "ID": 1, "Level_amt": 1}]})",
+     "/rows/0/Channel does not match its schema: type"},
     {R"({"total": 1, "rows": [{"Channel": 1, "ID": 1.5, "Level_amt": 1}]})",
-     "/rows/0/ID is not of its schema: type"},
+     "/rows/0/ID does not match its schema: type"},
     {R"({"total": 1, "rows": [{"Channel": 1, "ID": 1, "Level_amt": "1"}]})",
-     "/rows/0/Level_amt is not of its schema: anyOf"},
+     "/rows/0/Level_amt does not match its schema: anyOf"},
 };
 
 TEST_F(DownloadedFile, OfAnotherFormIsRefused) {

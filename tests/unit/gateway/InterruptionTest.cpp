@@ -1,4 +1,4 @@
-// Commands of which nobody is left who could tell how they ended.
+// Commands for which no process is left that could tell how they ended.
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/resource.h>
@@ -27,7 +27,7 @@ class Interrupted : public Bench {
     return process;
   }
 
-  /// A command whose gateway is killed while the tool goes on until something is written to `end`.
+  /// Kills the gateway of a command; its tool keeps running until something is written to `end`.
   void interrupt(Descriptor& end, const std::string& aFifo) {
     toolDoes("await " + aFifo);
     const pid_t gateway = doElsewhere();
@@ -36,12 +36,12 @@ class Interrupted : public Bench {
     EXPECT_EQ(::waitpid(gateway, nullptr, 0), gateway);
   }
 
-  /// One that nobody carries out any more; its identifier.
+  /// Leaves a command behind that no process is running any more; returns its identifier.
   std::string leaveInterrupted() {
     Descriptor end;
     interrupt(end, fifo("interrupted"));
     letGoOn(end);
-    EXPECT_GT(::waitpid(-1, nullptr, 0), 0);  // the tool, whose parent this process has become
+    EXPECT_GT(::waitpid(-1, nullptr, 0), 0);  // the tool, now a child of this process
     const auto begun = logged("begun");
     return begun.back()["id"].GetString();
   }

@@ -1,5 +1,5 @@
-// A kept status by clocks of the test's own: how old it is, and when it is none. Starts no program,
-// so that the controller's processor runs it too.
+// A kept status, with clocks controlled by the test: its age, and when it is not used. Starts no
+// program, so that it can also run under emulation of the controller's processor.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -19,12 +19,12 @@ constexpr std::int64_t cYear = cHour * 24 * 365;
 constexpr char cKept[] = "Status: 200 OK\r\n\r\n{\"kept\": 1}";
 constexpr std::size_t cLength = sizeof cKept - 1;
 
-/// Times since the system's start.
+/// The parameter is the time since boot.
 class KeptStatus : public ::testing::TestWithParam<std::int64_t> {
  protected:
   KeptStatus() { limits.freshStatus = std::chrono::seconds(10); }
 
-  /// Its date is that of now, by the test's clock.
+  /// Gives the file the current time of the test's clock.
   void write(const std::string& aContent) const {
     std::ofstream(mFile, std::ios::binary) << aContent;
     setDate(now.date);
@@ -38,7 +38,7 @@ class KeptStatus : public ::testing::TestWithParam<std::int64_t> {
     std::ifstream file(mFile, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
   }
-  /// What would be kept of an answer that somebody got so many milliseconds ago.
+  /// The content kept for an answer received this many milliseconds ago.
   std::string kept(std::int64_t aAge, std::size_t aLength = cLength) const {
     return std::to_string(now.sinceStart - aAge) + ' ' + std::to_string(aLength) + '\n' + cKept;
   }

@@ -1,4 +1,4 @@
-// How long the gateway waits when nobody tells it otherwise.
+// The gateway's default timeouts.
 #include <gtest/gtest.h>
 
 #include "Settings.h"

@@ -1,4 +1,4 @@
-// What people read when something is refused, word by word.
+// The messages that people read when something is refused, word for word.
 #include <sys/resource.h>
 #include <sys/stat.h>
 
@@ -26,8 +26,8 @@ TEST_F(Told, IsWhatIsWrongWithARequest) {
   } cRows[] = {
       {"QUERY_STRING", "x", 400, "A command takes no query."},
       {"GC_WEB_PLAIN_HTTP_COMMANDS", "", 403,
-       "Commands over plain HTTP are refused, because others on the network could read and repeat "
-       "them. Open this page with https:// (tls.conf sets it up) or on the controller itself."},
+       "Commands over plain HTTP are refused, because others on the network could read and replay "
+       "them. Open this page over https:// (set up in tls.conf) or on the controller itself."},
       {"REMOTE_USER", "", 403,
        "Commands are off until a password is set (set-password) and asked for (login.conf)."},
       {"HTTP_X_GC_REQUEST", "", 403, "A command needs the header X-GC-Request: 1."},
@@ -40,17 +40,17 @@ TEST_F(Told, IsWhatIsWrongWithARequest) {
       {"CONTENT_LENGTH", "65537", 413, "The body is longer than 65536 octets."},
       {"CONTENT_LENGTH", "3", 400, "The body is shorter than its Content-Length."},
       {"PATH_INFO", "/nothing", 404, "There is no such command."},
-      {"REQUEST_METHOD", "GET", 405, "Only POST can be asked for here."},
+      {"REQUEST_METHOD", "GET", 405, "This path accepts only POST."},
       {"GC_WEB_TOOL", "", 500, "GC_WEB_TOOL is not set."},
       {"GC_WEB_STATE", "/nothing", 500,
-       "The folder GC_WEB_STATE cannot be written to; nothing was done. Is it there, the web "
-       "server's own, and not full?"},
+       "The folder GC_WEB_STATE is not writable; nothing was done. Check that it exists, belongs "
+       "to the web server, and is not full."},
       {"GC_WEB_DATA", "/nothing", 500,
-       "The folder GC_WEB_DATA cannot be written to; nothing was done. Is it there, the web "
-       "server's own, and the disk not full?"},
+       "The folder GC_WEB_DATA is not writable; nothing was done. Check that it exists, belongs to "
+       "the web server, and that the disk is not full."},
       {"GC_WEB_LOG", "/nothing/log", 500,
-       "The log of commands (GC_WEB_LOG) cannot be written to; nothing was done. Is its folder "
-       "there, the web server's own, and the disk not full?"},
+       "The command log (GC_WEB_LOG) is not writable; nothing was done. Check that its folder "
+       "exists, belongs to the web server, and that the disk is not full."},
   };
   for (const auto& row : cRows) {
     const auto good = input.variables;
@@ -72,10 +72,9 @@ TEST_F(Told, IsThatALockCannotBeMade) {
     ASSERT_EQ(::mkdir(path(row.lock).c_str(), 0700), 0);
     const Received answer = command("POST", "/abort", row.body);
     EXPECT_EQ(answer.status, 500);
-    EXPECT_EQ(
-        answer.detail(),
-        "The folder GC_WEB_STATE cannot be written to; nothing was done. Is it there, the web "
-        "server's own, and not full?");
+    EXPECT_EQ(answer.detail(),
+              "The folder GC_WEB_STATE is not writable; nothing was done. Check that it exists, "
+              "belongs to the web server, and is not full.");
   }
 }
 
@@ -87,8 +86,8 @@ TEST_F(Told, IsWhatIsWrongWithABody) {
     int status;
     const char* detail;
   } cRows[] = {
-      {"POST", "/run", "{", 400, "The body is not one JSON document in UTF-8."},
-      {"POST", "/run", "{}", 422, "The document is not of its schema: required type."},
+      {"POST", "/run", "{", 400, "The body is not a single JSON document in UTF-8."},
+      {"POST", "/run", "{}", 422, "The document does not match its schema: required type."},
       {"POST", "/run", R"({"type": "single"})", 422, "/stream is missing."},
       {"POST", "/run", R"({"type": "automation", "stream": 1})", 422,
        "The document has more members than this command takes."},
@@ -120,32 +119,30 @@ TEST_F(Told, IsWhatIsInTheWay) {
   const FileLock aborts(path("abort-now.lock"));
   const FileLock status(path("status.answer"));
   ASSERT_TRUE(commands.tryLock() && aborts.tryLock() && status.tryLock());
-  EXPECT_EQ(
-      replyToCommand().detail(),
-      "Another command is still going on, so this one was not begun. Try again when it has ended.");
+  EXPECT_EQ(replyToCommand().detail(),
+            "Another command is still in progress, so this one was not started. Try again when it "
+            "has finished.");
   EXPECT_EQ(command("POST", "/abort", R"({"when": "now"})").detail(),
-            "Another abort is still going on, so this one was not begun. Try again.");
-  EXPECT_EQ(ask("/api/status").detail(), "Somebody else's request for the status has not ended.");
+            "Another abort is still in progress, so this one was not started. Try again.");
+  EXPECT_EQ(ask("/api/status").detail(), "Another request for the status has not finished yet.");
 }
 
 TEST_F(Told, IsWhenTheMachineIsTooSlow) {
   limits.begin = std::chrono::milliseconds(-1);
-  EXPECT_EQ(
-      replyToCommand().detail(),
-      "The machine was so slow that the command could not begin in time; nothing was done. Try "
-      "again.");
+  EXPECT_EQ(replyToCommand().detail(),
+            "The machine was too slow to start the command in time; nothing was done. Try again.");
 }
 
 TEST_F(Told, IsWhatIsWrongWithAReport) {
   EXPECT_EQ(ask("/api/nothing").detail(), "There is no such report.");
-  EXPECT_EQ(ask("/api/status", "POST").detail(), "Only GET, HEAD can be asked for here.");
+  EXPECT_EQ(ask("/api/status", "POST").detail(), "This path accepts only GET, HEAD.");
   EXPECT_EQ(ask("/api/backups/sequence/1").detail(), "There is no such backup.");
   FakeInput before = input;
   input.variables["QUERY_STRING"] = "x";
-  EXPECT_EQ(ask("/api/status").detail(), "A report takes no query and no body.");
+  EXPECT_EQ(ask("/api/status").detail(), "A report takes no query or body.");
   input = before;
   input.variables["GC_WEB_STATE"] = "/nothing";
-  EXPECT_EQ(ask("/api/status").detail(), "GC_WEB_STATE is no folder to write to.");
+  EXPECT_EQ(ask("/api/status").detail(), "The folder GC_WEB_STATE is not writable.");
 }
 
 TEST_F(Told, IsThatAFileCannotBeKept) {
@@ -159,7 +156,7 @@ TEST_F(Told, IsThatAFileCannotBeKept) {
   ::setrlimit(RLIMIT_FSIZE, &before);
   std::signal(SIGXFSZ, action);
   EXPECT_EQ(answer.status, 500);
-  EXPECT_EQ(answer.detail(), "The file cannot be kept; nothing was done.");
+  EXPECT_EQ(answer.detail(), "The file could not be stored; nothing was done.");
   EXPECT_EQ(contentOf("log"), "");
 }
 
@@ -168,16 +165,15 @@ TEST_F(Told, IsWhyATableWasNotSent) {
   const Received unread = command("PUT", "/calibration", R"({"total": 0})");
   EXPECT_EQ(unread.status, 502);
   EXPECT_EQ(unread.detail(),
-            "The present table could not be read, so none was sent: the instrument keeps the one "
-            "that it has. Try again.");
+            "The current table could not be read, so the new one was not sent: the instrument "
+            "still has the current one. Try again.");
   toolDoes(std::string("out ") + cAccepted);
   input.variables["GC_WEB_DATA"] = "/nothing";
   const Received unkept = command("PUT", "/calibration", R"({"total": 0})");
   EXPECT_EQ(unkept.status, 500);
-  EXPECT_EQ(
-      unkept.detail(),
-      "The present table cannot be kept in GC_WEB_DATA, so none was sent: the instrument keeps "
-      "the one that it has. Is the disk full?");
+  EXPECT_EQ(unkept.detail(),
+            "The current table could not be backed up in GC_WEB_DATA, so the new one was not sent: "
+            "the instrument still has the current one. Is the disk full?");
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Requests for reports: paths, methods, settings, what goes out.
+// Requests for reports: paths, methods, settings, output.
 #include "Bench.h"
 
 namespace {

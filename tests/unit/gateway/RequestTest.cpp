@@ -1,4 +1,4 @@
-// What the headers of a command must be, and what is answered when they are not.
+// The headers that a command needs, and the answers if they are missing or wrong.
 #include "Bench.h"
 
 namespace {
@@ -179,8 +179,8 @@ TEST_F(CommandHeaders, ThatAProxyPassesOnAreNotOfThisMachine) {
     }
   }
   input.variables["HTTPS"] = "";
-  // Not even the scheme that it names: the web server believes that of proxies it knows, and says
-  // so.
+  // Not even the scheme that the header names: the web server reports the scheme of proxies that it
+  // trusts.
   input.variables["HTTP_X_FORWARDED_PROTO"] = "https";
   input.variables["HTTP_X_FORWARDED_FOR"] = "192.0.2.7";
   EXPECT_EQ(replyToCommand().status, 403);
@@ -188,12 +188,12 @@ TEST_F(CommandHeaders, ThatAProxyPassesOnAreNotOfThisMachine) {
 
 TEST_F(CommandHeaders, AreRefusedOverHttpWithAReasonAndAWayOut) {
   input.variables.erase("GC_WEB_PLAIN_HTTP_COMMANDS");
-  // Before anybody is told to give a password.
+  // Before anyone is asked for a password.
   input.variables.erase("REMOTE_USER");
   EXPECT_EQ(
       replyToCommand().detail(),
-      "Commands over plain HTTP are refused, because others on the network could read and repeat "
-      "them. Open this page with https:// (tls.conf sets it up) or on the controller itself.");
+      "Commands over plain HTTP are refused, because others on the network could read and replay "
+      "them. Open this page over https:// (set up in tls.conf) or on the controller itself.");
 }
 
 TEST_F(CommandHeaders, KnowTheOwnOriginWithAnyPort) {
@@ -230,7 +230,7 @@ TEST_F(CommandHeaders, KnowTheOwnOriginWithAnyPort) {
 }
 
 TEST_F(CommandHeaders, AreLookedAtFromWhoToWhat) {
-  // One more fault each time; the newest is told first.
+  // Adds one more fault each time; the answer names the latest.
   const struct {
     const char* variable;
     const char* value;

@@ -1,4 +1,4 @@
-// The status that several ask for at a time.
+// Concurrent requests for the status.
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -15,11 +15,11 @@ namespace {
 class SharedStatus : public Bench {
  protected:
   SharedStatus() {
-    // Long enough for any machine; the tests of the end of sharing make it short.
+    // Long enough for any machine; the tests of expiry make it short.
     limits.freshStatus = std::chrono::hours(1);
   }
 
-  /// Another process that asks for the status and writes the answer into a file.
+  /// Requests the status in another process, which writes the answer to a file.
   pid_t askElsewhere(const std::string& aName) {
     const pid_t process = ::fork();
     if (process == 0) {
@@ -32,7 +32,7 @@ class SharedStatus : public Bench {
   }
 
   std::size_t runs() const { return contentOf("runs").size() / 4; }
-  /// The tool leaves a trace of its runs.
+  /// The tool leaves a trace of each run.
   void toolCounts() { toolDoes("note " + path("runs") + "\nout {\"a\": 1}"); }
 };
 

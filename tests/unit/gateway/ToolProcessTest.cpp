@@ -1,4 +1,4 @@
-// Runs of the tool: what it is born with, how it ends, how long it is waited for.
+// Runs of the tool: what it inherits, how it ends, how long it is waited for.
 #include "ToolProcess.h"
 
 #include <fcntl.h>
@@ -48,7 +48,7 @@ TEST_F(ToolRun, InheritsNothing) {
   const Descriptor zero(::open("/dev/zero", O_RDONLY | O_CLOEXEC));
   ASSERT_EQ(::dup2(zero.get(), STDIN_FILENO), STDIN_FILENO);
   const Descriptor high(::open("/dev/null", O_RDONLY | O_CLOEXEC));
-  ASSERT_EQ(::dup2(high.get(), 57), 57);  // a copy is without O_CLOEXEC
+  ASSERT_EQ(::dup2(high.get(), 57), 57);  // dup2 does not copy O_CLOEXEC
   const Descriptor higher(57);
   ASSERT_EQ(::setenv("GC_WEB_SECRET", "x", 1), 0);  // NOLINT(concurrency-mt-unsafe)
   const auto before = std::signal(SIGTERM, SIG_IGN);
@@ -78,7 +78,7 @@ TEST_F(ToolRun, LeavesTheGatewaysSignalsAsTheyWere) {
 
 TEST_F(ToolRun, IsToldWhereItsLibrariesAre) {
   input.variables["GC_WEB_LIBRARY_PATH"] = "/nowhere:/else";
-  // What the web server itself was started with is its own.
+  // The web server's own environment must not reach the tool.
   input.variables["LD_LIBRARY_PATH"] = "/of-the-server";
   toolDoes("describe", "");
   const rapidjson::Document born = report("/api/config").document();
@@ -104,9 +104,9 @@ TEST_F(ToolRun, OfACommandHasNothingButItsFileAndTheLocks) {
   EXPECT_EQ(std::string(born["files"][5].GetString()).rfind(path("data/begun/"), 0), 0U);
 }
 
-/// A command that has begun is finished: a service manager signals every process.
+/// A command that has begun must finish, even if a service manager signals every process.
 TEST_F(ToolRun, OfACommandIgnoresWhatEndsAService) {
-  // Who starts the tests in the background may have them ignore it.
+  // It may be ignored if the tests were started in the background.
   std::signal(SIGQUIT, SIG_DFL);
   toolDoes("describe 0");
   const rapidjson::Document born = command("POST", "/alarm-reset", "{}").document();
@@ -116,9 +116,9 @@ TEST_F(ToolRun, OfACommandIgnoresWhatEndsAService) {
   EXPECT_EQ(born["SigBlk"].GetUint64() & (ignored | maskOf({SIGALRM, SIGCHLD})), 0U);
 }
 
-/// Its gateway may have been killed: then nobody else would end what hangs and holds the locks.
+/// If its gateway has been killed, nothing else would end a hung tool that holds the locks.
 TEST_F(ToolRun, OfACommandDoesNotLiveForEver) {
-  // Less what a busy machine takes from its start to its look at the clock.
+  // Allows for what a busy machine spends between the tool's start and its look at the clock.
   constexpr double cBusy = 60.0;
   toolDoes("describe 0");
   const Received longest = command("POST", "/alarm-reset", "{}");

@@ -1,4 +1,4 @@
-// Units that the owner names: the setting, and where it shows.
+// Units configured by the owner: the setting, and where the units appear.
 #include "Units.h"
 
 #include "Bench.h"
@@ -76,8 +76,8 @@ TEST(Units, ThatCannotBeReadAreTold) {
     EXPECT_EQ(answer.schema, "");
     EXPECT_EQ(answer.body,
               "{\"title\":\"Internal Server Error\",\"status\":500,\"detail\":\"GC_WEB_UNITS must "
-              "hold pairs like temperature=\xC2\xB0"
-              "C with commas between, each quantity once; this is none: " +
+              "be a comma-separated list of pairs such as temperature=\xC2\xB0"
+              "C, each quantity at most once; invalid pair: " +
                   std::string(row.told) + "\"}")
         << row.setting;
   }

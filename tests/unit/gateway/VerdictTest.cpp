@@ -1,4 +1,4 @@
-// What the browser is told of a run of the tool.
+// How runs of the tool become answers for the browser.
 #include "Verdict.h"
 
 #include <csignal>
@@ -26,7 +26,7 @@ struct Expected {
 constexpr eOperation cRun = eOperation::eSingleRun;
 constexpr eOperation cReport = eOperation::eAlarms;
 
-// Each goes out as it was printed.
+// Each is sent exactly as printed.
 constexpr Expected cDocuments[] = {
     {cReport, "{\"a\": 1}\n", "", 200},
     {cReport, "{}", "writeParam. return 0.\n", 200},
@@ -71,7 +71,7 @@ TEST(VerdictOfTheTool, FollowsTheDocument) {
   EXPECT_EQ(judged(cRun, cNotReached).headers.at("Retry-After"), "5");
 }
 
-// Answered with a problem.
+// Answered with a problem document.
 constexpr Expected cFaults[] = {
     {cReport, "", "", 502},
     {cRun, "", "writeParam. return 0.\n", 502},
@@ -111,9 +111,9 @@ TEST(VerdictOfTheTool, TellsTheStatusOfTheInstrument) {
 }
 
 constexpr char cNotKnown[] =
-    "Whether the instrument has carried out the command is not known: look at its status.";
+    "It is not known whether the instrument carried out the command: check its status.";
 
-/// The library's own word is no refusal: the instrument may be running.
+/// A failure of the library itself is not a refusal: the instrument may be running.
 TEST(VerdictOfTheTool, IsUnknownWithoutTheInstrumentsWord) {
   const struct {
     std::uint32_t status;
@@ -203,23 +203,21 @@ TEST(VerdictOfTheTool, IsToldInTheseWords) {
   } cEnds[] = {
       {cRun, {false, false, false, 0, "", ""}, "The tool could not be started; nothing was done."},
       {cReport, {true, true, false, 0, "", ""}, "The instrument did not answer in time."},
-      {cRun, {true, true, false, 0, "", ""}, "The command is still going on." + unknown},
+      {cRun, {true, true, false, 0, "", ""}, "The command is still in progress." + unknown},
       {cReport, {true, false, true, 0, "", ""}, "The tool printed too much."},
-      {cReport, {true, false, false, SIGKILL, "", ""}, "The tool was ended by signal 9."},
-      {cReport,
-       {true, false, false, 3 << 8, "", "Why\nx"},
-       "The tool ended with exit status 3. Why"},
+      {cReport, {true, false, false, SIGKILL, "", ""}, "The tool was killed by signal 9."},
+      {cReport, {true, false, false, 3 << 8, "", "Why\nx"}, "The tool exited with status 3. Why"},
       {cReport,
        {true, false, false, 3 << 8, "", complaint},
-       "The tool ended with exit status 3. " + complaint.substr(100)},
+       "The tool exited with status 3. " + complaint.substr(100)},
       {cReport, {true, false, false, 0, "", ""}, "The tool printed nothing."},
       {cReport,
        {true, false, false, 0, "x", ""},
-       "What the tool printed is not one JSON document."},
+       "The tool's output is not a single JSON document."},
+      {cRun, {true, false, false, 0, "{}", ""}, "The tool's output has no ErrorCode." + unknown},
       {cRun,
-       {true, false, false, 0, "{}", ""},
-       "What the tool printed has no ErrorCode." + unknown},
-      {cRun, {true, false, false, 0, "", "Execute failed 28."}, "The instrument refused it."},
+       {true, false, false, 0, "", "Execute failed 28."},
+       "The instrument refused the request."},
   };
   for (const auto& row : cEnds) {
     EXPECT_EQ(Received(render(judge(row.operation, row.outcome))).detail(), row.detail);
@@ -235,7 +233,7 @@ TEST(VerdictOfTheTool, FollowsTheEndOfTheRun) {
       {{false, false, false, 0, "", ""}, 502, "started"},
       {{true, true, false, 0, cAccepted, ""}, 504, ""},
       {{true, false, true, 0, cAccepted, ""}, 502, "too much"},
-      {{true, false, false, SIGSEGV, cAccepted, ""}, 502, "signal 11. Whether"},
+      {{true, false, false, SIGSEGV, cAccepted, ""}, 502, "signal 11. It is"},
       {{true, false, false, 255 << 8, "", "Invalid \xFFP address\nmore"}, 502, "status 255. Inv"},
   };
   for (const auto& row : cEnds) {

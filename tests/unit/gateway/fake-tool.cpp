@@ -1,4 +1,4 @@
-// Stands in for the tool: does what the lines of its address tell it.
+// Stands in for the tool: carries out the lines passed as its address.
 #include <dirent.h>
 #include <fcntl.h>
 #include <rapidjson/stringbuffer.h>
@@ -51,7 +51,7 @@ void addDescriptors(Writer& writer) {
   writer.EndArray();
 }
 
-/// What the descriptors stand for, from the lowest on.
+/// The targets of the open descriptors, from the lowest on.
 void addFiles(Writer& writer) {
   writer.Key("files");
   writer.StartArray();
@@ -64,7 +64,7 @@ void addFiles(Writer& writer) {
   writer.EndArray();
 }
 
-/// The signals that are ignored or held, as /proc shows them.
+/// The ignored or blocked signals, as shown by /proc.
 void addSignals(Writer& writer) {
   std::istringstream lines(contentOf("/proc/self/status"));
   for (std::string line; std::getline(lines, line);) {
@@ -75,7 +75,7 @@ void addSignals(Writer& writer) {
   }
 }
 
-/// A document about how this process was started; a command's needs a code.
+/// A document about how this process was started; for a command it needs a code.
 void describe(char** aArguments, const std::string& aCode) {
   rapidjson::StringBuffer buffer;
   Writer writer(buffer);
@@ -120,7 +120,7 @@ void obey(const std::string& aVerb, const std::string& aWhat, char** aArguments,
     std::ofstream(aWhat, std::ios::app) << "run\n";
   } else if (aVerb == "await") {  // an octet from the test
     std::ifstream(aWhat).get();
-  } else if (aVerb == "hang") {  // with an end open that closes when this process ends
+  } else if (aVerb == "hang") {  // with an open end that closes when this process ends
     ::open(aWhat.c_str(), O_WRONLY);
     ::pause();
   } else if (aVerb == "close") {
@@ -128,10 +128,10 @@ void obey(const std::string& aVerb, const std::string& aWhat, char** aArguments,
     ::close(STDERR_FILENO);
   } else if (aVerb == "keep") {  // the file of a download
     std::ofstream(aWhat, std::ios::binary) << contentOf(aArguments[aCount - 1]);
-  } else if (aVerb == "keep-log") {  // as it is now: its path, and that of the copy
+  } else if (aVerb == "keep-log") {  // in its present state: its path, and the path of the copy
     const std::size_t blank = aWhat.find(' ');
     std::ofstream(aWhat.substr(blank + 1), std::ios::binary) << contentOf(aWhat.substr(0, blank));
-  } else if (aVerb == "files") {  // of a folder as it is now, and the file to name them in
+  } else if (aVerb == "files") {  // of a folder in its present state, and the file to list them in
     const std::size_t blank = aWhat.find(' ');
     std::ofstream names(aWhat.substr(blank + 1));
     for (const auto& entry : std::filesystem::directory_iterator(aWhat.substr(0, blank))) {
@@ -139,7 +139,7 @@ void obey(const std::string& aVerb, const std::string& aWhat, char** aArguments,
     }
   } else if (aVerb == "say-pid") {
     std::ofstream(aWhat) << ::getpid();
-  } else if (aVerb == "table") {  // and nothing else, when a table is asked for
+  } else if (aVerb == "table") {  // and nothing else, when a table is requested
     if (aCount == 4 && (std::string(aArguments[3]) == "-q" || std::string(aArguments[3]) == "-c")) {
       std::cout << aWhat << std::flush;
       std::exit(0);  // NOLINT(concurrency-mt-unsafe)
