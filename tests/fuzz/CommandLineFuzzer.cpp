@@ -1,4 +1,4 @@
-// The command line: one word a line, first parsed by itself, then by the whole program.
+// The command line: one word per line, first parsed alone, then by the whole program.
 #include <cctype>
 #include <cstdlib>
 
@@ -9,10 +9,10 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-/// What a command line means, worked out apart from the program.
+/// The meaning of a command line, determined independently of the program.
 struct Meaning {
   bool accepted = false;
-  int exitStatus = 255;  ///< of what is not accepted
+  int exitStatus = 255;  ///< for a rejected command line
   int operation = eStatusRead;
   int number = 0;
   std::string file;
@@ -29,7 +29,7 @@ bool readNumber(const std::string& aText, long aHighest, int& number) {
   return true;
 }
 
-/// Numbers with a full stop between them; what cannot be read stays 0.
+/// Numbers separated by full stops; those that cannot be read stay 0.
 void readAddress(const std::string& aText, unsigned (&octets)[4]) {
   const char* place = aText.c_str();
   for (unsigned& octet : octets) {
@@ -49,7 +49,7 @@ void readAddress(const std::string& aText, unsigned (&octets)[4]) {
   }
 }
 
-/// Takes one option. False when the program ends there.
+/// Reads one option. False if the program ends there.
 bool takeOption(char aLetter, const std::string& aArgument, Meaning& meaning) {
   const std::string plain = "tgaqc";
   const std::size_t position = plain.find(aLetter);
@@ -92,7 +92,7 @@ bool takeOption(char aLetter, const std::string& aArgument, Meaning& meaning) {
   }
 }
 
-/// Letters may stand together, arguments in the same word or the next, operands anywhere.
+/// Options may be bundled, arguments attached or separate, operands anywhere.
 Meaning understand(const Words& aWords) {
   const std::string withArgument = "svAVRMQC";
   Meaning meaning;
@@ -146,7 +146,7 @@ Words takeWords(Input& input) {
   std::string word;
   for (const char character : input.rest()) {
     if (character == '\n') {
-      words.push_back(word.c_str());  // up to a zero octet, as any argument
+      words.push_back(word.c_str());  // ends at a zero octet, like any argument
       word.clear();
     } else {
       word += character;

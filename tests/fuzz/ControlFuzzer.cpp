@@ -1,4 +1,4 @@
-// The remote control: any lines on its connection, and then a client that meets what they did.
+// The remote control: any lines on its connection, and then a client that sees their effects.
 #include <Message.h>
 
 #include "ControlConnection.h"
@@ -41,7 +41,7 @@ void playClient(Simulation& simulation, Input& input) {
   serve<wire::ProgramInfoRequest>(session, input, eType::eProgramInfo);
 }
 
-/// One line each, an object that says whether it was done and, if not, why not.
+/// One line per answer: an object that tells whether the verb succeeded and, if not, why not.
 std::size_t requireAnswers(const std::string& aReceived) {
   std::size_t lines = 0;
   std::size_t start = 0;
@@ -65,7 +65,7 @@ std::size_t requireAnswers(const std::string& aReceived) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aOctets, std::size_t aSize) {
   constexpr std::size_t cMostLines = 12;
   Input input(aOctets, aSize);
-  // What comes before the last empty line is said, what comes after it done.
+  // Requests come before the last empty line, the client's octets after it.
   const std::string all = input.rest();
   const std::size_t empty = std::min(all.rfind("\n\n"), all.size());
   std::string said = all.substr(0, empty);

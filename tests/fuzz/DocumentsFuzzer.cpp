@@ -1,5 +1,5 @@
-// Every operation of the program on an instrument whose values, texts, counts and statuses are the
-// input's.
+// Every operation of the program, on an instrument whose values, texts, counts and statuses come
+// from the input.
 #include <cmath>
 #include <limits>
 #include <map>
@@ -34,7 +34,8 @@ constexpr std::int32_t cIntegers[] = {std::numeric_limits<std::int32_t>::min(),
                                       38,
                                       39};
 
-/// Answers one record, by one octet and what that asks for; without more input it stays as it came.
+/// Answers one record, using one octet and what that asks for; when the input ends, records stay
+/// unchanged.
 void answer(Input& input, ParamList& record) {
   const std::uint8_t choice = input.octet();
   switch (choice % 16) {
@@ -75,7 +76,7 @@ void answer(Input& input, ParamList& record) {
 void scriptObject(Input& input, FakeInstrument& instrument, unsigned long aNumber) {
   switch (input.below(4)) {
     case 0:
-      break;  // does not arrive
+      break;  // never arrives
     case 1:
       instrument.setColumns(aNumber, {input.text(), input.text(), input.text(), input.text()});
       break;
@@ -113,7 +114,7 @@ void script(Input& input, FakeInstrument& instrument) {
   instrument.silent = input.octet() == 0xFF;
 }
 
-/// The value of a real as the documents show it.
+/// The value of a real as shown in the documents.
 bool shows(const Value& aShown, double aValue) {
   return std::isfinite(aValue) ? aShown.IsNumber() && aShown.GetDouble() == aValue
                                : aShown.IsString() && aShown == "-";
@@ -148,7 +149,7 @@ void requireStatus(const FakeInstrument& aInstrument, const Document& aStatus,
   }
 }
 
-/// Rows are as many as `total` says, up to a bound.
+/// There are `total` rows, up to a bound.
 void requireRows(const Document& aDocument, int aMost) {
   const int total = aDocument["total"].GetInt();
   const std::size_t rows = aDocument.HasMember("rows") ? aDocument["rows"].Size() : 0;
@@ -184,7 +185,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aOctets, std::size_t a
     const eReached reached = scriptConnection(input, instrument);
     script(input, instrument);
     std::map<std::uint32_t, ParamList> instrumentWide;
-    // The records come in the order of a hash map, which is the same in every run of a program.
+    // The records are in a hash map's iteration order, which is the same in every run of a program.
     instrument.tamper = [&](ParamList* records, unsigned long count) {
       for (unsigned long i = 0; i < count; ++i) {
         const ParamList asked = records[i];

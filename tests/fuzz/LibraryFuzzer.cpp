@@ -1,4 +1,4 @@
-// The client library on a controller that answers whatever the input says.
+// The client library, connected to a controller whose answers come from the input.
 #include <InstrumentClient.h>
 #include <RemoteObjects.h>
 
@@ -11,7 +11,7 @@
 
 namespace {
 
-/// Statuses after which nothing that the caller lent may have changed.
+/// Statuses after which none of the caller's data may have changed.
 bool isBroken(unsigned long aStatus) {
   return aStatus >= eLibraryNotStarted && aStatus <= eArgumentInvalid;
 }

@@ -1,4 +1,4 @@
-// The messages of the connection: any octets decoded, any message encoded and decoded again.
+// The messages of the connection: any octets are decoded, any message is encoded and decoded again.
 #include <Message.h>
 #include <ObjectTexts.h>
 
@@ -13,12 +13,12 @@ namespace {
 
 using wire::eType;
 
-/// Whether there are octets before a field in which anything may stand.
+/// Whether padding of any content comes before a field.
 template <class Message>
 constexpr bool cHasPadding =
     std::is_same_v<Message, wire::ObjectReply> || std::is_same_v<Message, wire::ProgramInfoReply>;
 
-/// The octets at the end of a block of their own, so that nothing behind them can be read unseen.
+/// The octets at the end of a separate heap block, so that reads beyond them are detected.
 template <class Message>
 bool decodeAt(const std::string& aBody, std::size_t aAlignment, Message& message) {
   const std::unique_ptr<char[]> block(new char[aAlignment + aBody.size()]);
@@ -26,7 +26,7 @@ bool decodeAt(const std::string& aBody, std::size_t aAlignment, Message& message
   return wire::decode(block.get() + aAlignment, aBody.size(), message);
 }
 
-/// Two messages are the same when their octets are: that goes for reals that are not numbers, too.
+/// Two messages are equal if their octets are, which holds for NaNs too.
 template <class Message>
 void requireRoundTrip(const Message& aMessage, std::size_t aAlignment) {
   constexpr std::uint32_t cSequence = 0x81020304;

@@ -1,4 +1,4 @@
-// Scenario files: refused in one line, or an instrument that works and can be saved.
+// Scenario files: rejected in one line, or an instrument that works and can be saved.
 #include <Status.h>
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
@@ -26,7 +26,7 @@ void requireReason(const std::string& aName, const std::string& aError) {
   require(aError.find('\n') == std::string::npos, "the reason is one line", aError);
 }
 
-/// Whatever it is in the middle of, it shows the same again; automation only does not survive.
+/// In any state, a saved and reloaded instrument shows the same; only automation is lost.
 void requireSavable(Instrument& instrument, double aNow) {
   rapidjson::Document saved;
   instrument.snapshot(aNow, saved);

@@ -1,4 +1,4 @@
-// The file of a sequence download, made as a table with faults in it.
+// The file of a sequence download, generated as a table with faults.
 #include "Download.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aOctets, std::size_t aSize) {

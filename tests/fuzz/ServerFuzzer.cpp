@@ -1,4 +1,4 @@
-// What one client may send to the simulated controller: good frames, broken ones, and any octets.
+// What a client may send to the simulated controller: valid frames, invalid ones, and any octets.
 #include <Message.h>
 #include <Status.h>
 
@@ -40,7 +40,7 @@ std::string makeFrame(Input& input, eType aType) {
   return {frame.begin(), frame.end()};
 }
 
-/// A frame whose header is good and whose body is whatever comes, for no message at all, too.
+/// A frame with a valid header and any body, possibly for a message that does not exist.
 std::string makeBrokenFrame(Input& input) {
   const std::uint32_t type = input.octet() % 10;
   const std::string body = input.flag() ? input.text() : std::string(input.below(200'000), 'b');
@@ -79,7 +79,7 @@ struct Frame {
   std::string body;
 };
 
-/// The whole frames at the start of some octets. What is left after them is in `rest`.
+/// The complete frames at the start of some octets. The remainder goes to `rest`.
 std::vector<Frame> takeFrames(const std::string& aOctets, std::string& rest) {
   std::vector<Frame> frames;
   std::size_t place = 0;
@@ -103,7 +103,7 @@ Message decoded(const Frame& aFrame) {
   return message;
 }
 
-/// A batch is answered in its places, or refused whole.
+/// A batch is answered record by record, or refused as a whole.
 void requireBatch(const Frame& aRequest, const Frame& aAnswer) {
   const auto request = decoded<wire::Batch>(aRequest);
   const auto answer = decoded<wire::Batch>(aAnswer);

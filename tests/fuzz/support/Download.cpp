@@ -1,4 +1,4 @@
-// Reads the content as the tool does not: from memory, with the parser that recurses.
+// Reads the content in a different way than the tool: from memory, with the recursive parser.
 #include "Download.h"
 
 #include <rapidjson/document.h>
@@ -15,14 +15,14 @@ namespace {
 
 using rapidjson::Value;
 
-/// Channel, id, step, integer, real. A real is compared by its octets.
+/// Channel, id, step, integer, real. Reals are compared by their octets.
 using Written = std::tuple<unsigned, unsigned, unsigned, int, std::uint64_t>;
 
-/// A write or a command, and what is printed when it is refused.
+/// A write or a command, and the text printed if it is refused.
 struct Step {
   std::string call;
   std::vector<Written> records;
-  std::string refusal;  ///< empty where a refusal does not matter
+  std::string refusal;  ///< empty if a refusal is ignored
 };
 
 struct Plan {
@@ -72,7 +72,7 @@ int runTypeOf(const Value& aType) {
   return type == "Calibration" ? 1 : type == "Blank" ? 2 : type == "Verification" ? 3 : 0;
 }
 
-/// How many rows are looked at.
+/// How many rows are read.
 unsigned rowsOf(const rapidjson::Document& aTable, int aMost) {
   const Value& rows = member(aTable, "rows");
   const int total = std::clamp(intOf(member(aTable, "total")), 0, aMost);
@@ -129,8 +129,8 @@ Plan planCalibration(const rapidjson::Document& aTable) {
 
 Plan plan(eDownload aDownload, const std::string& aContent) {
   rapidjson::Document table;
-  // A zero octet ends a text in memory, and makes a file none. A stream and not a text, in which
-  // the parser passes over a byte order mark.
+  // A zero octet ends a text in memory but makes a file invalid. Parsed as a stream, because the
+  // parser skips a byte order mark in a text.
   rapidjson::StringStream stream(aContent.c_str());
   if (aContent.find('\0') != std::string::npos || table.ParseStream(stream).HasParseError() ||
       !table.IsObject()) {
@@ -156,10 +156,10 @@ bool isSame(const Call& aCall, const Step& aStep) {
   return aCall.text == aStep.call && sortedRecords(aCall.records) == expected;
 }
 
-/// The one call that is refused, and how.
+/// The call that is refused, and with what status.
 struct Refusal {
   eFunction function = eFunction::eWriteParamList;
-  unsigned call = 0;  ///< counted from 1
+  unsigned call = 0;  ///< counts from 1
   unsigned long status = 0;
 };
 

@@ -1,4 +1,5 @@
-// The two downloads: what a file asks the instrument for, told apart from the tool.
+// The two downloads: what a file requests from the instrument, determined independently of the
+// tool.
 #pragma once
 
 #include <cstdint>
@@ -9,10 +10,10 @@
 
 enum class eDownload { eSequence, eCalibration };
 
-/// Runs the program with a file of this content, on an instrument that refuses what the input says,
-/// and requires the writes, the commands and the verdict that the content asks for; with a content
-/// that is to be refused, nothing else than its verdict. Returns whether it is a good one.
+/// Runs the program with a file of this content, on an instrument that refuses according to the
+/// input, and requires the writes, commands and verdict that the content calls for; if the content
+/// must be rejected, only its verdict. Returns whether the content is valid.
 bool requireDownload(eDownload aDownload, const std::string& aContent, Input& input);
 
-/// The content of a file: a table of the download's own kind, with whatever the input puts wrong.
+/// The content of a file: a table for the download, with faults taken from the input.
 std::string makeTable(eDownload aDownload, Input& input);

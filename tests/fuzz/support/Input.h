@@ -1,4 +1,4 @@
-// Values taken one after the other out of the octets that a fuzzer is given.
+// Takes values one by one from a fuzzer's input.
 #pragma once
 
 #include <algorithm>
@@ -13,7 +13,7 @@ class Input {
 
   std::size_t left() const { return mLeft; }
 
-  /// An integer or a double of any value; octets that are missing read as 0.
+  /// An integer or a double of any value; missing octets read as 0.
   template <class Number>
   Number number() {
     Number number{};
@@ -26,7 +26,7 @@ class Input {
   }
   std::uint8_t octet() { return number<std::uint8_t>(); }
   bool flag() { return (octet() & 1) != 0; }
-  /// Less than `aEnd`, which is over 0; of one octet where that is enough, of four otherwise.
+  /// Less than `aEnd`, which must be positive; takes one octet if that is enough, otherwise four.
   std::size_t below(std::size_t aEnd) {
     return (aEnd <= 256 ? octet() : number<std::uint32_t>()) % aEnd;
   }
@@ -36,14 +36,14 @@ class Input {
     return aElements[below(size)];
   }
 
-  /// At most `aLongest` octets, and as many as the input still has.
+  /// At most `aLongest` octets, limited by the remaining input.
   std::string octets(std::size_t aLongest) {
     const std::size_t size = std::min(aLongest, mLeft);
     std::string text(reinterpret_cast<const char*>(mNext), size);
     skip(size);
     return text;
   }
-  /// Any octets: mostly as many as an octet says, sometimes a few of them over and over.
+  /// Any octets: usually as many as one octet says, sometimes a few of them repeated many times.
   std::string text() {
     const std::size_t size = octet();
     if (size < 0xF0) {

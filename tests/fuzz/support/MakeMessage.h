@@ -1,4 +1,4 @@
-// Messages of the connection made of an input, all within their bounds, and compared.
+// Builds messages of the connection from an input, all within their bounds, and compares them.
 #pragma once
 
 #include <Message.h>
@@ -18,8 +18,7 @@ inline void make(Input& input, wire::ConnectRequest& message) {
   message.clientName = makeText(input);
 }
 
-/// Records of parameters that there are, or of none at all; the last one many times, once in a
-/// while.
+/// Records of existing or nonexistent parameters; occasionally the last one is repeated many times.
 inline void make(Input& input, wire::Batch& message) {
   constexpr std::uint32_t cIds[] = {12,  15,   22,   23,   24,   26,   39,   58,   60,   62,
                                     73,  75,   100,  102,  132,  144,  202,  300,  502,  525,

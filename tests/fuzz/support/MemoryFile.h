@@ -1,4 +1,4 @@
-// A file that exists in memory only, and has a name that it can be opened by.
+// A file that exists only in memory, with a name under which it can be opened.
 #pragma once
 
 #include <sys/mman.h>

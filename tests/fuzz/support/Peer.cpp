@@ -1,4 +1,4 @@
-// A pair of sockets, and a reactor that handles what is due and never waits.
+// A pair of sockets, and a reactor that handles pending events and never waits.
 #include "Peer.h"
 
 #include <ace/Dev_Poll_Reactor.h>
@@ -65,7 +65,7 @@ Peer::Peer(const Make& aMake) {
 Peer::~Peer() {
   ::close(mSocket);
   serve();
-  // An answer that a fault delays keeps its connection: nobody reads a socket for that long.
+  // A delayed answer keeps its connection, whose socket is not read until then.
   mStream.reset();
 }
 

@@ -1,4 +1,4 @@
-// The other end of a connection that the controller's own code serves, in this thread.
+// The client's end of a connection that the controller's own code serves, in this thread.
 #pragma once
 
 #include <functional>
@@ -8,30 +8,30 @@
 #include "Simulation.h"
 #include "Stream.h"
 
-/// A simulation of a shipped scenario, whose time stands still.
+/// A simulation of a shipped scenario, with its clock stopped.
 std::unique_ptr<Simulation> makeSimulation(const std::string& aScenario);
 
-/// Requires what holds whatever clients say: the bounds of what is kept, and a journal of JSON.
+/// Requires what must hold whatever clients send: bounded storage, and a valid JSON journal.
 void requireBounded(const Simulation& aSimulation);
 
 class Peer {
  public:
-  /// Makes the server's end, and has it started. Whatever is not a stream has been closed.
+  /// Creates the server's end and starts it. Everything except streams has been closed.
   using Make = std::function<std::unique_ptr<Stream>(ACE_Reactor& reactor, ACE_HANDLE handle,
                                                      std::function<void()> closed)>;
 
   explicit Peer(const Make& aMake);
-  /// Hangs up, and requires that the server notices.
+  /// Hangs up, and requires the server to notice.
   ~Peer();
   Peer(const Peer&) = delete;
   Peer& operator=(const Peer&) = delete;
 
-  /// Has the server closed the connection?
+  /// Whether the server has closed the connection.
   bool isClosed() const { return mStream == nullptr; }
 
-  /// Sends as much as the server takes, in parts of this size, and lets it answer.
+  /// Sends as much as the server accepts, in parts of this size, and lets it answer.
   void send(const std::string& aOctets, std::size_t aPart);
-  /// All that the server has answered.
+  /// Everything that the server has answered.
   const std::string& received() const { return mReceived; }
 
  private:

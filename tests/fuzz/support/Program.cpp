@@ -1,4 +1,4 @@
-// The program's promises, written down apart from it.
+// The program's guarantees, written down independently of it.
 #include "Program.h"
 
 #include <algorithm>
@@ -14,8 +14,8 @@ using rapidjson::Document;
 
 struct Promise {
   eSections operation;
-  const char* schema;    ///< of the document; null when there never is one
-  const char* accepted;  ///< of a command: Msg for status 0; null when that is told elsewhere
+  const char* schema;    ///< of the document; null if there is none
+  const char* accepted;  ///< a command's Msg for status 0; null if it is specified elsewhere
 };
 
 constexpr Promise cPromises[] = {
@@ -24,7 +24,7 @@ constexpr Promise cPromises[] = {
     {eCalibRead, "calibration", nullptr},    {eStreamWrite, nullptr, nullptr},
     {eSingleRun, "result", "Accepted"},      {eAutomationRun, "result", "Accepted"},
     {eCalibrationRun, "result", "Accepted"}, {eAbortRun, "result", "Accepted"},
-    {eSolutionLoad, "result", "Refused"},  // the words are the wrong way round there
+    {eSolutionLoad, "result", "Refused"},  // the texts are swapped there
     {eSequenceWrite, "result", nullptr},     {eCalibWrite, "result", nullptr},
     {eAlarmReset, "result", "Accepted"},
 };
@@ -58,7 +58,7 @@ void requireConnectionFailure(const Run& aRun, eReached aReached) {
           "the text of the failure", aRun.out);
 }
 
-/// The calls around those of the section.
+/// The calls before and after those of the section.
 void requireLifeCycle(const FakeInstrument& aInstrument, eSections aOperation, eReached aReached) {
   std::vector<std::string> calls = aInstrument.calls();
   const std::string shown = joined(calls);
@@ -69,7 +69,7 @@ void requireLifeCycle(const FakeInstrument& aInstrument, eSections aOperation, e
     first.push_back("EstablishConnection(" + mode + ", \"SimUI\", \"\")");
   }
   if (aReached == eReached::eInstrument) {
-    // A library that writes to nothing has left the handle as it was.
+    // A library that writes nothing has left the handle unchanged.
     last = {aInstrument.silent ? "BreakConnection(0)" : "BreakConnection(handle)", "shutdownGC()",
             "finishACE()"};
     require(calls.size() >= first.size() + last.size(), "the connection is closed", shown);
@@ -88,7 +88,7 @@ void requireLifeCycle(const FakeInstrument& aInstrument, eSections aOperation, e
   }
 }
 
-/// The number of "Execute failed"; 0 when it is not said. It is the last line.
+/// The number after "Execute failed"; 0 if it is absent. It is the last line.
 int failure(const Run& aRun) {
   const std::string words = "Execute failed ";
   const std::size_t start = aRun.err.rfind(words);

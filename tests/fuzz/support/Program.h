@@ -1,4 +1,4 @@
-// The whole program as a function, and what holds of each of its runs.
+// The whole program as a function, and what must hold for each of its runs.
 #pragma once
 
 #include <rapidjson/document.h>
@@ -10,36 +10,36 @@
 #include "GC_Web.h"
 #include "Input.h"
 
-/// What one run of the program left.
+/// The results of one run of the program.
 struct Run {
   int status = 0;
   std::string out;
   std::string err;
 };
 
-/// Words as a program receives them, a null pointer behind them.
+/// Words in the form of main's arguments, ending in a null pointer.
 std::vector<char*> pointersTo(std::vector<std::string>& words);
 
-/// Runs the program with these words behind its name. There is a FakeInstrument to talk to.
+/// Runs the program with these words after its name. A FakeInstrument must exist.
 Run runProgram(const std::vector<std::string>& aWords);
 
-/// Runs an action and returns what it returned, and all that it wrote.
+/// Runs an action and returns its result and everything it wrote.
 template <class Action>
 Run capture(Action&& aAction);
 
 /// How far a run gets with its instrument.
 enum class eReached { eNothing, eLibrary, eInstrument };
 
-/// Lets the start of the library or the connection fail, for few inputs.
+/// Lets the library's start or the connection fail for a few inputs.
 eReached scriptConnection(Input& input, FakeInstrument& instrument);
 
-/// A status of the library; 0 and 28 among them more often than others.
+/// A status of the library; 0 and 28 are the most frequent.
 unsigned long takeStatus(Input& input);
 
-/// Requires what holds of every run of an operation: the exit status; the calls around the
-/// connection, and that it is closed when it was opened; nothing that changes the instrument in a
-/// report; one document that fits its schema, or none; what standard error says of it. Returns the
-/// document; null when there is none.
+/// Requires what holds for every run of an operation: the exit status; the calls around the
+/// connection, which must be closed if it was opened; no change to the instrument in a report; one
+/// document that matches its schema, or none; the matching text on standard error. Returns the
+/// document; null if there is none.
 rapidjson::Document requireOrderly(const FakeInstrument& aInstrument, const Run& aRun,
                                    eSections aOperation, eReached aReached);
 
@@ -48,7 +48,7 @@ std::vector<Call> changes(const FakeInstrument& aInstrument);
 
 template <class Action>
 Run capture(Action&& aAction) {
-  // The C library takes other streams in the place of its own: no file, no system call.
+  // The C library accepts other streams in place of its own: no file, no system call.
   std::FILE* const usualOut = stdout;
   std::FILE* const usualErr = stderr;
   char* text[2] = {nullptr, nullptr};

@@ -1,5 +1,5 @@
-// The main program of a fuzzer that is built without libFuzzer: runs it on every file of the
-// folders and on the files that it is given.
+// The main program of a fuzzer built without libFuzzer: runs it on the given files and on every
+// file of the given folders.
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
@@ -18,7 +18,7 @@ int run(const std::filesystem::path& aFile) {
     std::fprintf(stderr, "Cannot read %s\n", aFile.c_str());
     return -1;
   }
-  // Said before and not after: the last name is that of the input that went wrong.
+  // Printed before the run: the last name printed is that of the failing input.
   std::printf("%s\n", aFile.c_str());
   std::fflush(stdout);
   LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(octets.data()), octets.size());

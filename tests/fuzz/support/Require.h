@@ -1,11 +1,11 @@
-// What a fuzzer does when the code under test is wrong without having crashed: it crashes.
+// A fuzzer crashes if the code under test is wrong without crashing itself.
 #pragma once
 
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 
-/// `aSeen`: what shows that it does not hold.
+/// `aSeen`: the evidence of the failure.
 inline void require(bool aHolds, const char* aWhat, const std::string& aSeen = "") {
   if (!aHolds) {
     std::fprintf(stderr, "NOT SO: %s\n%s\n", aWhat, aSeen.c_str());

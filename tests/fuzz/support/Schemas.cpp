@@ -1,5 +1,5 @@
-// Schemas are read once. rapidjson's validator is sound for what these use: no patternProperties,
-// and an enum only beside a type.
+// Schemas are read once. rapidjson's validator is reliable for the keywords used here: no
+// patternProperties, and enum only together with type.
 #include "Schemas.h"
 
 #include <rapidjson/error/en.h>
@@ -58,7 +58,7 @@ void requireKeysOnce(const Value& aValue, const std::string& aText) {
 }  // namespace
 
 Document requireJson(const std::string& aText) {
-  // In full precision: the other parser takes the largest reals for too large.
+  // With full precision: the default parser rejects the largest reals.
   constexpr unsigned cFlags =
       rapidjson::kParseValidateEncodingFlag | rapidjson::kParseFullPrecisionFlag;
   Document document;

@@ -1,4 +1,4 @@
-// The linker puts the functions below in the place of the system's, for the client library only.
+// The linker substitutes the functions below for the system's, in the client library only.
 #include "ScriptedSocket.h"
 
 #include <arpa/inet.h>
@@ -76,7 +76,7 @@ eAnswer ScriptedSocket::prepare(Input& input, const std::string& aBody) {
   }
 }
 
-/// Called with the whole request in mRequest.
+/// Called with the complete request in mRequest.
 void ScriptedSocket::makeAnswer() {
   mAsked = true;
   if (mSpoil == eSpoil::eOctets) {
@@ -144,7 +144,7 @@ bool ScriptedSocket::isReady() const {
   return !mAsked || mGiven < mAnswer.size() || mSpoil != eSpoil::eHang;
 }
 
-// NOLINTBEGIN(bugprone-reserved-identifier): the linker asks for these names
+// NOLINTBEGIN(bugprone-reserved-identifier): the linker requires these names
 extern "C" {
 int __wrap_socket(int, int, int) {
   return ScriptedSocket::current().open();

@@ -1,4 +1,4 @@
-// The sockets of the client library, with a controller behind them that answers out of an input.
+// The client library's sockets, connected to a controller whose answers come from an input.
 #pragma once
 
 #include <Message.h>
@@ -9,10 +9,10 @@
 
 #include "Input.h"
 
-/// What an answer is to the library: as it was meant, surely no answer, or not known.
+/// How the library should see an answer: as intended, as certainly invalid, or unknown.
 enum class eAnswer { eGood, eBroken, eUnclear };
 
-/// While it lives, every socket that is made is its own; the library makes one at a time.
+/// During its lifetime, every socket created belongs to it; the library creates one at a time.
 class ScriptedSocket {
  public:
   ScriptedSocket();
@@ -20,27 +20,27 @@ class ScriptedSocket {
   ScriptedSocket(const ScriptedSocket&) = delete;
   ScriptedSocket& operator=(const ScriptedSocket&) = delete;
 
-  /// Prepares the answer to the next request: this message, or the input's idea of how to spoil it.
+  /// Prepares the answer to the next request: this message, or a corruption chosen by the input.
   template <class Message>
   eAnswer answer(Input& input, const Message& aMessage) {
     const wire::Frame frame = wire::encode(wire::eType::eConnect, 0, aMessage);
     return prepare(input, {frame.begin() + wire::cHeaderSize, frame.end()});
   }
-  /// Has there been a request since?
+  /// Whether a request has arrived since.
   bool wasAsked() const { return mAsked; }
 
-  /// Have all sockets been closed again?
+  /// Whether all sockets have been closed again.
   bool isClosed() const;
 
-  // --- for the functions of sockets ---
+  // --- for the socket functions ---
 
   static ScriptedSocket& current();
   int open();
-  /// Takes a part of a request, or refuses for now: -1.
+  /// Takes part of a request, or -1 if it would block.
   long take(const char* aOctets, std::size_t aSize);
-  /// Gives a part of the answer; 0 at its end, -1 when more may come later.
+  /// Returns part of the answer; 0 at its end, -1 if more may follow later.
   long give(char* octets, std::size_t aSize);
-  /// Whether there will be something before the time is over.
+  /// Whether there will be data before the timeout.
   bool isReady() const;
 
  private:
@@ -48,14 +48,14 @@ class ScriptedSocket {
     eNothing,
     eBody,       ///< any octets in place of the message
     eOctets,     ///< any octets in place of the frame
-    eMagic,      ///< another magic
+    eMagic,      ///< another magic number
     eType,       ///< an answer to another call
     eSequence,   ///< an answer to another request
     eLength,     ///< a length that no body can have
-    eShortBody,  ///< one octet less than the message needs
-    eLongBody,   ///< one more
+    eShortBody,  ///< one octet too short
+    eLongBody,   ///< one octet too long
     eEnd,        ///< the connection ends before the answer does
-    eHang,       ///< nothing comes after half of the answer
+    eHang,       ///< nothing follows after half of the answer
   };
 
   eAnswer prepare(Input& input, const std::string& aBody);
@@ -67,9 +67,9 @@ class ScriptedSocket {
   std::string mBody;
   std::string mAnswer;
   std::size_t mGiven = 0;
-  std::size_t mPart = 1;  ///< most octets that move at once
+  std::size_t mPart = 1;  ///< maximum number of octets moved at once
   eSpoil mSpoil = eSpoil::eNothing;
-  bool mHesitant = false;  ///< refuses every second time
+  bool mHesitant = false;  ///< would block every second time
   bool mRefused = false;
   bool mAsked = false;
 };

@@ -1,4 +1,4 @@
-// Files of the downloads, right but for what the input puts wrong.
+// Files of the downloads, correct except for faults taken from the input.
 #include <string>
 
 #include "Download.h"
@@ -48,7 +48,7 @@ constexpr Key cSequenceKeys[] = {
 constexpr Key cCalibrationKeys[] = {
     {"Channel", false}, {"ID", false}, {"Level_amt", false}, {"PkName", true}};
 
-/// A text as JSON has it; octets that are not UTF-8 stay what they are.
+/// A text in JSON; octets that are not UTF-8 stay unchanged.
 std::string quoted(const std::string& aText) {
   std::string text = "\"";
   for (const char character : aText) {
@@ -78,7 +78,7 @@ std::string makeNumber(Input& input) {
   }
 }
 
-/// A value of another type than anybody expects.
+/// A value of an unexpected type.
 std::string makeOddity(Input& input) {
   switch (input.below(8)) {
     case 0:
@@ -96,7 +96,7 @@ std::string makeOddity(Input& input) {
       return std::string(depth, '[') + std::string(depth, ']');
     }
     case 6:
-      return input.text();  // no JSON, mostly
+      return input.text();  // usually not JSON
     default:
       return quoted(input.text());
   }
@@ -109,7 +109,7 @@ std::string makeValue(Input& input, bool aIsText) {
   return aIsText ? quoted(input.oneOf(cTypes)) : makeNumber(input);
 }
 
-/// A member and, once in a while, none, another one, or the same again.
+/// A member; occasionally missing, duplicated, or followed by another one.
 std::string makeMember(Input& input, const char* aName, bool aIsText) {
   const std::uint8_t fate = input.octet();
   if (fate >= 0xF8) {
@@ -141,7 +141,7 @@ std::string makeRow(Input& input, const Key (&aKeys)[size]) {
   return closed(row, '}');
 }
 
-/// Rows that differ, and then the last of them some hundred times, for few inputs.
+/// Different rows; for a few inputs, the last one is repeated some hundred times.
 std::string makeRows(eDownload aDownload, Input& input) {
   std::string rows = "[";
   std::string row;
@@ -167,7 +167,7 @@ std::string makeRows(eDownload aDownload, Input& input) {
 std::string makeTable(eDownload aDownload, Input& input) {
   std::string table = "{";
   if (input.octet() >= 0xF8) {
-    // Up to where the buffer that the file is read through ends.
+    // Up to the end of the buffer through which the file is read.
     table.insert(0, 65536 - 64 + input.below(128), ' ');
   }
   if (aDownload == eDownload::eSequence) {
