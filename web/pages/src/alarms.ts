@@ -104,7 +104,7 @@ export function watchAlarms(): () => void {
     }
   });
   const timer = setInterval(() => {
-    if (status.value?.Alarm_overall && !document.hidden) {
+    if (status.value?.Alarm_overall) {
       void loadAlarms();
     }
   }, interval);

@@ -42,7 +42,7 @@ export function watchSequence(): () => void {
     }
   });
   const timer = setInterval(() => {
-    if (subject.value !== undefined && sequenceFault.value && !document.hidden) {
+    if (subject.value !== undefined && sequenceFault.value) {
       void loadSequence();
     }
   }, interval);

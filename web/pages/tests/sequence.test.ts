@@ -4,7 +4,7 @@ import { loadSequence, sequence, sequenceFault, watchSequence } from '../src/seq
 import { load, statusWith } from './documents';
 import { settle } from './dom';
 import type { Gateway } from './gateway';
-import { arrange, clear, setAge, setHidden, setStatus } from './world';
+import { arrange, clear, setAge, setStatus } from './world';
 
 const example = load<object>('docs/schemas/examples/sequence.json');
 const underWay = statusWith({ Auto_state: 'Running Sequence' });
@@ -66,7 +66,6 @@ describe('the sequence of the instrument', () => {
 
   it('is asked for every minute as long as it is not to be had', async () => {
     vi.useFakeTimers();
-    setHidden(false);
     gateway.answer('/api/sequence', {}, 503);
     await setStatus(underWay);
     stop = watchSequence();
@@ -75,10 +74,6 @@ describe('the sequence of the instrument', () => {
     expect(sequenceFault.value).toMatchObject({ status: 503 });
     await vi.advanceTimersByTimeAsync(1_000);
     expect(asked()).toBe(2);
-    setHidden(true);
-    await vi.advanceTimersByTimeAsync(60_000);
-    expect(asked()).toBe(2);
-    setHidden(false);
     gateway.answer('/api/sequence', example);
     await vi.advanceTimersByTimeAsync(60_000);
     expect(sequence.value).toEqual(example);
@@ -98,7 +93,6 @@ describe('the sequence of the instrument', () => {
 
   it('is not asked for in vain when the automation has ended', async () => {
     vi.useFakeTimers();
-    setHidden(false);
     gateway.answer('/api/sequence', {}, 503);
     await setStatus(underWay);
     stop = watchSequence();
