@@ -1,5 +1,5 @@
-# ACE and rapidjson, as imported targets. Their headers are not ours to mend: SYSTEM keeps the
-# warnings for our own code.
+# ACE and rapidjson, as imported targets. We cannot fix their headers: SYSTEM restricts warnings to our
+# own code.
 find_library(ACE_LIBRARY ACE REQUIRED)
 find_path(ACE_INCLUDE_DIR ace/ACE.h REQUIRED)
 find_path(RAPIDJSON_INCLUDE_DIR rapidjson/rapidjson.h REQUIRED)

@@ -1,5 +1,5 @@
-# The three closed libraries: the maker's when all three are named, the stand-ins when none is.
-# Either way the targets gc::client, gc::platform and gc::errortext are what the tool links to.
+# The three closed-source libraries: the maker's if all three are named, the stand-ins if none is.
+# Either way the tool links to the targets gc::client, gc::platform and gc::errortext.
 set(gc_named 0)
 foreach(name CLIENT PLATFORM ERRORTEXT)
   if(GC_${name}_LIBRARY)

@@ -1,10 +1,9 @@
-# What every target of the project is compiled and linked with: link to gc_options.
+# Compiler and linker options for every target of the project: link to gc_options.
 add_library(gc_options INTERFACE)
 target_compile_options(gc_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
   -fvisibility=hidden -fvisibility-inlines-hidden)
-# A request lives for milliseconds, most of them in the loader: short symbol tables, no lazy
-# binding machinery.
+# A request takes milliseconds, most of them in the loader: short symbol tables, no lazy binding.
 target_link_options(gc_options INTERFACE -Wl,--hash-style=gnu -Wl,-O1 -Wl,--as-needed)
 
 set(GC_SANITIZE "" CACHE STRING "Sanitizers, as in -fsanitize=")
@@ -19,8 +18,8 @@ if(GC_SANITIZE)
   target_link_options(gc_options INTERFACE -fsanitize=${GC_SANITIZE})
 endif()
 
-# What Debian's hardening=+all gives, and the processor's own protection of branches where it has one;
-# tests/checks/hardening looks at what has come out.
+# The same as Debian's hardening=+all, including branch protection where the processor has it;
+# tests/checks/hardening checks the result.
 include(CheckPIESupported)
 check_pie_supported()
 target_compile_options(gc_options INTERFACE
@@ -31,16 +30,16 @@ if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|i.86)$")
 elseif(CMAKE_SYSTEM_PROCESSOR STREQUAL "aarch64")
   target_compile_options(gc_options INTERFACE -mbranch-protection=standard)
 endif()
-# Only an optimised build can be fortified; the sanitizers check more. Then the C library marks results
-# that must be used, and g++ does not take a cast to void for an answer; clang++ sees [[nodiscard]].
+# Only an optimised build can be fortified; the sanitizers check more. When fortified, the C library marks
+# results that must be used, and g++ warns in spite of a cast to void; clang++ checks [[nodiscard]].
 string(TOUPPER "${CMAKE_BUILD_TYPE}" gc_build_type)
 if(NOT GC_SANITIZE AND
     "${CMAKE_CXX_FLAGS} ${CMAKE_CXX_FLAGS_${gc_build_type}}" MATCHES "-O[123gs]")
   target_compile_options(gc_options INTERFACE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -Wno-unused-result)
 endif()
 
-# For programs without shared libraries. The sanitizers' are shared; not every processor's C library
-# can put a static program at an address of chance.
+# For programs without shared libraries. The sanitizers need shared ones; not every processor's C library
+# supports static programs at random addresses.
 include(CheckLinkerFlag)
 check_linker_flag(CXX -static-pie GC_CAN_STATIC_PIE)
 if(GC_SANITIZE)
@@ -52,7 +51,7 @@ else()
 endif()
 
 # Compiled once for all clones of the project on this machine: paths are relative to the clone.
-option(GC_CACHE_COMPILATIONS "Compile through ccache, if there is one" ON)
+option(GC_CACHE_COMPILATIONS "Compile with ccache if it is installed" ON)
 find_program(GC_CCACHE ccache)
 if(GC_CACHE_COMPILATIONS AND GC_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
   set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env
@@ -60,7 +59,7 @@ if(GC_CACHE_COMPILATIONS AND GC_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
   add_compile_options(-fdebug-prefix-map=${CMAKE_BINARY_DIR}=.)
 endif()
 
-# The headers of libraries take longer to compile than the tests that include them.
+# Library headers take longer to compile than the tests that include them.
 option(GC_PRECOMPILE "Precompile headers of libraries for the tests" OFF)
 function(gc_precompile target)
   if(GC_PRECOMPILE)

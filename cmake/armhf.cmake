@@ -1,5 +1,5 @@
-# The controller's processor: cross-compiled with Debian's compiler against the armhf libraries that
-# packaging/armhf-sysroot has unpacked, run by qemu.
+# The controller's processor: cross-compiled with Debian's compiler against the armhf libraries unpacked
+# by packaging/armhf-sysroot, run in qemu.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR armv7l)
 set(CMAKE_CXX_COMPILER arm-linux-gnueabihf-g++)

@@ -1,8 +1,8 @@
 #!/usr/bin/env -S /usr/bin/python3 -B
-"""Runs a command, and ends whatever it has started: tests/checks/contained.py COMMAND...
+"""Runs a command and kills everything that it leaves running: tests/checks/contained.py COMMAND...
 
-When the command has ended or a signal has come, no process of it goes on, whatever session it is in and
-whoever its parent was, and the folder that TMPDIR names for it is gone.
+After the command has ended or a signal has arrived, none of its processes keeps running, whatever its
+session or parent, and its temporary folder (TMPDIR) is gone.
 """
 
 import ctypes
@@ -17,12 +17,12 @@ from pathlib import Path
 
 PR_SET_CHILD_SUBREAPER = 36
 SIGNALS = (signal.SIGINT, signal.SIGTERM, signal.SIGHUP)
-# Seconds for processes to clean up after themselves.
+# Seconds that processes have to clean up after themselves.
 GRACE = 3
 
 
 def children_of(process):
-    """None of one that has ended meanwhile."""
+    """Empty for a process that has ended meanwhile."""
     found = []
     try:
         for task in os.listdir(f"/proc/{process}/task"):
@@ -33,7 +33,7 @@ def children_of(process):
 
 
 def descendants():
-    """Orphans are among them: this process is their new parent."""
+    """Including orphans: this process is their new parent."""
     found, asked = [], [os.getpid()]
     while asked:
         children = children_of(asked.pop())
@@ -82,7 +82,7 @@ def main():
         came = signal.SIGCHLD
         while came == signal.SIGCHLD and command.poll() is None:
             came = signal.sigwait([*SIGNALS, signal.SIGCHLD])
-            # Not the command itself, whose status is wanted.
+            # Not the command itself: its status is needed.
             for process in descendants():
                 if process != command.pid and came == signal.SIGCHLD:
                     try:

@@ -1,4 +1,4 @@
-"""What a command in a container of its own leaves behind when it ends or is interrupted: nothing."""
+"""A contained command leaves nothing behind when it ends or is interrupted."""
 
 import os
 import signal
@@ -10,7 +10,7 @@ from pathlib import Path
 import pytest
 
 CONTAINED = Path(__file__).with_name("contained.py")
-# A daemon in a session of its own, one that hears no signal, a file, and whatever follows.
+# A daemon in its own session, a process that ignores signals, a file, and then the rest of the script.
 SCRIPT = """
 setsid sh -c 'sleep 1000 & exec sleep 1000' &
 (trap '' INT TERM HUP; sleep 1000) &
@@ -21,7 +21,7 @@ echo "$TMPDIR"
 
 @pytest.fixture
 def mark() -> Iterator[str]:
-    """Stands in the environment of every process of a test."""
+    """A value in the environment of every process of a test."""
     mark = uuid.uuid4().hex
     yield mark
     for process in marked(mark):
@@ -57,7 +57,7 @@ def start(mark: str, script: str) -> tuple[subprocess.Popen[str], Path]:
 @pytest.mark.parametrize("sent", [signal.SIGINT, signal.SIGTERM, signal.SIGHUP])
 @pytest.mark.parametrize("to", [os.kill, os.killpg])
 def test_an_interrupt_ends_everything(mark: str, sent: signal.Signals, to: object) -> None:
-    """To all of a terminal, or to the first process alone."""
+    """Sent to the whole process group, or to the first process alone."""
     process, folder = start(mark, "wait")
     assert (folder / "left").is_dir()
     to(process.pid, sent)  # type: ignore[operator]

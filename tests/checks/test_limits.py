@@ -1,7 +1,7 @@
-"""Limits that several rooms must agree on: each stands once where it is needed, and all are the same.
+"""Limits that several rooms must agree on: each is stated once per room, and all are the same.
 
-A program takes a constant where it compiles, and a document of its interface a number: neither can
-include the other.
+Programs need a constant at compile time, and documents of the interface a number: neither can include
+the other.
 """
 
 import json
@@ -13,7 +13,7 @@ import pytest
 ROOT = Path(__file__).resolve().parents[2]
 MODEL = "simulator/controller/model"
 
-# Where each limit stands: a file, and either a pattern with one group, or the place in a JSON document.
+# Where each limit is stated: a file, and either a pattern with one group, or a place in a JSON document.
 LIMITS: dict[str, dict[tuple[str, str], int]] = {
     "streams": {
         ("Source/CommandLine.cpp", r"cHighestStream = (\d+);"): 0,
@@ -30,7 +30,7 @@ LIMITS: dict[str, dict[tuple[str, str], int]] = {
         ("Source/CommandLine.cpp", r"cHighestSlot = (\d+);"): 0,
         ("docs/schemas/command-solution.schema.json", "/properties/solution/maximum"): 0,
         ("simulator/scenarios/scenario.schema.json", "/definitions/slot/maximum"): 0,
-        # A number of slots: they begin with 0.
+        # The number of slots, which are counted from 0.
         (f"{MODEL}/Parameters.h", r"cSolutionSlots = (\d+);"): -1,
     },
     "lines of the sequence": {
@@ -68,7 +68,7 @@ def limit_at(file: str, place: str) -> int:
     text = (ROOT / file).read_text(encoding="utf-8")
     if not place.startswith("/"):
         found = re.findall(place, text)
-        assert len(found) == 1, f"{file}: {place} stands {len(found)} times"
+        assert len(found) == 1, f"{file}: {place} found {len(found)} times"
         return int(found[0])
     value = json.loads(text)
     for key in place[1:].split("/"):

@@ -1,9 +1,9 @@
 #!/usr/bin/env -S /usr/bin/python3 -B
 """Runs clang-tidy on every file of a build: tests/checks/tidy.py BUILD_FOLDER
 
-On many at a time, which include each other's headers once: most of its work is the headers. Files are
-put together when no name of one is in the way of another's; where that was wrong, each is taken alone.
-Passes over what has passed and has not changed.
+Many files are checked together, so that common headers are read once: they are most of the work. Files
+are combined if their names do not clash; if they do clash after all, each is checked alone.
+Skips files that have passed and have not changed since.
 """
 
 import hashlib
@@ -18,11 +18,11 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
 LARGEST_GROUP = 16
-# An error of the compiler's, which only files that stand in each other's way can have here.
+# A compiler error, which here can only be caused by files that clash.
 CLASH = "[clang-diagnostic-error"
-# What every program has is called differently in each file.
+# Functions that every program has are renamed in each file.
 OF_PROGRAMS = ["main", "LLVMFuzzerTestOneInput"]
-# Options that change nothing that clang-tidy sees, or only what one program's own files look at.
+# Options that do not affect clang-tidy, or affect only one program's own files.
 IRRELEVANT = re.compile("-O.|-fPI[CE]|-DGTEST_HAS_PTHREAD=1|-D.*_EXPORTS")
 
 NAMES = re.compile(
@@ -36,7 +36,7 @@ NAMES = re.compile(
 
 
 def options_of(entry):
-    """The options of a compilation: those that files must have in common, and those they may share."""
+    """The options of a compilation: those that must be equal, and those that can be merged."""
     words = shlex.split(entry["command"])[1:]
     words = iter(words[: words.index("-o")])
     common, shared = [], []
@@ -58,7 +58,7 @@ def names_in(file):
 
 
 def area_of(file):
-    """Files of different areas have headers with the same names in them."""
+    """Files in different areas may include different headers with the same name."""
     folders = Path(file).relative_to(ROOT).parent.parts
     return folders[:3] if folders[0] == "tests" else folders[:2]
 
@@ -102,7 +102,7 @@ def include(number, file):
 
 
 def check(folder, surroundings, words, files):
-    """What is wrong with the files of a group; nothing when it is known that nothing is."""
+    """The faults in the files of a group; empty if they are known to have none."""
     text = [Path(file).read_text() for file in files]
     relative = [word.replace(str(ROOT), ".") for word in words]
     key = hashlib.sha256(repr((surroundings, relative, files, text)).encode()).hexdigest()
@@ -116,7 +116,7 @@ def check(folder, surroundings, words, files):
         together.write_text("".join(include(n, file) for n, file in enumerate(files)))
         faults = tidy(words, together)
         if CLASH in faults:
-            # Those that the compiler names have to be alone; what is left tells whether that was enough.
+            # Files named by the compiler are checked alone; the rest shows whether that was enough.
             alone = [file for file in files if re.search(rf"^{re.escape(file)}:.*error", faults, re.M)]
             alone = alone if 0 < len(alone) < len(files) else files
             print("Alone:", *(os.path.relpath(file, ROOT) for file in alone), flush=True)
@@ -139,7 +139,7 @@ def main():
     surroundings = [subprocess.run(["clang-tidy", "--version"], capture_output=True, text=True).stdout]
     surroundings += [(ROOT / ".clang-tidy").read_text(), Path(__file__).read_text()]
     surroundings += [(ROOT / file).read_text() for file in headers.split("\0") if (ROOT / file).is_file()]
-    # The largest first: nobody waits long for the last.
+    # The largest first, so that the last ones do not take long.
     groups = sorted(grouped(build), key=lambda group: -len(group[1]))
     failed = False
     with ThreadPoolExecutor(os.cpu_count()) as pool:

@@ -1,4 +1,4 @@
-"""The areas of the code that are mutated: what belongs to each, and which tests ask about it."""
+"""The areas of the code that are mutated: what belongs to each, and which tests cover it."""
 
 from dataclasses import dataclass
 from pathlib import Path
@@ -8,14 +8,14 @@ ROOT = Path(__file__).resolve().parents[2]
 
 @dataclass(frozen=True)
 class Program:
-    """A test program, by the names of CMake's targets."""
+    """A test program, by the names of its CMake targets."""
 
     tests: str
     code: tuple[str, ...]
     """Targets whose objects are linked to the tests."""
     libraries: tuple[str, ...]
     needs: tuple[str, ...] = ()
-    """Programs that the tests start; these stay as they are."""
+    """Programs that the tests start; these are not mutated."""
 
     @property
     def targets(self) -> tuple[str, ...]:
@@ -26,16 +26,16 @@ class Program:
 class Area:
     name: str
     folders: tuple[str, ...]
-    """Whose headers and sources are changed, with what is in folders of theirs."""
+    """Whose headers and sources are changed, including subfolders."""
     programs: tuple[Program, ...]
-    """Those that are asked first come first."""
+    """In the order in which they are run."""
     least_killed: float
-    """Of the mutants that compile and can be seen."""
+    """As a share of the mutants that compile and can be noticed."""
     mains: tuple[str, ...] = ()
-    """Files of programs that no unit test links, left alone."""
+    """Files of programs that no unit test links; not mutated."""
     is_explained: bool = True
     """Whether every survivor is known. Until then a sample only shows what survives, since it would
-    fail or not by chance; a full run always fails."""
+    fail at random; a full run always fails."""
 
     def sources(self) -> list[str]:
         """Relative to the root."""
@@ -45,7 +45,7 @@ class Area:
 
     @property
     def explanations(self) -> Path:
-        """The list of changes that no unit test can see."""
+        """The list of changes that no unit test can notice."""
         return Path(__file__).parent / f"equivalent-{self.name}"
 
 

@@ -1,4 +1,4 @@
-"""Compiles the unit tests of an area as they are, in a folder of their own."""
+"""Compiles the unit tests of an area from unchanged code, in a separate folder."""
 
 import json
 import re
@@ -26,16 +26,16 @@ class Unit:
     """Relative to the root."""
     target: str
     command: tuple[str, ...]
-    """Without compiler, input and output."""
+    """Arguments without compiler, input and output."""
 
     @property
     def name(self) -> str:
-        """Of the object file."""
+        """Name of the object file."""
         return f"{self.target}-{self.file.replace('/', '_')}.o"
 
     @property
     def is_test(self) -> bool:
-        """Asked only when it is needed, unlike what all tests of a program share."""
+        """Linked only when needed, unlike the units that all tests of a program share."""
         return self.file.endswith("Test.cpp")
 
 
@@ -46,24 +46,24 @@ class TestProgram:
         self.program = program
         self.units = [unit for unit in units if unit.target in program.targets]
         self.killers: dict[str, list[str]] = defaultdict(list)
-        """Names of tests that found mutants of a file, the latest first."""
+        """Names of tests that killed mutants of a file, latest first."""
         self.order: dict[str, list[Unit]] = {}
-        """The tests that see a header, those that found mutants of it first."""
+        """The tests that include a header; first those that killed mutants of it."""
         self.cpu_limit = 600
         self.slow: list[str] = []
-        """Names of tests that are asked last."""
+        """Names of tests that are run last."""
 
     def may_see(self, files: Collection[str]) -> bool:
-        """Which headers a program sees, only its compiler knows."""
+        """Any header may matter: only the compiler knows which ones a program includes."""
         sources = {unit.file for unit in self.units}
         return any(file in sources or file.endswith(".h") for file in files)
 
 
 class Build:
-    """The unit tests as they are, compiled from a copy of the tree."""
+    """The unit tests of the unchanged code, compiled from a copy of the tree."""
 
     def __init__(self, area: Area, wanted: Collection[str], folder: Path, sanitized: bool):
-        """`wanted`: the files that will be changed. Programs that see none of them are left out."""
+        """`wanted`: the files that will be changed. Programs that use none of them are omitted."""
         self.area = area
         self.folder = folder
         self.tree = folder / "tree"
@@ -79,7 +79,7 @@ class Build:
         asked = {unit for tested in self.programs for unit in tested.units}
         self.units = [unit for unit in units if unit in asked]
         self.changed = ("tests/unit", *area.folders)
-        """Folders of which the workers have copies of their own."""
+        """Folders that each worker has its own copy of."""
         commands = sorted({unit.command for unit in self.units})
         self.precompiled = {c: folder / f"precompiled{n}.h" for n, c in enumerate(commands)}
         self.headers: dict[Unit, set[str]] = {}
@@ -99,14 +99,14 @@ class Build:
             output = words[words.index("-o") + 1]
             target = re.search(r"/(\w+)\.dir/", output)
             if target and target[1] in targets:
-                # Unchanged code is clean of warnings; a mutant is for the tests to find.
+                # Unchanged code has no warnings; mutants are for the tests to find.
                 flags = (*words[1 : words.index("-o")], "-O0", "-w")
                 file = str(Path(entry["file"]).relative_to(self.tree))
                 units.append(Unit(file, target[1], flags))
         return units
 
     def compile_all(self, executor: Executor) -> None:
-        """Compiles all units as they are and runs the tests, which must pass."""
+        """Compiles all units unchanged and runs the tests, which must pass."""
         for _ in executor.map(self._precompile, self.precompiled):
             pass
         for unit, message in zip(self.units, executor.map(self._compile_base, self.units)):
@@ -123,7 +123,7 @@ class Build:
             tested.slow = run.slow
 
     def _precompile(self, command: tuple[str, ...]) -> None:
-        """The headers of others that the units with this command include."""
+        """The headers of other projects that the units with this command include."""
         files = [self.tree / unit.file for unit in self.units if unit.command == command]
         files += [f for folder in self.area.folders for f in (self.tree / folder).rglob("*.h")]
         folders = [self.tree / folder for folder in ("include", *self.changed)]
@@ -151,8 +151,8 @@ class Build:
         return self.folder / "objects" / unit.name
 
     def compile(self, unit: Unit, tree: Path, output: Path, flags: tuple[str, ...] = ()) -> str:
-        """Compiles a unit of a copy of the code; returns the messages of a failure."""
-        # Everything else stays where it is.
+        """Compiles a unit of a copy of the code; returns the messages if it fails."""
+        # Everything else is taken from the original tree.
         folders = "|".join(self.changed)
         words = [
             re.sub(rf"{self.tree}(?=/({folders})(/|$))", str(tree), word) for word in unit.command
@@ -168,7 +168,7 @@ class Build:
         subprocess.run([*command, *tested.program.libraries, "-o", output], check=True)
 
     def run(self, tested: TestProgram, program: Path, arguments: list[str]) -> Run:
-        # The sanitizers reserve more memory than there is.
+        # The sanitizers reserve more address space than there is memory.
         return run_tests(
             program, arguments, tested.cpu_limit, self.folder, address_limit=not self.sanitized
         )

@@ -1,18 +1,18 @@
-"""The list of changes that no unit test can see, each with its reason."""
+"""The list of changes that no unit test can notice, each with its reason."""
 
 import re
 
 from mutants import Mutant
 
-# How the reason of changes begins that show under the sanitizers only.
+# How the reason begins for changes that only the sanitizers notice.
 SANITIZED = "Sanitizers:"
 ENTRY = re.compile(r"[\w/-]+\.(h|cpp): ")
 
 
 class Explained:
     def __init__(self, text: str):
-        """`text`: paragraphs; a reason, then the changes that it explains, each as it is printed,
-        or as the line of the function and lines of "~" with patterns for Mutant.marked."""
+        """`text`: paragraphs; a reason, then the changes that it explains, each as printed, or as
+        the line of the function followed by lines of "~" and a pattern for Mutant.marked."""
         self.reasons: dict[str, str] = {}
         self.patterns: dict[str, re.Pattern[str]] = {}
         reason = ""
@@ -45,7 +45,7 @@ class Explained:
         return self.reasons.get(self.entry(mutant) or "", "").startswith(SANITIZED)
 
     def stale(self, mutants: list[Mutant]) -> list[str]:
-        """The entries, of these mutants' files, that explain none of them."""
+        """The entries for these mutants' files that explain none of them."""
         files = {mutant.file for mutant in mutants}
         used = {self.entry(mutant) for mutant in mutants}
         return [e for e in self.reasons if e not in used and e.partition(":")[0] in files]

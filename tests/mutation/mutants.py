@@ -23,7 +23,7 @@ TOKEN = re.compile(
     re.VERBOSE | re.MULTILINE | re.DOTALL,
 )
 
-# What stands between two operands, and what is tried in its place.
+# Operators between two operands, and what replaces them.
 BINARY = {
     "==": ("!=",),
     "!=": ("==",),
@@ -46,14 +46,14 @@ BINARY = {
 UNARY = {"++": "--", "--": "++", "!": ""}
 ARITHMETIC = "+ - * / % & | += -= ++ --".split()
 
-# What begins an operand of && and ||, or a condition, from the left; and what ends it.
+# What precedes an operand of && and ||, or a condition, and what follows it.
 OPENERS = {"(", "[", "{", "}", ",", ";", "=", "+=", "-=", "return", "?", ":"}
 CLOSERS = {")", "]", "}", ",", ";", "?", ":"}
 DECLARATION = re.compile(
     r"(using|static_assert)\b"
     r"|((unsigned|const|constexpr) )*(?!delete\b)[\w:]+(<[^;=(]*>)?[*&]* \w+[ ;=({[]"
 )
-# What takes its arguments either way, as far as we ask.
+# Functions whose arguments may be exchanged, in the way we use them.
 SYMMETRIC = {"min", "max", "strcmp"}
 HEADED = {"if", "for", "while", "switch"}
 
@@ -79,9 +79,9 @@ class Mutant:
     end: int
     new: str
     line: int
-    """Of the first change, from 1; for people only."""
+    """Where the change begins, counted from 1; for people only."""
     key: tuple[str, ...]
-    """File, function, line before, lines removed, lines added: stays when the lines move."""
+    """File, function, line before, lines removed, lines added: unaffected when lines move."""
     marked: str
     """The kind, and the line with the change in it: "integer: a = {1 -> 2};"."""
 
@@ -117,7 +117,7 @@ def constants(text: str) -> Iterator[list[str]]:
 
 
 def next_names(groups: Iterable[list[str]]) -> dict[str, str]:
-    """Each name's neighbour: the next one of its group, the one before for the last."""
+    """Each name's neighbour: the next one in its group, or the previous one for the last."""
     neighbours = {}
     for names in groups:
         for place, name in enumerate(names):
@@ -127,9 +127,9 @@ def next_names(groups: Iterable[list[str]]) -> dict[str, str]:
 
 
 def changed_text(literal: str) -> str:
-    """The literal with its last letter or digit changed that is not part of a conversion."""
+    """The literal with one change: in the last letter or digit that is not part of a conversion."""
     body = literal[1:-1]
-    # What must stay a conversion or an escape is no candidate.
+    # Conversions and escapes must not change.
     plain = re.sub(r"\\.|%[-0-9.]*[a-z]", lambda m: "\0" * len(m[0]), body)
     candidates = re.findall(r"[A-Za-z0-9]", plain) or re.findall(r"[^\0 ]", plain)
     if not candidates:
@@ -162,7 +162,7 @@ class File:
         self.line_starts = [0] + [m.end() for m in re.finditer("\n", text)]
 
     def mutants(self) -> list[Mutant]:
-        """In the order of the text, none twice."""
+        """In the order of the text, without duplicates."""
         changes = [
             *self._tokens(),
             *self._operands(),
@@ -215,11 +215,11 @@ class File:
         return self.tokens[i].text if 0 <= i < len(self.tokens) else ""
 
     def _opens_block(self, i: int) -> bool:
-        """Whether a bracket opens a block of statements; what follows a case is none of ours."""
+        """Whether a bracket opens a block of statements; a block after a case does not count."""
         return self._at(i) == "{" and self._at(i - 1) in {")", "const", "override", "else", "do"}
 
     def _fixed(self) -> list[tuple[int, int]]:
-        """Spans of text in which a change shows at compile time only: assertions, and the heads of
+        """Spans of text in which a change shows only at compile time: assertions, and the heads of
         templates."""
         fixed = []
         for i, token in enumerate(self.tokens):
@@ -244,7 +244,7 @@ class File:
                 yield kind, token.start, token.end, new
 
     def _of_raw(self, token: Token) -> Iterator[tuple[str, int, int, str]]:
-        """A raw string holds JSON: its texts and its numbers are changed."""
+        """A raw string contains JSON: its texts and numbers are changed."""
         start = token.start + len('R"(')
         for inner in tokenize(token.text[len('R"(') : -len(')"')]):
             if inner.kind in {"string", "number"}:
@@ -289,7 +289,7 @@ class File:
                 yield "real", str(value)
 
     def _of_name(self, i: int, name: str) -> Iterator[tuple[str, str]]:
-        # In its own definition a name would only change what it is called.
+        # In its own definition, changing a name would only rename it.
         defined = self._at(i + 1) in {"=", "["} and self._at(i - 1) != "return"
         listed = self._at(i + 1) in {",", "}"} and self._in_enumeration(i)
         if name in self.neighbours and not defined and not listed:
@@ -300,7 +300,7 @@ class File:
         return self._at(opened) == "{" and "enum" in (self._at(opened - n) for n in range(2, 7))
 
     def _operands(self) -> Iterator[tuple[str, int, int, str]]:
-        """Each operand of && and || left out."""
+        """Removes each operand of && and ||."""
         for i, token in enumerate(self.tokens):
             if token.text not in {"&&", "||"} or not self._is_binary(i):
                 continue
@@ -312,21 +312,21 @@ class File:
                 yield "operand", self.tokens[left].start, self.tokens[i + 1].start, ""
 
     def _left(self, i: int, stops: set[str]) -> int:
-        """The first token of what ends before token i."""
+        """The first token of the expression that ends before token i."""
         i -= 1
         while self._at(i) not in stops:
             i = self.match.get(i, i) - 1
         return i + 1
 
     def _right(self, i: int, stops: set[str]) -> int:
-        """The last token of what begins behind token i."""
+        """The last token of the expression that begins after token i."""
         i += 1
         while self._at(i) not in stops:
             i = self.match.get(i, i) + 1
         return i - 1
 
     def _conditions(self) -> Iterator[tuple[str, int, int, str]]:
-        """Each condition taken for true and for false; of a loop for false, since it ends then."""
+        """Replaces each condition by true and by false; that of a loop only by false, which ends it."""
         for i, token in enumerate(self.tokens):
             if token.text == "?":
                 first = self._left(i, OPENERS)
@@ -348,7 +348,7 @@ class File:
             yield "condition", start, end, f"{self.text[start:end]}; {value}" if declares else value
 
     def _statements(self) -> Iterator[tuple[str, int, int, str]]:
-        """Each statement left out that declares nothing."""
+        """Removes each statement that is not a declaration."""
         for block in self.blocks:
             i = block + 1
             while i < self.match[block]:
@@ -362,7 +362,7 @@ class File:
                 i = last + 1
 
     def _skip_head(self, i: int) -> int:
-        """Behind what may stand before a statement: if (...), else, case ...: and their like."""
+        """Skips what may precede a statement: if (...), else, case ...: and the like."""
         while True:
             if self._at(i) in HEADED:
                 i = self.match[i + 1] + 1
@@ -375,7 +375,7 @@ class File:
 
     def _may_go(self, first: int, last: int) -> bool:
         if self._at(first) == "return":
-            # The end of a function without its return is no behaviour at all.
+            # Reaching the end of a function without its return is undefined.
             block = self.match.get(last + 1, -1)
             return not (block in self.blocks and self._is_function(block))
         statement = self.text[self.tokens[first].start : self.tokens[last].end]
@@ -387,13 +387,13 @@ class File:
         return self._at(block - 1) not in {"else", "do"}
 
     def _elements(self) -> Iterator[tuple[str, int, int, str]]:
-        """Neighbouring elements of an array exchanged."""
+        """Exchanges neighbouring elements of an array."""
         for i in range(len(self.tokens)):
             if self._at(i) == "{" and self._at(i - 1) == "=" and self._at(i - 2) == "]":
                 yield from self._exchanged("row", self._split(i))
 
     def _arguments(self) -> Iterator[tuple[str, int, int, str]]:
-        """Neighbouring arguments of a call exchanged."""
+        """Exchanges neighbouring arguments of a call."""
         inside = {i for block in self.blocks for i in range(block, self.match[block])}
         for i in sorted(inside):
             called = self.tokens[i - 1].kind == "word" or self._at(i - 1) == ">"
@@ -401,7 +401,7 @@ class File:
                 yield from self._exchanged("argument", self._split(i))
 
     def _split(self, opening: int) -> list[tuple[int, int]]:
-        """The spans of text between the commas of a bracket."""
+        """The spans of text between the commas in a bracket."""
         spans = []
         i = opening
         while i + 1 < self.match[opening]:

@@ -1,4 +1,4 @@
-"""What Stryker found in the pages: its mutants, and the list of those that no test can see."""
+"""Stryker's results for the pages: its mutants, and the list of those that no test can notice."""
 
 import re
 from dataclasses import dataclass
@@ -7,7 +7,7 @@ VERDICTS = {
     "Killed": "killed",
     "Timeout": "killed",
     "Survived": "survived",
-    # Not a single test comes by.
+    # No test reaches it.
     "NoCoverage": "survived",
 }
 
@@ -19,22 +19,22 @@ def one_line(text: str) -> str:
 @dataclass(frozen=True)
 class Mutant:
     file: str
-    """From web/pages/ on."""
+    """Relative to web/pages/."""
     number: int
-    """Of the line."""
+    """The line number."""
     kind: str
     line: str
     old: str
     new: str
     place: str = ""
-    """As Stryker names it."""
+    """In Stryker's notation."""
 
     def __str__(self) -> str:
         return f"{self.file}: {self.line}\n{self.old} => {self.new}"
 
 
 def cut(lines: list[str], location: dict[str, dict[str, int]]) -> str:
-    """The text there; lines and columns count from 1."""
+    """The text at a location; lines and columns count from 1."""
     start, end = location["start"], location["end"]
     text = lines[start["line"] - 1 : end["line"]]
     text[-1] = text[-1][: end["column"] - 1]
@@ -49,7 +49,7 @@ def place_of(file: str, location: dict[str, dict[str, int]]) -> str:
 
 
 def read_report(report: dict) -> list[tuple[Mutant, str]]:
-    """The mutants in the order of the text, with their verdicts; ignored ones are left out."""
+    """The mutants in the order of the text, with their verdicts; ignored ones are omitted."""
     found = []
     for file, content in report["files"].items():
         lines = content["source"].split("\n")
@@ -68,8 +68,8 @@ def read_report(report: dict) -> list[tuple[Mutant, str]]:
 
 class Explained:
     def __init__(self, text: str):
-        """`text`: paragraphs; a reason, then the changes that it explains: a line of the file, and
-        below it each change of that line. A * stands for anything."""
+        """`text`: paragraphs; a reason, then the changes that it explains: a line of the file,
+        followed by each change to that line. A * matches anything."""
         self.patterns: dict[str, re.Pattern[str]] = {}
         for paragraph in text.strip().split("\n\n"):
             if re.match(r"src/\S+: ", paragraph):
@@ -82,11 +82,11 @@ class Explained:
                     self.patterns[entry] = re.compile(".*".join(parts))
 
     def entries(self, mutant: Mutant) -> list[str]:
-        """Those that explain the mutant."""
+        """The entries that explain the mutant."""
         return [e for e, pattern in self.patterns.items() if pattern.fullmatch(str(mutant))]
 
     def stale(self, verdicts: list[tuple[Mutant, str]]) -> list[str]:
-        """The entries, of these mutants' files, that explain no survivor."""
+        """The entries for these mutants' files that explain no survivor."""
         files = {mutant.file for mutant, _ in verdicts}
         survivors = [mutant for mutant, verdict in verdicts if verdict == "survived"]
         used = {entry for mutant in survivors for entry in self.entries(mutant)}

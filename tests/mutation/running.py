@@ -10,15 +10,15 @@ import time
 from dataclasses import dataclass
 from pathlib import Path
 
-# What stops a mutant that never ends, or takes or writes all that there is.
+# Limits for mutants that never end, or that use up all memory or disk space.
 LONGEST_RUN = 300.0
 LARGEST_MEMORY = 4 << 30
 LARGEST_FILE = 64 << 20
 LARGEST_FOLDER = 1 << 30
-# A program is hung when none of its processes has wanted a processor for so many looks in a row.
+# A program hangs if none of its processes has wanted a processor for this many looks in a row.
 SECONDS_A_LOOK = 0.2
 IDLE_LOOKS = 40
-# Nothing outside is in reach: no process, no network, and no file but those in its own /tmp.
+# Nothing outside is accessible: no processes, no network, and no writable files except in its own /tmp.
 SANDBOX = ["bwrap", "--unshare-all", "--die-with-parent", "--ro-bind", "/", "/", "--dev", "/dev"]
 SANDBOX += ["--proc", "/proc", "--size", str(LARGEST_FOLDER), "--tmpfs", "/tmp", "--chdir", "/tmp"]
 
@@ -39,11 +39,11 @@ def run_tests(
     program: Path, arguments: list[str], cpu_limit: int, seen: Path, address_limit: bool
 ) -> Run:
     """Runs tests up to the first that fails. A run that takes many times as long as that of the
-    unchanged code ends; processor time counts, so that a busy machine fails nothing. `seen`: a
-    folder that the sandbox shows, with the program in it."""
+    unchanged code is killed; processor time counts, so that a busy machine makes no difference.
+    `seen`: a folder visible in the sandbox, with the program in it."""
     limits = [f"--cpu={cpu_limit}", f"--fsize={LARGEST_FILE}", "--core=0"]
     limits += [f"--as={LARGEST_MEMORY}"] if address_limit else []
-    # Who starts this in the background has it ignore signals.
+    # Signals are ignored if this was started in the background.
     command = ["env", "--default-signal", *SANDBOX, "--ro-bind", seen, seen]
     command += ["prlimit", *limits, program]
     command += ["--gtest_fail_fast", "--gtest_color=no", *arguments]
@@ -69,7 +69,7 @@ def run_tests(
 
 
 def _wait(process: int) -> None:
-    """Until the process has ended, or been killed because it hangs."""
+    """Waits until the process has ended, or kills it if it hangs."""
     end = os.pidfd_open(process)
     try:
         seen, looks, last = [], 0, time.monotonic() + LONGEST_RUN
@@ -78,7 +78,7 @@ def _wait(process: int) -> None:
             idle = seen == before and all(state == "S" for _, state, _ in seen)
             looks = looks + 1 if idle else 0
             if looks == IDLE_LOOKS or time.monotonic() > last:
-                # What is in the sandbox dies with it.
+                # Everything in the sandbox dies with it.
                 os.kill(process, signal.SIGKILL)
                 return
     finally:
@@ -86,7 +86,7 @@ def _wait(process: int) -> None:
 
 
 def _activity(process: int) -> list[tuple[int, str, int]]:
-    """Of all threads of a process and of those below it: number, state and processor time."""
+    """Number, state and processor time of all threads of a process and its descendants."""
     found: list[tuple[int, str, int]] = []
     try:
         threads = os.listdir(f"/proc/{process}/task")
@@ -95,7 +95,7 @@ def _activity(process: int) -> list[tuple[int, str, int]]:
     for thread in threads:
         folder = Path(f"/proc/{process}/task/{thread}")
         try:
-            # The name, in brackets, may hold anything.
+            # The name, in brackets, may contain anything.
             fields = (folder / "stat").read_text().rpartition(")")[2].split()
             children = (folder / "children").read_text().split()
         except (FileNotFoundError, ProcessLookupError):

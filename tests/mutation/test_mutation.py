@@ -1,4 +1,4 @@
-"""The mutator itself: which changes it finds in small texts, and what the lists explain."""
+"""Tests of the mutator: which changes it finds in small texts, and what the lists explain."""
 
 import pytest
 

@@ -1,4 +1,4 @@
-"""What is read from Stryker's report, and what the list of the pages explains."""
+"""Tests of reading Stryker's report, and of what the list for the pages explains."""
 
 import pytest
 

@@ -1,4 +1,4 @@
-"""What runs the tests with a fault in the code: it notices every end, and nothing gets out."""
+"""Tests of the sandbox for mutants: it notices every kind of end, and nothing gets out."""
 
 import os
 import subprocess
@@ -56,7 +56,7 @@ def test_what_never_ends_is_ended(tmp_path: Path) -> None:
 
 
 def test_nothing_is_left_running(tmp_path: Path) -> None:
-    # Held open by whatever is left; the reader sees the end when nothing is.
+    # Held open by any process that is left; end of file shows that there is none.
     os.mkfifo(tmp_path / "life")
     reader = os.open(tmp_path / "life", os.O_RDONLY | os.O_NONBLOCK)
     assert run(tmp_path, f"setsid sleep 1000 >{tmp_path}/life & exit 0").passed

@@ -1,4 +1,4 @@
-"""Tries mutants: compiles what a change touches, as little as that takes, and asks the tests."""
+"""Tries mutants: compiles only what a change affects, and runs the tests."""
 
 import shutil
 import tempfile
@@ -11,14 +11,14 @@ from areas import Area
 from building import Build, TestProgram, Unit
 from mutants import Mutant
 
-# Test files of a batch when a changed header has all of them compiled anew; see Worker._asked.
+# Test files per batch when a changed header makes all of them recompile; see Worker._verdict.
 BATCH = 4
-# How many of the tests that found earlier mutants of a file are asked first.
+# How many of the tests that killed earlier mutants of a file are run first.
 ASKED_FIRST = 8
 
 
 class Worker:
-    """One working copy of code and tests, in which one mutant after the other is tried."""
+    """One working copy of code and tests, in which mutants are tried one after another."""
 
     def __init__(self, build: Build, number: int):
         self.build = build
@@ -44,7 +44,7 @@ class Worker:
             file.write_text(original)
 
     def _verdict(self, file: str, tested: TestProgram, code: dict[Unit, Path]) -> str:
-        """Of one program; `code` are the objects that other programs have needed already."""
+        """The verdict of one program; `code`: objects already compiled for other programs."""
         headers = self.build.headers
         changed = [unit for unit in tested.units if unit.file == file or file in headers[unit]]
         if not changed:
@@ -58,8 +58,8 @@ class Worker:
         objects = [code.get(unit, self.build.base(unit)) for unit in shared]
         tests = [unit for unit in changed if unit.is_test]
         others = [u for u in tested.units if u.is_test and u not in tests]
-        # A change of a header makes every test that sees it another program: these are compiled and
-        # asked in batches, since the first will usually do.
+        # A changed header affects every test that includes it: these are compiled and run in batches,
+        # since the first batch is usually enough.
         order = tested.order.setdefault(file, tests)
         for batch in [order[i : i + BATCH] for i in range(0, len(order), BATCH)]:
             if self._is_killed_by(batch, objects, tested):
@@ -72,7 +72,7 @@ class Worker:
         tests = []
         for unit in batch:
             tests.append(self.folder / unit.name)
-            # A test that no longer compiles has found the mutant when the code itself compiles.
+            # A test that no longer compiles kills the mutant, since the code itself compiles.
             if self.build.compile(unit, self.tree, tests[-1]):
                 return True
         self.build.link(tested, [*objects, *tests], self.program)
@@ -101,7 +101,7 @@ class Worker:
 def try_all(
     area: Area, mutants: list[Mutant], jobs: int, sanitized: bool = False
 ) -> Iterator[tuple[Mutant, str]]:
-    """The mutants with their verdicts, in their order."""
+    """The mutants with their verdicts, in the given order."""
     folder = Path(tempfile.mkdtemp(prefix="gc-mutation-"))
     try:
         with ThreadPoolExecutor(jobs) as executor:

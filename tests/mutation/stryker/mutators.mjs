@@ -1,10 +1,10 @@
-// What Stryker is given besides its own mutants: numbers, and the texts in JSX that a person reads.
+// Mutators in addition to Stryker's own: numbers, and the texts in JSX that a person reads.
 import { createRequire } from 'node:module';
 import { dirname, join } from 'node:path';
 import { pathToFileURL } from 'node:url';
 import { declareValuePlugin, PluginKind } from '@stryker-mutator/api/plugin';
 
-// The instrumenter takes no further mutators from outside: they are added to its lists.
+// The instrumenter has no interface for more mutators: they are added to its lists.
 const { resolve } = createRequire(import.meta.url);
 const home = dirname(resolve('@stryker-mutator/instrumenter/package.json'));
 const load = (path) => import(pathToFileURL(path));
@@ -18,7 +18,7 @@ const { mutantTestExpression, mutationCoverageSequenceExpression } = await load(
 const babel = createRequire(join(home, 'package.json')).resolve('@babel/core');
 const { types } = (await load(babel)).default;
 
-/** The next smaller and larger ones; of a real, its half and its double. */
+/** The next smaller and larger numbers; for a real, its half and its double. */
 function neighbours(value) {
   if (!Number.isInteger(value)) {
     return [value / 2, value * 2];
@@ -69,7 +69,7 @@ placer.canPlace = (path) => isText(path) || canPlace(path);
 placer.place = (path, appliedMutants) =>
   (isText(path) || isAttribute(path) ? placeInBraces : place)(path, appliedMutants);
 
-/** Attributes that only make things look as they do, or tie one element to another. */
+/** Attributes that only affect appearance, or connect one element to another. */
 const unread = new Set(
   (
     'class style key type scope href id for autocomplete accept viewBox x1 y1 x2 y2 ' +
@@ -77,7 +77,7 @@ const unread = new Set(
   ).split(' '),
 );
 
-/** A text in one of them is not changed; a condition between two is. */
+/** Texts in these attributes are not changed; a condition that chooses between two is. */
 const looks = {
   shouldIgnore(path) {
     if (path.isStringLiteral() || path.isTemplateLiteral()) {
