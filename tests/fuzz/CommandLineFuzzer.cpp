@@ -187,7 +187,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aOctets, std::size_t a
     require(instrument.calls().empty(), "nothing is called");
     return 0;
   }
-  require(parsed.err.empty(), "a good command line says nothing", parsed.err);
+  require(parsed.err.empty(), "a valid command line prints nothing on standard error", parsed.err);
   requireSameMeaning(meaning, request);
   requireOrderly(instrument, run, request.selected_sections, reached);
   const auto address = static_cast<long>(meaning.octets[0] | meaning.octets[1] << 8 |

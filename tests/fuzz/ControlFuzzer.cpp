@@ -22,7 +22,8 @@ void serve(Session& session, Input& input, eType aType) {
   const Reply reply = session.serve(header, frame.data() + wire::cHeaderSize);
   require(!reply.octets.empty() || reply.close || reply.hang,
           "a call is answered, closed, or left hanging by a fault");
-  require(reply.seconds >= 0.0 && reply.seconds <= FaultList::cMaxSeconds, "a delay has its bound");
+  require(reply.seconds >= 0.0 && reply.seconds <= FaultList::cMaxSeconds,
+          "a delay is within its bound");
 }
 
 void playClient(Simulation& simulation, Input& input) {
@@ -51,8 +52,9 @@ std::size_t requireAnswers(const std::string& aReceived) {
     rapidjson::Document answer;
     answer.Parse<rapidjson::kParseValidateEncodingFlag>(line.data(), line.size());
     require(answer.IsObject() && answer.HasMember("ok") && answer["ok"].IsBool(),
-            "an answer is an object that says ok", line);
-    require(answer["ok"].GetBool() != answer.HasMember("error"), "a refusal says why", line);
+            "an answer is an object with a boolean ok", line);
+    require(answer["ok"].GetBool() != answer.HasMember("error"), "a refusal gives its reason",
+            line);
     start = end + 1;
     ++lines;
   }
@@ -95,6 +97,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aOctets, std::size_t a
   Input rest(reinterpret_cast<const std::uint8_t*>(done.data()), done.size());
   playClient(*simulation, rest);
   requireBounded(*simulation);
-  require(simulation->clients == 0, "a client that has gone counts no more");
+  require(simulation->clients == 0, "a client that has disconnected is no longer counted");
   return 0;
 }

@@ -137,7 +137,7 @@ void requireStatus(const FakeInstrument& aInstrument, const Document& aStatus,
                            std::to_string(static_cast<int>(clock.year)) + ' ' +
                            twoDigits(clock.hour) + ':' + twoDigits(clock.minute) + ':' +
                            twoDigits(clock.second);
-  require(aStatus["GC_time"] == time.c_str(), "the time is the clock's", time);
+  require(aStatus["GC_time"] == time.c_str(), "the time comes from the clock", time);
   require(shows(aStatus["Ambient_press"], valueOf(104).realvalue), "a real is shown, or -");
   require(aStatus["Ambient_temp"] == valueOf(103).intvalue, "an integer is shown");
   require(aStatus["Error_code"] == valueOf(132).intvalue, "the error is shown");
@@ -154,7 +154,7 @@ void requireRows(const Document& aDocument, int aMost) {
   const int total = aDocument["total"].GetInt();
   const std::size_t rows = aDocument.HasMember("rows") ? aDocument["rows"].Size() : 0;
   require(rows == static_cast<std::size_t>(std::max(0, std::min(total, aMost))),
-          "there are as many rows as told");
+          "the number of rows matches total");
 }
 
 struct OperationRow {
@@ -210,10 +210,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aOctets, std::size_t a
     requireRows(document, 38);
   } else if (row.operation == eSequenceRead) {
     requireRows(document, 20);
-    require(requireDownload(eDownload::eSequence, run.out, input), "a report is a good file");
+    require(requireDownload(eDownload::eSequence, run.out, input), "a report is a valid file");
   } else if (row.operation == eCalibRead) {
     requireRows(document, 400);
-    require(requireDownload(eDownload::eCalibration, run.out, input), "a report is a good file");
+    require(requireDownload(eDownload::eCalibration, run.out, input), "a report is a valid file");
   }
   return 0;
 }

@@ -53,7 +53,7 @@ void command(Input& input, ScriptedSocket& socket, unsigned long aHandle) {
   const eAnswer answer = socket.answer(input, told);
   const unsigned long status = ExecuteCommand(aHandle, 0, input.octet());
   if (!socket.wasAsked() || answer == eAnswer::eBroken) {
-    require(isBroken(status), "without an answer the status tells that");
+    require(isBroken(status), "without an answer the status says so");
   } else {
     require(answer == eAnswer::eUnclear || status == told.status, "the status is the controller's");
   }
@@ -75,9 +75,10 @@ void object(Input& input, ScriptedSocket& socket, unsigned long aHandle) {
   const unsigned long status = ReadObject(aHandle, input.octet(), object);
   require((status == eSuccess) == (object != nullptr), "an object comes with success");
   if (const auto* tag = dynamic_cast<const SiteInfoTag*>(object)) {
-    require(tag->getTagName().length() <= wire::cMaxText, "a text keeps its bound");
+    require(tag->getTagName().length() <= wire::cMaxText, "a text is within its bound");
   } else if (const auto* columns = dynamic_cast<const ColumnDescriptions*>(object)) {
-    require(columns->getDescriptionColumn4().length() <= wire::cMaxText, "a text keeps its bound");
+    require(columns->getDescriptionColumn4().length() <= wire::cMaxText,
+            "a text is within its bound");
   } else {
     require(object == nullptr, "an object is of a class that was registered");
   }
@@ -125,7 +126,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aOctets, std::size_t a
   const unsigned long status = EstablishConnection(1, "fuzz", "", &handle);
   require(answer == eAnswer::eUnclear ||
               (status == eSuccess) == (answer == eAnswer::eGood && welcome.status == eSuccess),
-          "the controller says whether there is a connection");
+          "the controller decides whether there is a connection");
   require((status == eSuccess) == (handle != 0), "a handle comes with success");
   for (int calls = 0; calls < 20 && input.left() > 0; ++calls) {
     switch (input.below(6)) {

@@ -33,18 +33,19 @@ void requireRoundTrip(const Message& aMessage, std::size_t aAlignment) {
   const wire::Frame frame = wire::encode(eType::eObject, cSequence, aMessage);
   require(frame.size() >= wire::cHeaderSize, "a message within its bounds is encoded");
   wire::Header header{};
-  require(wire::decodeHeader(frame.data(), header), "its header is good");
+  require(wire::decodeHeader(frame.data(), header), "its header is valid");
   require(header.type == eType::eObject && header.sequence == cSequence &&
               header.bodyLength == frame.size() - wire::cHeaderSize,
-          "its header says what it is");
+          "its header has the type and sequence");
   const std::string body(frame.begin() + wire::cHeaderSize, frame.end());
   Message decoded;
-  require(decodeAt(body, aAlignment, decoded), "what was encoded is decoded");
+  require(decodeAt(body, aAlignment, decoded), "an encoded message is decoded");
   require(wire::encode(eType::eObject, cSequence, decoded) == frame, "as it was encoded");
-  require(isSame(decoded, aMessage), "and is the same message");
+  require(isSame(decoded, aMessage), "as the same message");
   Message cut;
-  require(!decodeAt(body.substr(0, body.size() - 1), aAlignment, cut), "a cut one is refused");
-  require(!decodeAt(body + 'x', aAlignment, cut), "and so is one with more behind it");
+  require(!decodeAt(body.substr(0, body.size() - 1), aAlignment, cut),
+          "a truncated message is rejected");
+  require(!decodeAt(body + 'x', aAlignment, cut), "a message with trailing octets is rejected");
 }
 
 template <class Message>
@@ -72,7 +73,7 @@ void fuzzTexts(Input& input) {
   ACE_InputCDR stream(octets.data(), octets.size());
   ACE_CString text;
   while (wire::readText(stream, text)) {
-    require(text.length() <= wire::cMaxText, "a text keeps its bound");
+    require(text.length() <= wire::cMaxText, "a text is within its bound");
     const std::string same(text.fast_rep(), text.length());
     const std::vector<char> contents = wire::marshalTexts(&same, 1);
     require(std::equal(contents.begin(), contents.end(), stream.rd_ptr() - contents.size()),
@@ -80,7 +81,7 @@ void fuzzTexts(Input& input) {
     ACE_InputCDR again(contents.data(), contents.size());
     ACE_CString back;
     require(wire::readText(again, back) && back == text && again.length() == 0,
-            "a text comes back as it was");
+            "a text survives the round trip");
   }
 }
 
@@ -90,7 +91,7 @@ void fuzzHeader(Input& input) {
   wire::Header header{};
   const bool good = wire::decodeHeader(octets.data(), header);
   require(!good || (octets.compare(0, 4, "GCW1") == 0 && header.bodyLength <= wire::cMaxBody),
-          "a header keeps its bound");
+          "a header is within its bound");
 }
 
 constexpr void (*cTargets[])(Input&) = {

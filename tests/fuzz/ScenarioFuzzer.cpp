@@ -22,7 +22,7 @@ void requireReason(const std::string& aName, const std::string& aError) {
           aError);
   const std::string rest = aError.substr(aName.size() + 2);
   require(rest.find(": ") != std::string::npos && (rest[0] == '/' || rest[0] == '('),
-          "the reason has a place", aError);
+          "the reason names a location", aError);
   require(aError.find('\n') == std::string::npos, "the reason is one line", aError);
 }
 
@@ -39,7 +39,7 @@ void requireSavable(Instrument& instrument, double aNow) {
   rapidjson::Document again;
   loaded.snapshot(0.0, again);
   if (saved["parameters"]["mAutoState"] == 0) {
-    require(toText(again) == text, "a snapshot is what it was taken from", text);
+    require(toText(again) == text, "a reloaded snapshot is the same", text);
   }
 }
 
@@ -69,7 +69,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aOctets, std::size_t a
   std::string error;
   if (!simulation.load(file.name(), error)) {
     require(simulation.instrument == nullptr && simulation.scenario.name.empty(),
-            "what is refused changes nothing");
+            "a rejected scenario changes nothing");
     requireReason(file.name(), error);
     return 0;
   }

@@ -191,7 +191,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aOctets, std::size_t a
     received = peer.received();
     closed = peer.isClosed();
   }
-  require(simulation->clients == 0, "a client that has gone counts no more");
+  require(simulation->clients == 0, "a client that has disconnected is no longer counted");
   requireBounded(*simulation);
 
   std::string rest;

@@ -147,9 +147,9 @@ def traced(tool: Tool, folder: Path) -> Traced:
     """Runs the tool with its arguments and returns its calls of the named system calls."""
     strace = shutil.which("strace")
     if EMULATOR:
-        pytest.skip("the calls would be the emulator's")
+        pytest.skip("the trace would show the emulator's calls")
     if strace is None or subprocess.run([strace, "-qq", "-o", folder / "probe", "true"]).returncode:
-        pytest.skip("nothing can be traced here")
+        pytest.skip("processes cannot be traced here")
 
     def run(calls: str, *arguments: str) -> list[str]:
         log = folder / "calls"

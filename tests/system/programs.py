@@ -53,7 +53,7 @@ def parse_strictly(text: bytes) -> dict[str, Any]:
     """Strict JSON, without two things that Python's parser accepts: NaN and duplicate keys."""
 
     def refuse(word: str) -> None:
-        raise ValueError(f"{word} is no JSON")
+        raise ValueError(f"{word} is not JSON")
 
     def members(pairs: list[tuple[str, Any]]) -> dict[str, Any]:
         assert len(pairs) == len(dict(pairs)), f"duplicate key: {pairs}"

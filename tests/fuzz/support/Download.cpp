@@ -201,7 +201,7 @@ bool requireDownload(eDownload aDownload, const std::string& aContent, Input& in
     unsigned writes = 0;
     unsigned commands = 0;
     for (const Step& step : expected.steps) {
-      require(count < done.size() && isSame(done[count], step), "the file is written as it stands",
+      require(count < done.size() && isSame(done[count], step), "the file is written as it is",
               step.call + " after " + std::to_string(count) + " of " + std::to_string(done.size()) +
                   " calls\n" + run.out);
       ++count;
@@ -214,6 +214,6 @@ bool requireDownload(eDownload aDownload, const std::string& aContent, Input& in
   }
   require(done.size() == count, "nothing else is sent", run.out);
   require(verdict["ErrorCode"].GetUint() == code && verdict["Msg"] == message.c_str(),
-          "the verdict tells it", run.out + "expected: " + message);
+          "the verdict matches", run.out + "expected: " + message);
   return expected.valid;
 }

@@ -50,14 +50,14 @@ void requireBounded(const Simulation& aSimulation) {
     octets += line.size();
   }
   require(octets <= Journal::cMaxOctets, "the journal keeps its bound");
-  require(aSimulation.clients <= 1, "one client is at most one",
+  require(aSimulation.clients <= 1, "there is at most one client",
           std::to_string(aSimulation.clients));
 }
 
 Peer::Peer(const Make& aMake) {
   int sockets[2] = {-1, -1};
   require(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0, sockets) == 0,
-          "there are sockets");
+          "the sockets are created");
   mSocket = sockets[0];
   mStream = aMake(reactor(), sockets[1], [this] { mStream.reset(); });
 }

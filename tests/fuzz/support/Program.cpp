@@ -97,7 +97,7 @@ int failure(const Run& aRun) {
   }
   const int number = std::atoi(aRun.err.c_str() + start + words.size());
   require(number != 0 && aRun.err.substr(start) == words + std::to_string(number) + ".\n",
-          "a failure is told in one line", aRun.err);
+          "a failure is reported in one line", aRun.err);
   return number;
 }
 
@@ -109,11 +109,10 @@ void requireVerdict(const Document& aVerdict, const Promise& aPromise, const Run
     require(failed == -1, "a refused file is a failure", aRun.err);
     return;
   }
-  require(code == static_cast<unsigned>(failed), "both outputs tell the same status",
+  require(code == static_cast<unsigned>(failed), "both outputs show the same status",
           aRun.out + aRun.err);
   if (aPromise.accepted != nullptr) {
-    require((message == aPromise.accepted) == (code == 0), "the word belongs to the status",
-            aRun.out);
+    require((message == aPromise.accepted) == (code == 0), "the text matches the status", aRun.out);
   }
 }
 

@@ -77,7 +77,7 @@ Document requireDocument(const std::string& aText, const std::string& aSchema) {
   if (!document.Accept(validator)) {
     rapidjson::StringBuffer place;
     validator.GetInvalidDocumentPointer().Stringify(place);
-    require(false, "the document fits its schema",
+    require(false, "the document matches its schema",
             aText + "at " + place.GetString() + ": " + validator.GetInvalidSchemaKeyword());
   }
   return document;

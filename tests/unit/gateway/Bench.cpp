@@ -35,7 +35,7 @@ Received::Received(const std::string& aOutput) {
     const std::string name = line.substr(0, colon);
     EXPECT_EQ(line.back(), '\r');
     EXPECT_TRUE(headers.emplace(name, line.substr(colon + 2, line.size() - colon - 3)).second)
-        << name << " is told twice";
+        << name << " appears twice";
   }
   std::istringstream(headers["Status"]) >> status;
   reason = headers["Status"].substr(4);

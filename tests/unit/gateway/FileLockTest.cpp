@@ -49,7 +49,7 @@ TEST_F(Lock, HasOneHolder) {
     first.unlock();
     EXPECT_TRUE(second.tryLock());
   }
-  EXPECT_TRUE(first.tryLock()) << "a lock that is gone is held";
+  EXPECT_TRUE(first.tryLock()) << "a released lock is still held";
 }
 
 TEST_F(Lock, IsWaitedForAsLongAsIsSaid) {

@@ -159,7 +159,7 @@ TEST_F(ConnectedTest, ProgramInfoNeedsItsPlaces) {
 
 TEST_F(ConnectedTest, NumbersBeyondAMessageAreNotSent) {
   if (sizeof(long) == 4) {
-    GTEST_SKIP() << "a long holds no more than a message";
+    GTEST_SKIP() << "long has 32 bits";
   }
   const auto wide = static_cast<unsigned long>(0x100000001ULL);
   unsigned long value = 0;

@@ -58,7 +58,7 @@ TEST(Library, RefusesWhatIsNoAddressOfAnInstrument) {
 
 TEST(Library, RefusesAnAddressOfMoreThanFourOctets) {
   if (sizeof(long) == 4) {
-    GTEST_SKIP() << "a long holds no more";
+    GTEST_SKIP() << "long has 32 bits";
   }
   const auto tooWide = static_cast<long>(0x10100007FULL);
   EXPECT_EQ(eAddressUnusable, startupGC(1, tooWide, 0, 0, 1, ""));
