@@ -4,6 +4,7 @@ import type { ComponentChildren } from 'preact';
 import { amountChange } from './changes';
 import { CalibrationPicture } from './components/CalibrationPicture';
 import { Header } from './components/Header';
+import { SequencePicture } from './components/SequencePicture';
 import { Versions } from './components/Session';
 import type { Editor } from './editor';
 import { calibrationEditor, sequenceEditor } from './editors';
@@ -49,6 +50,7 @@ const pages: readonly Page[] = [
       <TablePage
         key="sequence"
         editor={sequenceEditor}
+        picture={SequencePicture}
         hint={`${moving} Alt with up and down moves the line. A line with 0 runs is passed over. Flush times in the instrument’s unit.`}
       />
     ),

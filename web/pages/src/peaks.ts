@@ -79,8 +79,8 @@ export function sumOf(peaks: readonly CalibratedPeak[]): number | undefined {
 }
 
 /** What a certified gas adds up to: 100 unless the unit says that it is something else. */
-export function wholeIn(unit: string | undefined): number | undefined {
-  return unit === undefined || unit.includes('%') ? 100 : wholes[unit];
+export function wholeIn(unit: string): number | undefined {
+  return unit === '' || unit.includes('%') ? 100 : wholes[unit];
 }
 
 /** How a sum stands to the whole: `0.05 above`. */

@@ -127,7 +127,7 @@ describe('a stick chromatogram', () => {
     expect(labels(2)).toHaveLength(7);
     expect(textsOf('h3')).toEqual(['Channel 1', 'Channel 2']);
     await named({ amount: '%', retention_time: 's' });
-    expect(labels(1)[0]).toBe('Methane: retention time 28.2 s, amount 84.95 %');
+    expect(labels(1)[0]).toBe('Methane: retention time 28.2\u00a0s, amount 84.95\u00a0%');
     expect(textsOf('.axes > text')).toContain('Retention time, s');
   });
 

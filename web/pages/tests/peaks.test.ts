@@ -110,7 +110,7 @@ describe('the sum of amounts', () => {
   });
 
   it('has a whole by its unit', () => {
-    expect(wholeIn(undefined)).toBe(100);
+    expect(wholeIn('')).toBe(100);
     expect(wholeIn('%')).toBe(100);
     expect(wholeIn('mol %')).toBe(100);
     expect(wholeIn('ppm')).toBe(1e6);

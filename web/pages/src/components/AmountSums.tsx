@@ -4,12 +4,13 @@ import { decimalsOf, differenceText, sumOf, wholeIn, type CalibratedPeak } from 
 interface Props {
   channels: readonly { channel: string; peaks: readonly CalibratedPeak[] }[];
   peaks: readonly CalibratedPeak[];
-  unit: string | undefined;
+  /** Empty when nobody has named it. */
+  unit: string;
 }
 
 export function AmountSums({ channels, peaks, unit }: Props) {
   const decimals = decimalsOf(peaks);
-  const suffix = unit === undefined ? '' : ` ${unit}`;
+  const suffix = unit && `\u00a0${unit}`;
   const textOf = (sum: number | undefined): string =>
     sum === undefined ? 'not known yet' : sum.toFixed(decimals) + suffix;
   const all = sumOf(peaks);

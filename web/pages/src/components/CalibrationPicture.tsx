@@ -3,7 +3,7 @@ import { useLayoutEffect, useRef, useState } from 'preact/hooks';
 import type { Editor } from '../editor';
 import { channelsOf, peaksOf, shortNumber, togetherIn, type CalibratedPeak } from '../peaks';
 import { decadesOf, timeAxisOf, widthOf } from '../sticks';
-import { configuration } from '../store';
+import { nameWithUnit, unitOf, valueWithUnit } from '../units';
 import { AmountSums } from './AmountSums';
 import { hasTime, Sticks } from './Sticks';
 
@@ -32,7 +32,6 @@ export function CalibrationPicture(props: { editor: Editor; focusedRow: number |
   const picture = useRef<HTMLDivElement>(null);
   const [reached, setReached] = useState<CalibratedPeak>();
   const draft = editor.draft.value;
-  const units = configuration.value?.units ?? {};
   const peaks = draft ? peaksOf(draft, editor.layout.value) : [];
   const focused = peaks.find(({ index }) => index === (reached?.index ?? focusedRow));
   useLayoutEffect(() => {
@@ -44,15 +43,13 @@ export function CalibrationPicture(props: { editor: Editor; focusedRow: number |
     return null;
   }
 
-  const withUnit = (value: number, unit: string | undefined): string =>
-    unit === undefined ? shortNumber(value) : `${shortNumber(value)} ${unit}`;
   const describe = ({ name, time, amount }: CalibratedPeak): string => {
     const when =
       time === undefined
         ? 'no retention time'
-        : `retention time ${withUnit(time, units.retention_time)}`;
+        : `retention time ${valueWithUnit(shortNumber(time), 'retention_time')}`;
     const what =
-      amount === undefined ? 'amount not known yet' : `amount ${withUnit(amount, units.amount)}`;
+      amount === undefined ? 'amount not known yet' : `amount ${valueWithUnit(shortNumber(amount), 'amount')}`;
     return `${name}: ${when}, ${what}`;
   };
   const timed = peaks.filter(hasTime);
@@ -61,13 +58,12 @@ export function CalibrationPicture(props: { editor: Editor; focusedRow: number |
     mostSteps,
   );
   const decades = decadesOf(timed.map(({ amount }) => amount));
-  const timeLabel = ['Retention time', ...(units.retention_time ? [units.retention_time] : [])];
   const longestName = Math.max(...peaks.map(({ name }) => widthOf(name)));
   const channels = channelsOf(peaks);
   return (
     <section class="picture sideways" aria-labelledby="peaks">
       <h2 id="peaks">Peaks and amounts</h2>
-      <AmountSums channels={channels} peaks={peaks} unit={units.amount} />
+      <AmountSums channels={channels} peaks={peaks} unit={unitOf('amount')} />
       <p class="readout text">{focused ? describe(focused) : 'The cursor is at no peak.'}</p>
       <div class="channels" ref={picture}>
         {channels.map(({ channel, peaks: own }) => {
@@ -82,7 +78,7 @@ export function CalibrationPicture(props: { editor: Editor; focusedRow: number |
                   decades={decades}
                   axis={axis}
                   longestName={longestName}
-                  timeLabel={timeLabel.join(', ')}
+                  timeLabel={nameWithUnit('Retention time', 'retention_time')}
                   describe={describe}
                   focusedRow={focused?.index}
                   onChoose={goToCell}

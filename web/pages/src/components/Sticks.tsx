@@ -1,7 +1,7 @@
 // The peaks of a channel as sticks: where they come, how much there is of each, what they are called.
-import { useState } from 'preact/hooks';
 import { shortNumber, type CalibratedPeak } from '../peaks';
 import { heightOf, marksOf, placeNames, shortened, type Decades, type TimeAxis } from '../sticks';
+import { useRoving } from './useRoving';
 import { useWidth } from './useWidth';
 
 /** Lengths in pixels. */
@@ -49,7 +49,6 @@ export function Sticks(props: Props) {
     onReach,
   } = props;
   const [place, width] = useWidth<HTMLDivElement>();
-  const [reached, setReached] = useState(0);
   const head = Math.round(16 + Math.min(names.most, longestName) * names.letter);
   const floor = head + plot.height;
   const total = floor + foot;
@@ -70,7 +69,6 @@ export function Sticks(props: Props) {
     { ...names, from: plot.left + 2, to: right },
   );
   const isCrowded = peaks.length > crowd;
-  const tabStop = Math.min(reached, ordered.length - 1);
   const unnamed = places.filter((one) => one === undefined).length;
 
   /** How far down a stick is met: to where a shorter one stands before it. */
@@ -83,20 +81,11 @@ export function Sticks(props: Props) {
         .filter((end) => end > topOf(peak) - 8),
     );
 
-  const onKeyDown = (event: KeyboardEvent): void => {
-    const step = { ArrowRight: 1, ArrowLeft: -1 }[event.key];
-    const at = ordered.findIndex(
-      ({ rowId }) => String(rowId) === (event.target as SVGElement).dataset.peak,
-    );
-    const next = step && ordered[at + step];
-    if (next) {
-      event.preventDefault();
-      place.current!.querySelector<SVGElement>(`[data-peak="${next.rowId}"]`)!.focus();
-    } else if (event.key === 'Enter' || event.key === ' ') {
-      event.preventDefault();
-      onChoose(ordered[at]!);
-    }
-  };
+  const stop = useRoving(
+    ordered.length,
+    (n) => onChoose(ordered[n]!),
+    (n) => onReach(n === undefined ? undefined : ordered[n]),
+  );
 
   const stick = (peak: TimedPeak, n: number) => {
     const x = xOf(peak.time);
@@ -109,18 +98,10 @@ export function Sticks(props: Props) {
         <g
           role="button"
           class={`stick${isFocused ? ' focused' : ''}${isUnknown ? ' unknown' : ''}`}
-          tabindex={n === tabStop ? 0 : -1}
           data-peak={peak.rowId}
           aria-label={describe(peak)}
           aria-current={isFocused ? 'true' : undefined}
-          // The mouse goes to the cell: what it presses must not move away before it is let go.
-          onMouseDown={(event) => event.preventDefault()}
-          onClick={() => onChoose(peak)}
-          onFocus={() => {
-            setReached(n);
-            onReach(peak);
-          }}
-          onBlur={() => onReach(undefined)}
+          {...stop(n)}
         >
           <title>{describe(peak)}</title>
           <rect
@@ -166,7 +147,6 @@ export function Sticks(props: Props) {
         height={total}
         role="list"
         aria-label={`Peaks of channel ${channel}`}
-        onKeyDown={onKeyDown}
       >
         <g class="axes" aria-hidden="true">
           {marksOf(decades).map((mark) => (
