@@ -49,7 +49,9 @@ export function CalibrationPicture(props: { editor: Editor; focusedRow: number |
         ? 'no retention time'
         : `retention time ${valueWithUnit(shortNumber(time), 'retention_time')}`;
     const what =
-      amount === undefined ? 'amount not known yet' : `amount ${valueWithUnit(shortNumber(amount), 'amount')}`;
+      amount === undefined
+        ? 'amount not known yet'
+        : `amount ${valueWithUnit(shortNumber(amount), 'amount')}`;
     return `${name}: ${when}, ${what}`;
   };
   const timed = peaks.filter(hasTime);
