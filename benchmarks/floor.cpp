@@ -1,6 +1,6 @@
-// The least program that gets one report of the instrument and prints it: what a request costs
-// before the tool adds anything. Same libraries, calls, records and bytes; no map, no checks, no
-// document in memory.
+// The smallest program that gets one report from the instrument and prints it: the cost of a
+// request before the tool adds anything. Same libraries, calls, records and bytes; no map, no
+// checks, no document in memory.
 #include "floor.h"
 
 #include <InstrumentClient.h>

@@ -11,7 +11,7 @@
 
 using Writer = rapidjson::PrettyWriter<rapidjson::StringBuffer>;
 
-/// What each floor is besides: its calls, and the members of its document as they are printed.
+/// The part of each floor: its calls, and the members of its document, in order.
 void addReport(Writer& writer, unsigned long handle);
 
 /// The instrument is channel 0, the analytical channels are 1 to 4.
@@ -21,7 +21,7 @@ struct Place {
 };
 
 /// Reads a batch in the order of its table, which is that of the tool's map. `channel` is added to
-/// those of the table.
+/// the channels in the table.
 template <std::size_t size>
 std::array<ParamList, size> readBatch(unsigned long handle, const Place (&places)[size],
                                       std::uint32_t step = 0, std::uint32_t channel = 0) {

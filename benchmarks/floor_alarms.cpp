@@ -1,4 +1,4 @@
-// The alarms, which are enabled and at most as many as the report can show.
+// The alarms, which must be enabled and no more than the report can show.
 #include <AlarmTexts.h>
 
 #include <cstdio>
@@ -10,7 +10,7 @@ namespace {
 
 constexpr Place cHeader[] = {{2029}, {2028}};
 constexpr Place cRow[] = {{2032}, {2038}, {2031}, {2030}, {2212}};
-// Twenty characters; their position stands where a channel does elsewhere.
+// Twenty characters; the channel field holds their position.
 constexpr Place cComponentName[] = {
     {2021, 1},  {2021, 2},  {2021, 3},  {2021, 4},  {2021, 5},  {2021, 6},  {2021, 7},
     {2021, 8},  {2021, 9},  {2021, 10}, {2021, 11}, {2021, 12}, {2021, 13}, {2021, 14},

@@ -18,7 +18,7 @@ void addPeak(Writer& writer, unsigned long handle, std::uint32_t channel, std::u
   const auto records = readBatch(handle, cPeak, peak, channel);
   char name[cLetters + 1] = "";
   for (const ParamList& record : records) {
-    // Unsigned, so that an id below the first letter's comes out above every position.
+    // Unsigned, so that an id below that of the first letter wraps to above every position.
     const std::uint32_t position = record.ParmID - cFirstLetterId;
     if (position < cLetters) {
       name[position] = static_cast<char>(record.intvalue);

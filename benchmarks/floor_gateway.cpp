@@ -1,4 +1,4 @@
-// The least CGI program that passes on what the tool prints: nothing checked, kept or limited.
+// The smallest CGI program that passes on the tool's output: nothing checked, stored or limited.
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>

@@ -4,7 +4,7 @@
 #include <InstrumentClient.h>
 #include <RemoteObjects.h>
 
-/// The object with this number, which is there and of this class.
+/// The object with this number, which must exist and be of this class.
 template <class Wanted>
 const Wanted& fetch(unsigned long handle, unsigned long number) {
   ACE_Singleton<CloneFactory, ACE_Thread_Mutex>::instance()->registerObject(Wanted());

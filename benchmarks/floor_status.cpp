@@ -1,4 +1,4 @@
-// The live status; its state texts are taken for granted.
+// The live status; its state texts are constants.
 #include <ErrorText.h>
 #include <PlatformLayer.h>
 

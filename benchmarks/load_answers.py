@@ -1,4 +1,4 @@
-"""What a request was answered, as its process printed it and as the instrument's journal has it."""
+"""The answer to a request, as its process printed it and as the instrument's journal recorded it."""
 
 import json
 import re
@@ -15,7 +15,7 @@ NOT_CONNECTED = (
 )
 TOO_MANY_CLIENTS = 211
 
-# What tells one moment of the instrument from another: (channel, id), and where a report has it.
+# Values that distinguish moments of the instrument: (channel, id), and their place in the report.
 MOMENT = {
     (0, 58): ("Curr_stream",),
     (0, 2202): ("Last_counter",),
@@ -30,9 +30,9 @@ MOMENT = {
     (2, 304): ("Channel2", "Column_press", "Actual"),
     (2, 307): ("Channel2", "TCD", "Auto_zero"),
 }
-# What else of a status report changes under this load, or with the clock.
+# Other members of a status report that change under this load, or with the clock.
 CHANGING = ["GC_time", "Run_time", "Run_type", "GC_state", "Auto_state"]
-# By option: how its first call is known, and the parameters that tell its requests apart.
+# By option: how its first call is recognised, and the parameters that distinguish its requests.
 FIRST_CALL = {
     ("Read", 2202): "-t",
     ("Read", 601): "-g",
@@ -57,7 +57,7 @@ TOLD = {
 
 
 class Answer(NamedTuple):
-    """To an option, "" without a connection; the values that tell it apart; 0 or a status."""
+    """An option ("" if not connected), the values that distinguish the answer, and 0 or a status."""
 
     option: str
     told: tuple[float, ...]
@@ -65,7 +65,7 @@ class Answer(NamedTuple):
 
 
 class Connection(NamedTuple):
-    """One connection of the journal, by the instrument's time."""
+    """One connection in the journal, in the instrument's time."""
 
     answer: Answer
     began: float
@@ -97,14 +97,14 @@ def answer_of(calls: list[dict[str, Any]]) -> Answer:
     values = {}
     if option in TOLD:
         records = next(call["records"] for call in calls if "records" in call)
-        # A parameter has a real or an integer value, and 0 in the other field.
+        # A parameter has either a real or an integer value, and 0 in the other field.
         values = {(r["channel"], r["id"]): r["real"] or r["int"] for r in records}
     told = tuple(values[address] for address in TOLD.get(option, []))
     return Answer(option, told, calls[-2]["status"])
 
 
 class Question(NamedTuple):
-    """Arguments of the tool, the values they send, and the report that a table sent asks for."""
+    """Arguments of the tool, the values they send, and the report expected after a download."""
 
     arguments: list[str]
     told: tuple[float, ...] = ()
@@ -123,10 +123,10 @@ class Finished(NamedTuple):
 
 
 class Reader:
-    """Makes answers of what processes printed; an answer to another question is an AssertionError.
+    """Parses what processes printed; an answer to a different question is an AssertionError.
 
-    `constant`: configuration and alarm report as printed, which never change, and a status report,
-    of which most does not; by option.
+    `constant`: by option, the configuration and alarm report as printed, which never change, and a
+    status report, most of which never changes.
     """
 
     def __init__(self, constant: dict[str, bytes]) -> None:
@@ -151,7 +151,7 @@ class Reader:
             accepted = document["Msg"] in ("Accepted", "Success!", "Success")
             assert accepted == (status == 0), document
             if option in ("-Q", "-C"):
-                # A run that begins meanwhile leaves a part of the table.
+                # If a run begins meanwhile, only part of the table is written.
                 self._stands[option.lower()] = done.question.table if accepted else None
             return Answer(option, done.question.told, status)
         assert "ErrorCode" not in document and not done.stderr, done
@@ -159,11 +159,11 @@ class Reader:
 
     def _told(self, option: str, document: dict[str, Any], printed: bytes) -> tuple[float, ...]:
         if option in self._constant:
-            assert printed == self._constant[option], f"another report: {printed!r}"
+            assert printed == self._constant[option], f"a different report: {printed!r}"
             return ()
         if option == "-t":
             told = tuple(member(document, path) for path in MOMENT.values())
-            assert steady(document) == self._status, f"another report: {printed!r}"
+            assert steady(document) == self._status, f"a different report: {printed!r}"
             return told
         table = self._stands.get(option)
         assert table in (None, document), f"not the table that was sent last: {printed!r}"
@@ -172,13 +172,13 @@ class Reader:
         return (document["rows"][0]["Level_amt"],)
 
     def _check_schema(self, option: str, done: Finished) -> None:
-        """Once for all documents that differ in nothing but digits: their values are compared."""
+        """Once for all documents that differ only in digits, since their values are compared anyway."""
         shape = (option, re.sub(rb"[0-9]+", b"0", done.stdout))
         if shape not in self._checked:
             try:
                 check_document(done.stdout, done.question.arguments)
             except jsonschema.ValidationError as error:
-                raise AssertionError(f"no such report: {error.message}") from error
+                raise AssertionError(f"not a valid report: {error.message}") from error
             self._checked.add(shape)
 
 
@@ -189,7 +189,7 @@ def member(document: Any, path: tuple[str, ...]) -> Any:
 
 
 def steady(document: dict[str, Any]) -> dict[str, Any]:
-    """What is left of a status report without what changes; `document` itself."""
+    """Removes the changing members from a status report; returns `document` itself."""
     for path in [*MOMENT.values(), *((name,) for name in CHANGING)]:
         del member(document, path[:-1])[path[-1]]
     return document

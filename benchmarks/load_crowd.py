@@ -1,4 +1,4 @@
-"""Clients that ask one instrument for everything, many at once."""
+"""Many concurrent clients that ask one instrument for everything."""
 
 import itertools
 import json
@@ -17,7 +17,7 @@ from load_answers import Finished, Question
 
 
 def tables(sequence: Any, calibration: Any, folder: Path, first: int) -> Iterator[Question]:
-    """Downloads of tables that have nothing in common, each followed by its report."""
+    """Downloads of entirely different tables, each followed by its report."""
     file = folder / "table.json"
     for number in itertools.count(first):
         mark = number % 900 + 1
@@ -37,7 +37,7 @@ def tables(sequence: Any, calibration: Any, folder: Path, first: int) -> Iterato
 
 
 def draw(chance: random.Random) -> Question:
-    """What somebody wants next."""
+    """A client's next question."""
     stream = chance.randint(1, 4)
     kinds = [
         (55, Question(["-t"])),
@@ -52,8 +52,9 @@ def draw(chance: random.Random) -> Question:
 
 
 def questions(number: int, at_once: int, downloads: Iterator[Question]) -> Iterator[Question]:
-    """Of one client. A table is many calls, between which another's would come: as the web server
-    does, one is downloaded and looked at after the other, all by the first client."""
+    """The questions of one client. A table takes many calls, which would mix with those of another
+    download: as with the web server, only one at a time is downloaded and read back, all by the first
+    client."""
     chance = random.Random(number)
     while True:
         if number == 0:
@@ -63,7 +64,7 @@ def questions(number: int, at_once: int, downloads: Iterator[Question]) -> Itera
 
 
 def ask(tool: list[str], question: Question, outputs: tuple[int, int]) -> Finished:
-    """Runs the tool; `outputs` are files in memory, used again."""
+    """Runs the tool; `outputs` are files in memory, which are reused."""
     actions = [(os.POSIX_SPAWN_DUP2, file, 1 + n) for n, file in enumerate(outputs)]
     command = [*tool, *question.arguments]
     began = time.monotonic()
@@ -78,7 +79,7 @@ def ask(tool: list[str], question: Question, outputs: tuple[int, int]) -> Finish
 
 
 class Crowd:
-    """Clients that ask one question after the other. Each is a process: one alone could not start
+    """Clients that ask one question after another. Each is a process: a single one could not start
     processes as fast as they end."""
 
     def __init__(self, tool: list[str], folder: Path) -> None:
@@ -87,13 +88,13 @@ class Crowd:
         self._running: list[int] = []
 
     def run(self, at_once: int, seconds: float, downloads: Iterator[Question]) -> list[Finished]:
-        """Each client's in the order in which they ended."""
+        """Returns the finished requests of one client after another, each in the order they ended."""
         ready, go = os.pipe()
         for number in range(at_once):
             pid = os.fork()
             if pid == 0:
                 os.close(go)
-                os.read(ready, 1)  # returns when all are there
+                os.read(ready, 1)  # returns when all have started
                 self._client(questions(number, at_once, downloads), seconds)
             self._running.append(pid)
         os.close(ready)
@@ -113,7 +114,7 @@ class Crowd:
             os.waitpid(pid, 0)
 
     def _client(self, wanted: Iterator[Question], seconds: float) -> NoReturn:
-        """Leaves what it was answered in a file."""
+        """Stores its finished requests in a file."""
         status = 1
         try:
             outputs = (os.memfd_create("stdout"), os.memfd_create("stderr"))
@@ -126,4 +127,4 @@ class Crowd:
         except Exception:
             traceback.print_exc()
         finally:
-            os._exit(status)  # nothing of the parent is to be cleared away
+            os._exit(status)  # without the clean-up that is left to the parent

@@ -1,4 +1,4 @@
-"""What the benchmarks share: programs built, a controller running, instructions counted."""
+"""What the benchmarks share: building programs, running a controller, counting instructions."""
 
 import os
 import re
@@ -14,7 +14,7 @@ BIN = ROOT / "build/release/bin"
 
 
 def prepare(bin_dir: Path, *targets: str) -> None:
-    """Installs what the measurements need and builds the targets in the usual place."""
+    """Installs what the measurements need, and builds the targets if `bin_dir` is the default."""
     packaging = ROOT / "packaging"
     subprocess.run([packaging / "ensure-packages", "valgrind", "strace", "time"], check=True)
     if bin_dir == BIN:
@@ -23,7 +23,7 @@ def prepare(bin_dir: Path, *targets: str) -> None:
 
 @contextmanager
 def running_controller(bin_dir: Path, folder: str, scenario: str) -> Iterator[str]:
-    """A paused instrument on the first free loopback address, which it yields."""
+    """Runs a paused instrument on the first free loopback address, and yields the address."""
     for last in range(1, 255):
         address = f"127.0.9.{last}"
         where = ["--listen", address, "--control", f"{folder}/control"]
@@ -41,13 +41,13 @@ def running_controller(bin_dir: Path, folder: str, scenario: str) -> Iterator[st
                 controller.communicate()
             return
         message = controller.communicate()[1]
-        if controller.returncode != 3:  # 3: the address is taken
+        if controller.returncode != 3:  # 3: the address is in use
             sys.exit(message)
     sys.exit("no free loopback address")
 
 
 def count_instructions(command: list[str], profile: str) -> int:
-    """Of one run, the loader's included; callgrind's profile goes to the file `profile`."""
+    """The instructions of one run, including the loader; callgrind writes its profile to `profile`."""
     done = subprocess.run(
         ["valgrind", "--tool=callgrind", f"--callgrind-out-file={profile}", *command],
         capture_output=True,
@@ -58,13 +58,13 @@ def count_instructions(command: list[str], profile: str) -> int:
 
 
 def peak_memory(command: list[str]) -> int:
-    """Kilobytes, by GNU time: a small parent, whose own peak is not taken for the child's."""
+    """In kilobytes, by GNU time: a parent so small that its own peak is not taken for the child's."""
     done = subprocess.run(["/usr/bin/time", "-f", "%M", *command], capture_output=True, text=True)
     return int(done.stderr.splitlines()[-1])
 
 
 def wall_and_cpu(command: list[str], null: int) -> tuple[float, float]:
-    """Milliseconds of one run that prints to `null`, the creation of the process included."""
+    """Milliseconds of one run that prints to `null`, including the creation of the process."""
     actions = [(os.POSIX_SPAWN_DUP2, null, 1), (os.POSIX_SPAWN_DUP2, null, 2)]
     start = time.perf_counter()
     process = os.posix_spawn(command[0], command, os.environ, file_actions=actions)

@@ -1,4 +1,4 @@
-"""The servers that the peers ask: each holds as many values as a status request reads."""
+"""The servers for the peers: each holds as many values as a status request reads."""
 
 import json
 import os
@@ -16,7 +16,7 @@ from measuring import ROOT
 
 VALUES = 71  # parameters of the status report
 HOST = "127.0.10.1"
-# A driver says 13 values of its own beside those of its file.
+# A driver adds 13 values of its own to those in its file.
 NUT_VALUES = [f"input.L{n}.voltage: {220 + n}.5" for n in range(1, VALUES - 13 + 1)]
 OIDS = [f".1.3.6.1.4.1.8072.9999.{n}.0" for n in range(1, VALUES + 1)]
 MODBUS_SERVER = """
@@ -27,8 +27,8 @@ registers = ModbusSequentialDataBlock(1, list(range(1001, 1001 + 125)))
 context = ModbusServerContext(slaves=ModbusSlaveContext(hr=registers, zero_mode=False))
 StartTcpServer(context=context, address=(sys.argv[1], int(sys.argv[2])))
 """
-# Clients and the servers' libraries are installed. The servers' packages would start services, so
-# they are only unpacked, into the build folder.
+# The clients and the servers' libraries are installed. The packages of the servers would start
+# services, so they are only unpacked, into the build folder.
 INSTALLED = (
     "nut-client snmp redis-tools mbpoll curl "
     "python3-pymodbus python3-serial-asyncio libnss3 libwrap0 libpcre2-8-0 libnettle8 libxxhash0"
@@ -38,14 +38,14 @@ FOLDER = ROOT / "build/peers"
 
 
 class Peer(NamedTuple):
-    """A client, and how many values it printed."""
+    """A client, and a function that counts the values it printed."""
 
     command: list[str]
     count: Callable[[str], int]
 
 
 def install() -> list[str]:
-    """Gets clients and servers; returns their names and versions."""
+    """Fetches clients and servers; returns their names and versions."""
     subprocess.run([ROOT / "packaging/ensure-packages", *INSTALLED], check=True)
     subprocess.run([ROOT / "packaging/unpack", FOLDER, *UNPACKED], check=True)
     query = ["dpkg-query", "-W", "-f", "${Package} ${Version}\n", *INSTALLED[:6]]
@@ -61,7 +61,7 @@ def free_port(kind: socket.SocketKind) -> str:
 
 
 class Servers:
-    """Starts servers in the foreground, in a folder of their own, and ends them."""
+    """Starts servers in the foreground, in their own folder, and stops them."""
 
     def __init__(self, folder: Path) -> None:
         self._folder = folder
@@ -116,7 +116,7 @@ class Servers:
 
     def redis(self) -> Peer:
         port = free_port(socket.SOCK_STREAM)
-        # The server is in the package of the client, and goes by the name it is called with.
+        # The server comes with the client's package, and is selected by the name it is called with.
         server = ["redis-server", "--bind", HOST, "--port", port, "--save", ""]
         self.start(*server, executable="/usr/bin/redis-check-rdb")
         client = ["/usr/bin/redis-cli", "-h", HOST, "-p", port]
@@ -149,11 +149,11 @@ def run(command: list[str]) -> str:
 
 
 def until(done: Callable[[], bool], name: str) -> None:
-    """Servers say in no common way that they are ready: asked until the answer is right."""
+    """Servers have no common way to report that they are ready: asks until the answer is right."""
     deadline = time.monotonic() + 20
     while not done():
         if time.monotonic() > deadline:
-            sys.exit(f"{name} does not answer as it should")
+            sys.exit(f"{name} does not answer correctly")
         time.sleep(0.05)
 
 
@@ -164,12 +164,12 @@ def has_all(peer: Peer) -> bool:
 
 @contextmanager
 def running_peers(document: bytes) -> Iterator[dict[str, list[str]]]:
-    """The clients' commands by name; each was seen to print all values."""
+    """The clients' commands by name, once each has printed all values."""
     with (
         tempfile.TemporaryDirectory(prefix="gc-peers-") as folder,
         Servers(Path(folder)) as servers,
     ):
-        # Where servers and clients look for their settings, in place of the system's folders.
+        # Where servers and clients look for their settings instead of the system's folders.
         names = ["NUT_CONFPATH", "NUT_STATEPATH", "NUT_ALTPIDPATH"]
         names += ["SNMPCONFPATH", "SNMP_PERSISTENT_DIR", "HOME"]
         os.environ.update({name: folder for name in names})

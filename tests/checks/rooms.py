@@ -1,7 +1,7 @@
 #!/usr/bin/env -S /usr/bin/python3 -B
 """Checks what the C++ files include: tests/checks/rooms.py [FOLDER]
 
-No include runs up ("../"), no modules (a header with its .cpp) include each other in a circle, and no
+No include contains "../", no modules (a header with its .cpp) include each other in a circle, and no
 room includes from a room that it may not know.
 """
 
@@ -13,7 +13,7 @@ from dataclasses import dataclass
 from pathlib import Path, PurePosixPath
 
 # Each room, and those that it may know. Tool, simulator and gateway may not know each other: what they
-# have in common besides include/, as the repair of UTF-8 for an answer, stands in each of them.
+# have in common besides include/, such as the repair of UTF-8 for an answer, is in each of them.
 ROOMS: dict[str, tuple[str, ...]] = {
     "include": (),
     "Source": ("include",),
@@ -40,9 +40,9 @@ INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*[<"]([^>"]+)[>"]', re.MULTILIN
 class Include:
     file: str
     name: str
-    """As it stands there."""
+    """As written in the file."""
     found: tuple[str, ...]
-    """The files of ours that it may mean; none for one of a library's."""
+    """Our files that it may refer to; empty for a library's header."""
 
 
 def room_of(file: str) -> str | None:
@@ -64,7 +64,7 @@ def find_files(root: Path) -> list[str]:
 
 
 def find_includes(root: Path, files: list[str]) -> Iterator[Include]:
-    """One in the same folder comes first, as for the compiler; otherwise any that is called so."""
+    """A file in the same folder comes first, as for the compiler; otherwise any with that name."""
     for file in files:
         for name in INCLUDE.findall((root / file).read_text()):
             beside = os.path.normpath(PurePosixPath(file).parent / name)
@@ -82,7 +82,7 @@ def forbidden(include: Include) -> Iterator[str]:
 
 
 def find_circles(includes: list[Include]) -> Iterator[str]:
-    """One for each module from which a circle is first entered."""
+    """One circle for each module from which one is first entered."""
     known: dict[str, set[str]] = {}
     for include in includes:
         module = module_of(include.file)

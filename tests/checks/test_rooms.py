@@ -1,4 +1,4 @@
-"""What the check of includes finds in folders of its own, and in the project."""
+"""What the check of includes finds in test folders, and in the project."""
 
 import subprocess
 from pathlib import Path
@@ -8,7 +8,7 @@ from rooms import ROOMS, find_faults
 
 CHECK = Path(__file__).with_name("rooms.py")
 
-# Names of their own in every room, and what may be.
+# Includes that are allowed, with different names in every room.
 SOUND = {
     "include/Interface.h": "#include <string>\n",
     "Source/Report.h": '#include <Interface.h>\n#include "Section.h"\n',
@@ -70,14 +70,14 @@ def test_an_include_against_the_order(tmp_path: Path, room: str, name: str, othe
 
 
 def test_a_name_that_two_rooms_have(tmp_path: Path) -> None:
-    """Which of them is meant nobody can see, unless one of them is beside."""
+    """It is ambiguous which is meant, unless one of them is in the same folder."""
     found = faults_of(tmp_path, {"simulator/controller/model/New.h": '#include "Link.h"\n'})
     assert len(found) == 2
     assert all("simulator/controller/model may not know" in fault for fault in found)
 
 
 def test_two_modules_in_a_circle(tmp_path: Path) -> None:
-    """By way of a .cpp file, of which no compiler complains."""
+    """Through a .cpp file, which no compiler reports."""
     found = faults_of(tmp_path, {"Source/Section.cpp": '#include "Report.h"\n'})
     assert found == ["circle: Source/Report -> Source/Section -> Source/Report"]
 
