@@ -1,7 +1,15 @@
 // @vitest-environment happy-dom
 import { act } from 'preact/test-utils';
 import { afterEach, beforeEach, describe, expect, it, vi } from 'vitest';
-import { activeAlarms, alarms, alarmsFault, loadAlarms, watchAlarms } from '../src/alarms';
+import {
+  activeAlarms,
+  alarms,
+  alarmsFault,
+  alarmSummary,
+  loadAlarms,
+  nameOf,
+  watchAlarms,
+} from '../src/alarms';
 import { ActiveAlarms } from '../src/components/ActiveAlarms';
 import type { Alarms } from '../src/documents';
 import { load, statusWith } from './documents';
@@ -114,6 +122,47 @@ describe('the report of alarms', () => {
     await act(() => answer(activeAt(1)));
     await settle();
     expect(activeAlarms.value).toEqual([]);
+  });
+});
+
+describe('a name', () => {
+  it.each([
+    ['8. GC Status', '12. Instrument Error', 'GC Status: Instrument Error'],
+    ['10. Any Alarm', '--', 'Any Alarm'],
+    ['11. Verification', '0. Verification', 'Verification'],
+    ['2. NORM Amounts', '-1. n. 5. x', 'NORM Amounts: n. 5. x'],
+    ['Unknown', '3.4', 'Unknown: 3.4'],
+  ])('of %s and %s', (GroupStr, ParamStr, name) => {
+    expect(nameOf({ ...table.rows![0]!, GroupStr, ParamStr })).toBe(name);
+  });
+});
+
+describe('what is watched', () => {
+  it('is not watched any more after its end', async () => {
+    gateway.answer('/api/alarms', {}, 503);
+    await setStatus(alarmed);
+    stop = watchAlarms();
+    await settle();
+    await setAge(60);
+    stop();
+    await setAge(0);
+    await settle();
+    expect(asked()).toBe(1);
+  });
+
+  it('is summed up as one', async () => {
+    expect(alarmSummary.value).toEqual({ kind: 'none' });
+    await setStatus(alarmed);
+    expect(alarmSummary.value).toEqual({ kind: 'asking' });
+    alarms.value = { total: 0 };
+    expect(alarmSummary.value).toMatchObject({ kind: 'named', names: [], isWhole: true });
+    alarms.value = { ...activeAt(1), total: 5 };
+    expect(alarmSummary.value).toMatchObject({ names: ['GC Status: Cabinet Temperature'] });
+    expect(alarmSummary.value).toMatchObject({ isWhole: true, fault: undefined });
+    alarms.value = { ...activeAt(1), total: 6 };
+    expect(alarmSummary.value).toMatchObject({ isWhole: false });
+    await setStatus(undefined);
+    expect(alarmSummary.value).toEqual({ kind: 'unknown' });
   });
 });
 
