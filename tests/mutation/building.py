@@ -40,7 +40,7 @@ class Unit:
 
 
 class TestProgram:
-    """What is known of a test program of the build."""
+    """What is known about a test program of the build."""
 
     def __init__(self, program: Program, units: list[Unit]):
         self.program = program

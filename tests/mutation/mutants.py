@@ -1,7 +1,7 @@
-"""Which changes can be made to a C++ file, one token, condition or statement at a time.
+"""The changes that can be made to a C++ file, one token, condition or statement at a time.
 
-Not a parser: a tokenizer and the shape that clang-format gives to our code, in which a binary
-operator stands between blanks and the bracket of a template does not.
+Not a parser: it uses a tokenizer, and relies on clang-format, which puts spaces around binary operators
+but not around the brackets of templates.
 """
 
 import re

@@ -83,7 +83,7 @@ const looks = {
     if (path.isStringLiteral() || path.isTemplateLiteral()) {
       const around = path.findParent((one) => one.isJSXAttribute() || one.isFunction());
       if (around?.isJSXAttribute() && unread.has(around.node.name.name)) {
-        return `Nobody reads the ${around.node.name.name} of an element.`;
+        return `Nobody reads the ${around.node.name.name} attribute.`;
       }
     }
     return undefined;
