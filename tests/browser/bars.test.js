@@ -20,7 +20,7 @@ browserTest('the length follows what is typed', { path }, async (page) => {
   await fact(page, 'One run', '3 min 00 s');
   await fact(page, 'Whole table', '2 passes, 20 runs, 1 h 00 min plus flushing');
   await cell(page, 'Runs', 2).fill('6');
-  await button(page, 'Discard and reload').waitFor();
+  await button(page, 'Discard and reload…').waitFor();
   await fact(page, 'One pass', '11 runs, 33 min 00 s plus flushing');
   const shifts = await watchShifts(page);
   for (const text of ['60', '600', '0']) {
