@@ -9,6 +9,8 @@
 #include <cstring>
 #include <utility>
 
+namespace simulator {
+
 namespace {
 
 /// Calls `change` with each record of `records` that the fault names.
@@ -126,3 +128,5 @@ void alter(const Fault& aFault, Reply& reply) {
       break;
   }
 }
+
+}  // namespace simulator

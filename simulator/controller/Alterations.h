@@ -5,6 +5,8 @@
 
 #include "Faults.h"
 
+namespace simulator {
+
 /// What becomes of a request.
 struct Reply {
   wire::Frame octets;    ///< nothing is sent when empty
@@ -29,3 +31,5 @@ void alter(const Fault& /*aFault*/, const Request& /*aRequest*/, Answer& /*answe
 
 /// Alters the frame of an answer, or what is done with it.
 void alter(const Fault& aFault, Reply& reply);
+
+}  // namespace simulator

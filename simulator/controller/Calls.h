@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <iterator>
 
+namespace simulator {
+
 /// In the order of their message types, which start at 1.
 constexpr const char* cCallNames[] = {"Connect", "Read",        "Write",     "Command",
                                       "Object",  "ProgramInfo", "Disconnect"};
@@ -21,3 +23,5 @@ constexpr std::uint32_t callBit(wire::eType aCall) {
 }
 
 constexpr std::uint32_t cEveryCall = (1U << (std::size(cCallNames) + 1)) - 2;
+
+}  // namespace simulator

@@ -3,6 +3,8 @@
 
 #include <utility>
 
+namespace simulator {
+
 namespace {
 
 /// Some of the largest answers: a client asks, reads the answer and asks again.
@@ -72,3 +74,5 @@ bool Connection::answer(const Reply& aReply) {
   }
   return !aReply.close || finish();
 }
+
+}  // namespace simulator

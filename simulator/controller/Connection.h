@@ -9,6 +9,8 @@
 #include "Session.h"
 #include "Stream.h"
 
+namespace simulator {
+
 class Connection : public Stream {
  public:
   /// `aPeer` and `aNumber` are for the journal.
@@ -34,3 +36,5 @@ class Connection : public Stream {
   Reply mHeld;            ///< the answer that a delay holds back
   bool mHolding = false;  ///< further frames wait until it is sent
 };
+
+}  // namespace simulator

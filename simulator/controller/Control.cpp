@@ -7,6 +7,8 @@
 #include <cmath>
 #include <iterator>
 
+namespace simulator {
+
 using rapidjson::Value;
 
 namespace {
@@ -246,3 +248,5 @@ std::string refuseControl(const std::string& aReason) {
   writer.EndObject();
   return toUtf8(std::string(buffer.GetString(), buffer.GetSize()));
 }
+
+}  // namespace simulator

@@ -8,6 +8,8 @@
 #include <cerrno>
 #include <cstring>
 
+namespace simulator {
+
 namespace {
 
 constexpr time_t cPatienceSeconds = 30;
@@ -45,3 +47,5 @@ bool askController(const std::string& aPath, const std::string& aRequest, std::s
   stream.close();
   return answered;
 }
+
+}  // namespace simulator

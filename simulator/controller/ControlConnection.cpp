@@ -5,6 +5,8 @@
 
 #include "Control.h"
 
+namespace simulator {
+
 namespace {
 
 /// The largest answer is the journal; a second one may wait behind it.
@@ -38,3 +40,5 @@ bool ControlConnection::sendLine(const std::string& aLine) {
   const std::string line = aLine + '\n';
   return send(line.data(), line.size());
 }
+
+}  // namespace simulator

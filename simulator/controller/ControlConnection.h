@@ -8,6 +8,8 @@
 #include "Simulation.h"
 #include "Stream.h"
 
+namespace simulator {
+
 class ControlConnection : public Stream {
  public:
   static constexpr std::size_t cMaxLine = 65536;
@@ -24,3 +26,5 @@ class ControlConnection : public Stream {
   Simulation& mSimulation;
   std::string mReceived;
 };
+
+}  // namespace simulator

@@ -8,6 +8,8 @@
 #include <cstdlib>
 #include <cstring>
 
+namespace simulator {
+
 namespace {
 
 std::string ownFolder() {
@@ -40,3 +42,5 @@ bool makePrivateFolder(const std::string& aFolder, std::string& error) {
   }
   return true;
 }
+
+}  // namespace simulator

@@ -9,6 +9,8 @@
 #include <cerrno>
 #include <cstring>
 
+namespace simulator {
+
 namespace {
 
 constexpr int cBacklog = 64;
@@ -77,3 +79,5 @@ int ControlSocket::listen(const std::string& aPath, std::string& error) {
   mNode = status.st_ino;
   return handle;
 }
+
+}  // namespace simulator

@@ -5,6 +5,8 @@
 
 #include <string>
 
+namespace simulator {
+
 /// Owns the socket's file, which goes when this does.
 class ControlSocket {
  public:
@@ -23,3 +25,5 @@ class ControlSocket {
   dev_t mDevice = 0;
   ino_t mNode = 0;
 };
+
+}  // namespace simulator

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+namespace simulator {
+
 enum class eFault {
   eRefuse,      ///< close a connection as soon as it is accepted
   eDrop,        ///< close instead of answering
@@ -46,3 +48,5 @@ struct Fault {
   std::optional<std::int32_t> integer;
   std::string text;
 };
+
+}  // namespace simulator

@@ -9,6 +9,8 @@
 #include "Calls.h"
 #include "FaultReaders.h"
 
+namespace simulator {
+
 using rapidjson::Value;
 
 namespace {
@@ -158,3 +160,5 @@ bool readFault(const FaultKind& aKind, const Value& aFault, Fault& fault, std::s
   }
   return isComplete(aKind, aFault, error);
 }
+
+}  // namespace simulator

@@ -7,6 +7,8 @@
 
 #include "Fault.h"
 
+namespace simulator {
+
 struct FaultKind;
 
 /// The kind of the fault that an object describes. Null, with JSON pointer and reason in `error`,
@@ -17,3 +19,5 @@ const FaultKind* findKind(const rapidjson::Value& aFault, std::string& error);
 /// in `error`, when the fields are not those of the kind.
 bool readFault(const FaultKind& aKind, const rapidjson::Value& aFault, Fault& fault,
                std::string& error);
+
+}  // namespace simulator

@@ -10,6 +10,8 @@
 
 #include "Calls.h"
 
+namespace simulator {
+
 using rapidjson::Value;
 
 bool readCall(const Value& aValue, Fault& fault) {
@@ -110,3 +112,5 @@ bool readLength(const Value& aValue, Fault& fault) {
   fault.text.assign(length, 'x');
   return true;
 }
+
+}  // namespace simulator

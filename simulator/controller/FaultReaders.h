@@ -6,6 +6,8 @@
 
 #include "Fault.h"
 
+namespace simulator {
+
 bool readCall(const rapidjson::Value& aValue, Fault& fault);
 bool readNth(const rapidjson::Value& aValue, Fault& fault);
 bool readTimes(const rapidjson::Value& aValue, Fault& fault);
@@ -20,3 +22,5 @@ bool readInteger(const rapidjson::Value& aValue, Fault& fault);
 bool readPlainText(const rapidjson::Value& aValue, Fault& fault);
 bool readHex(const rapidjson::Value& aValue, Fault& fault);
 bool readLength(const rapidjson::Value& aValue, Fault& fault);
+
+}  // namespace simulator

@@ -6,6 +6,8 @@
 #include "Calls.h"
 #include "FaultKinds.h"
 
+namespace simulator {
+
 using rapidjson::Value;
 
 namespace {
@@ -79,3 +81,5 @@ void FaultList::describe(JsonWriter& writer) const {
   }
   writer.EndArray();
 }
+
+}  // namespace simulator

@@ -12,6 +12,8 @@
 
 #include "Fault.h"
 
+namespace simulator {
+
 /// The faults that can still act, in the order in which they were added.
 class FaultList {
  public:
@@ -38,3 +40,5 @@ class FaultList {
 
   std::list<Fault> mFaults;
 };
+
+}  // namespace simulator

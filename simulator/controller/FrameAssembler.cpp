@@ -2,6 +2,8 @@
 // are there.
 #include "FrameAssembler.h"
 
+namespace simulator {
+
 bool FrameAssembler::append(const char* aOctets, std::size_t aLength) {
   mOctets.erase(mOctets.begin(), mOctets.begin() + static_cast<std::ptrdiff_t>(mTaken));
   mTaken = 0;
@@ -29,3 +31,5 @@ FrameAssembler::eNext FrameAssembler::next(wire::Header& header, const char*& bo
   mTaken += frameSize;
   return eNext::eFrame;
 }
+
+}  // namespace simulator

@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <vector>
 
+namespace simulator {
+
 class FrameAssembler {
  public:
   /// Room for one frame of the largest size and as much again behind it: a client waits for its
@@ -25,3 +27,5 @@ class FrameAssembler {
   std::vector<char> mOctets;
   std::size_t mTaken = 0;  ///< octets at the start of mOctets that are done with
 };
+
+}  // namespace simulator

@@ -10,6 +10,8 @@
 #include "model/PeakNames.h"
 #include "model/RemoteTexts.h"
 
+namespace simulator {
+
 using model::Behaviour;
 using model::eAccess;
 using model::eParam;
@@ -205,3 +207,5 @@ void Instrument::snapshot(double aNow, rapidjson::Document& aDocument) {
   aDocument.AddMember("peaks", mState->describePeaks(allocator), allocator);
   aDocument.AddMember("snapshot", snapshot, allocator);
 }
+
+}  // namespace simulator

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+namespace simulator {
+
 struct Scenario;
 
 /// One instrument, as its controller shows it. Knows nothing of connections, clocks or faults: the
@@ -67,3 +69,5 @@ class Instrument {
   struct State;
   std::unique_ptr<State> mState;
 };
+
+}  // namespace simulator

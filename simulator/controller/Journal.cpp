@@ -9,6 +9,8 @@
 #include <cstdio>
 #include <cstring>
 
+namespace simulator {
+
 JournalEntry::JournalEntry() : mWriter(mBuffer) {
   mWriter.StartObject();
 }
@@ -87,3 +89,5 @@ void Journal::write(const std::string& aLine) {
     mLines.pop_front();
   }
 }
+
+}  // namespace simulator

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+namespace simulator {
+
 /// One line in the making: an object whose members come in the order of the calls below.
 class JournalEntry {
  public:
@@ -54,3 +56,5 @@ class Journal {
   std::deque<std::string> mLines;
   std::size_t mOctets = 0;
 };
+
+}  // namespace simulator

@@ -14,6 +14,8 @@
 #include "ScenarioSchema.h"
 #include "model/StoredValues.h"
 
+namespace simulator {
+
 namespace {
 
 constexpr std::size_t cLargestFile = 1024UL * 1024UL;
@@ -165,3 +167,5 @@ bool loadScenario(const std::string& aNameOrPath, Scenario& scenario, std::strin
   scenario.document = std::move(document);
   return true;
 }
+
+}  // namespace simulator

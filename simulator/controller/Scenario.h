@@ -5,6 +5,8 @@
 
 #include <string>
 
+namespace simulator {
+
 /// A scenario file that has passed its schema, scenarios/scenario.schema.json.
 struct Scenario {
   std::string name;  ///< as it was asked for
@@ -16,3 +18,5 @@ struct Scenario {
 /// when it cannot be read, is over 1 MB, not JSON, or does not fit its schema; the pointer is
 /// "(document)" where the whole is at fault.
 bool loadScenario(const std::string& aNameOrPath, Scenario& scenario, std::string& error);
+
+}  // namespace simulator

@@ -11,6 +11,8 @@
 
 #include "model/Parameters.h"
 
+namespace simulator {
+
 namespace {
 
 struct KeywordReason {
@@ -122,3 +124,5 @@ bool fitsSchema(const rapidjson::Document& aDocument, const rapidjson::Document&
   }
   return false;
 }
+
+}  // namespace simulator

@@ -17,6 +17,8 @@
 #include <cstring>
 #include <utility>
 
+namespace simulator {
+
 namespace {
 
 /// Handles that the reactor has room for; it raises the process's own limit to as many.
@@ -155,3 +157,5 @@ void Server::acceptControl(ACE_HANDLE aListener) {
     mControls.emplace(number, std::move(control));
   }
 }
+
+}  // namespace simulator

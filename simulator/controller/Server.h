@@ -19,6 +19,8 @@
 #include "ControlSocket.h"
 #include "Simulation.h"
 
+namespace simulator {
+
 /// Owns a handle and calls a function whenever it can be read.
 class Watch : public ACE_Event_Handler {
  public:
@@ -75,3 +77,5 @@ class Server {
   std::uint64_t mAcceptedClients = 0;
   std::uint64_t mAcceptedControls = 0;
 };
+
+}  // namespace simulator

@@ -8,6 +8,8 @@
 #include "Alterations.h"
 #include "Calls.h"
 
+namespace simulator {
+
 namespace {
 
 constexpr std::uint32_t cCommandMode = 0;
@@ -219,3 +221,5 @@ void Session::introduce(JournalEntry& entry, const char* aCall) const {
   }
   entry.add("call", std::string(aCall));
 }
+
+}  // namespace simulator

@@ -11,6 +11,8 @@
 #include "Journal.h"
 #include "Simulation.h"
 
+namespace simulator {
+
 /// One client, from the moment its connection is accepted.
 class Session {
  public:
@@ -54,3 +56,5 @@ class Session {
   std::uint64_t mNumber;
   std::optional<std::uint32_t> mMode;  ///< while connected
 };
+
+}  // namespace simulator

@@ -3,6 +3,8 @@
 
 #include <chrono>
 
+namespace simulator {
+
 double monotonicSeconds() {
   const auto sinceStart = std::chrono::steady_clock::now().time_since_epoch();
   return std::chrono::duration<double>(sinceStart).count();
@@ -54,3 +56,5 @@ void SimClock::settle() {
   }
   mReal = real;
 }
+
+}  // namespace simulator

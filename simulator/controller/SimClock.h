@@ -1,6 +1,8 @@
 // Simulated time: real, accelerated, paused or stepped.
 #pragma once
 
+namespace simulator {
+
 /// Seconds on a clock that nobody sets.
 double monotonicSeconds();
 
@@ -39,3 +41,5 @@ class SimClock {
   double mSimulated = 0.0;  ///< simulated seconds at mReal
   double mReal;
 };
+
+}  // namespace simulator

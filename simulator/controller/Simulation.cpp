@@ -3,6 +3,8 @@
 
 #include <utility>
 
+namespace simulator {
+
 bool Simulation::load(const std::string& aNameOrPath, std::string& error) {
   Scenario loaded;
   if (!loadScenario(aNameOrPath, loaded, error)) {
@@ -24,3 +26,5 @@ bool Simulation::load(const std::string& aNameOrPath, std::string& error) {
   clock.reset();
   return true;
 }
+
+}  // namespace simulator

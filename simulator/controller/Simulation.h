@@ -11,6 +11,8 @@
 #include "Scenario.h"
 #include "SimClock.h"
 
+namespace simulator {
+
 /// Holds one instrument from load() on.
 struct Simulation {
   /// Clients that are connected at the same time; further ones are told so.
@@ -29,3 +31,5 @@ struct Simulation {
   std::uint32_t clients = 0;  ///< connected now
   std::uint64_t calls = 0;    ///< of all clients since the start
 };
+
+}  // namespace simulator

@@ -9,6 +9,8 @@
 #include <cmath>
 #include <utility>
 
+namespace simulator {
+
 namespace {
 
 constexpr std::size_t cChunkSize = 65536;
@@ -111,3 +113,5 @@ bool Stream::flush() {
   mUnsent.erase(0, static_cast<std::size_t>(sent));
   return true;
 }
+
+}  // namespace simulator

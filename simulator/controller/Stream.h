@@ -7,6 +7,8 @@
 #include <functional>
 #include <string>
 
+namespace simulator {
+
 class Stream : public ACE_Event_Handler {
  public:
   /// Takes over a non-blocking socket. `aMaxUnsent` bounds the octets that wait for a peer that
@@ -51,3 +53,5 @@ class Stream : public ACE_Event_Handler {
   std::string mUnsent;
   bool mFinishing = false;
 };
+
+}  // namespace simulator

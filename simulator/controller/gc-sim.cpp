@@ -10,6 +10,8 @@
 #include "Server.h"
 #include "Simulation.h"
 
+namespace simulator {
+
 namespace {
 
 constexpr int cBadOption = 1;
@@ -80,11 +82,13 @@ int run(int argc, char* argv[]) {
 
 }  // namespace
 
+}  // namespace simulator
+
 int main(int argc, char* argv[]) {
   try {
-    return run(argc, argv);
+    return simulator::run(argc, argv);
   } catch (const std::exception& failure) {
     std::fprintf(stderr, "gc-sim: %s\n", failure.what());
-    return cBadOption;
+    return simulator::cBadOption;
   }
 }

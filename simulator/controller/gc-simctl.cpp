@@ -12,6 +12,8 @@
 #include "ControlClient.h"
 #include "ControlPath.h"
 
+namespace simulator {
+
 namespace {
 
 constexpr int cFailed = 1;
@@ -199,11 +201,13 @@ int run(int argc, char* argv[]) {
 
 }  // namespace
 
+}  // namespace simulator
+
 int main(int argc, char* argv[]) {
   try {
-    return run(argc, argv);
+    return simulator::run(argc, argv);
   } catch (const std::exception& failure) {
     std::fprintf(stderr, "gc-simctl: %s\n", failure.what());
-    return cFailed;
+    return simulator::cFailed;
   }
 }

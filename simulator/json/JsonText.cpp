@@ -10,6 +10,8 @@
 #include <limits>
 #include <system_error>
 
+namespace simulator {
+
 namespace {
 
 struct NamedReal {
@@ -203,3 +205,5 @@ bool readText(const rapidjson::Value& aValue, std::string& text) {
   text.assign(aValue.GetString(), aValue.GetStringLength());
   return true;
 }
+
+}  // namespace simulator

@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <string>
 
+namespace simulator {
+
 using JsonWriter = rapidjson::Writer<rapidjson::StringBuffer>;
 
 enum class eEncoding { eChecked, eAny };
@@ -42,3 +44,5 @@ void writeText(JsonWriter& writer, const std::string& aText);
 bool readReal(const rapidjson::Value& aValue, double& real);
 bool readUnsigned(const rapidjson::Value& aValue, std::uint32_t& number);
 bool readText(const rapidjson::Value& aValue, std::string& text);
+
+}  // namespace simulator

@@ -8,6 +8,8 @@
 #include "Require.h"
 #include "Session.h"
 
+namespace simulator {
+
 namespace {
 
 using wire::eType;
@@ -100,3 +102,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aOctets, std::size_t a
   require(simulation->clients == 0, "a client that has disconnected is no longer counted");
   return 0;
 }
+
+}  // namespace simulator

@@ -8,6 +8,8 @@
 #include "Require.h"
 #include "Simulation.h"
 
+namespace simulator {
+
 namespace {
 
 std::string toText(const rapidjson::Document& aDocument) {
@@ -76,3 +78,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aOctets, std::size_t a
   play(simulation);
   return 0;
 }
+
+}  // namespace simulator

@@ -10,6 +10,8 @@
 #include "Peer.h"
 #include "Require.h"
 
+namespace simulator {
+
 namespace {
 
 using wire::eType;
@@ -210,3 +212,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aOctets, std::size_t a
   }
   return 0;
 }
+
+}  // namespace simulator

@@ -6,7 +6,7 @@
 
 #include "StateCodes.h"
 
-namespace model {
+namespace simulator::model {
 
 namespace {
 
@@ -137,4 +137,4 @@ int Alarms::storedInt(eParam aParam, std::uint32_t aStep) const {
   return static_cast<int>(mStored.of(aParam, 1, aStep));
 }
 
-}  // namespace model
+}  // namespace simulator::model

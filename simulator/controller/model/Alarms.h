@@ -5,7 +5,7 @@
 
 #include "StoredValues.h"
 
-namespace model {
+namespace simulator::model {
 
 /// What happens in a moment and can set off alarms.
 enum class eEvent { eVerificationFailed, eStartRefused };
@@ -46,4 +46,4 @@ class Alarms {
   StoredValues& mStored;
 };
 
-}  // namespace model
+}  // namespace simulator::model

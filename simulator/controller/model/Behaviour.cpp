@@ -6,7 +6,7 @@
 
 #include "StartUp.h"
 
-namespace model {
+namespace simulator::model {
 
 Behaviour::Behaviour(const rapidjson::Value& aScenario, std::uint32_t aSeed)
     : mStored(aScenario),
@@ -137,4 +137,4 @@ void Behaviour::resume(const rapidjson::Value& aSnapshot) {
   mPhases.watchAlarms();
 }
 
-}  // namespace model
+}  // namespace simulator::model

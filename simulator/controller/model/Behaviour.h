@@ -13,7 +13,7 @@
 #include "Runs.h"
 #include "StoredValues.h"
 
-namespace model {
+namespace simulator::model {
 
 /// All values are of the time that advance() was last given. Between two changes everything is a
 /// function of time; what changes by itself does so at times known beforehand. So it does not
@@ -76,4 +76,4 @@ class Behaviour {
   Runs mRuns;
 };
 
-}  // namespace model
+}  // namespace simulator::model

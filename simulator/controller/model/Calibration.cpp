@@ -3,7 +3,7 @@
 
 #include "Measurement.h"
 
-namespace model {
+namespace simulator::model {
 
 namespace {
 
@@ -57,4 +57,4 @@ bool Calibration::isDone() const {
   return true;
 }
 
-}  // namespace model
+}  // namespace simulator::model

@@ -6,7 +6,7 @@
 
 #include "StoredValues.h"
 
-namespace model {
+namespace simulator::model {
 
 class Calibration {
  public:
@@ -29,4 +29,4 @@ class Calibration {
   std::vector<double> mCoefficients;  ///< of all peaks, before these runs
 };
 
-}  // namespace model
+}  // namespace simulator::model

@@ -5,7 +5,7 @@
 
 #include "Tables.h"
 
-namespace model {
+namespace simulator::model {
 
 namespace {
 
@@ -59,4 +59,4 @@ std::uint32_t executeCommand(Behaviour& behaviour, std::uint32_t aCommand) {
   return eCommandUnknown;
 }
 
-}  // namespace model
+}  // namespace simulator::model

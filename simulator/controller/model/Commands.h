@@ -5,9 +5,9 @@
 
 #include "Behaviour.h"
 
-namespace model {
+namespace simulator::model {
 
 /// Executes command `aCommand`. Returns eSuccess, eCommandUnknown, or eStateForbids.
 std::uint32_t executeCommand(Behaviour& behaviour, std::uint32_t aCommand);
 
-}  // namespace model
+}  // namespace simulator::model

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-namespace model {
+namespace simulator::model {
 
 Holds::Holds() : mValues(slotCount()) {}
 
@@ -32,4 +32,4 @@ rapidjson::Value Holds::describe(rapidjson::Document::AllocatorType& aAllocator)
   return names;
 }
 
-}  // namespace model
+}  // namespace simulator::model

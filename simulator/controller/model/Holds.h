@@ -8,7 +8,7 @@
 
 #include "StoredValues.h"
 
-namespace model {
+namespace simulator::model {
 
 /// They are held until the instrument next changes its state of its own accord or at a client's
 /// request.
@@ -33,4 +33,4 @@ class Holds {
   std::vector<std::optional<double>> mValues;
 };
 
-}  // namespace model
+}  // namespace simulator::model

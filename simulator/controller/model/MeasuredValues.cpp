@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace model {
+namespace simulator::model {
 
 namespace {
 
@@ -108,4 +108,4 @@ void MeasuredValues::resume(const rapidjson::Value& aSnapshot) {
   mNoiseBegin = time == aSnapshot.MemberEnd() ? 0.0 : time->value.GetDouble();
 }
 
-}  // namespace model
+}  // namespace simulator::model

@@ -10,7 +10,7 @@
 #include "Measurement.h"
 #include "StoredValues.h"
 
-namespace model {
+namespace simulator::model {
 
 /// How a family of measured values moves. What follows nothing else follows its own first value.
 struct MeasuredRow {
@@ -63,4 +63,4 @@ class MeasuredValues {
   std::vector<Measured> mMeasured;
 };
 
-}  // namespace model
+}  // namespace simulator::model

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <limits>
 
-namespace model {
+namespace simulator::model {
 
 namespace {
 
@@ -62,4 +62,4 @@ double integral(double aValue) {
                                        std::numeric_limits<std::int32_t>::max()));
 }
 
-}  // namespace model
+}  // namespace simulator::model

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-namespace model {
+namespace simulator::model {
 
 /// A value on its way from `start`, where it was at the time `since`, to `target`.
 struct Lag {
@@ -29,4 +29,4 @@ double rounded(double aValue, double aStepsPerUnit);
 /// for NaN.
 double integral(double aValue);
 
-}  // namespace model
+}  // namespace simulator::model

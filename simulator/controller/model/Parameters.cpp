@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <iterator>
 
-namespace model {
+namespace simulator::model {
 
 namespace {
 
@@ -236,4 +236,4 @@ std::optional<std::size_t> findName(const std::string& aName) {
   return std::nullopt;
 }
 
-}  // namespace model
+}  // namespace simulator::model

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-namespace model {
+namespace simulator::model {
 
 constexpr std::uint32_t cChannels = 4;
 constexpr std::uint32_t cSequenceLines = 20;
@@ -150,4 +150,4 @@ std::optional<std::size_t> findAddress(std::uint32_t aChannel, std::uint32_t aMe
                                        std::uint32_t aStep, std::uint32_t aParmID);
 std::optional<std::size_t> findName(const std::string& aName);
 
-}  // namespace model
+}  // namespace simulator::model

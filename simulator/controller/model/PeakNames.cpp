@@ -1,7 +1,7 @@
 // Addresses of the characters of peak and component names.
 #include "PeakNames.h"
 
-namespace model {
+namespace simulator::model {
 
 namespace {
 
@@ -52,4 +52,4 @@ std::optional<std::int32_t> PeakNames::character(std::uint32_t aChannel, std::ui
   return position < name->size() ? static_cast<unsigned char>((*name)[position]) : 0;
 }
 
-}  // namespace model
+}  // namespace simulator::model

@@ -11,7 +11,7 @@
 
 #include "Parameters.h"
 
-namespace model {
+namespace simulator::model {
 
 class PeakNames {
  public:
@@ -31,4 +31,4 @@ class PeakNames {
   std::array<std::vector<std::string>, cChannels> mNames;
 };
 
-}  // namespace model
+}  // namespace simulator::model

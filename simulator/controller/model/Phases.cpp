@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace model {
+namespace simulator::model {
 
 Phases::Phases(const StoredValues& aStored, const MeasuredValues& aMeasured, Holds& aHolds,
                Alarms& aAlarms)
@@ -85,4 +85,4 @@ void Phases::describe(rapidjson::Value& snapshot,
   }
 }
 
-}  // namespace model
+}  // namespace simulator::model

@@ -11,7 +11,7 @@
 #include "StateCodes.h"
 #include "StoredValues.h"
 
-namespace model {
+namespace simulator::model {
 
 constexpr double cNever = std::numeric_limits<double>::infinity();
 /// Time stands still here, where a second is still much more than the last bit of a number. No
@@ -72,4 +72,4 @@ class Phases {
   Phase mPhase{};
 };
 
-}  // namespace model
+}  // namespace simulator::model

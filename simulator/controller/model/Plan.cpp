@@ -5,7 +5,7 @@
 #include <cmath>
 #include <utility>
 
-namespace model {
+namespace simulator::model {
 
 namespace {
 
@@ -85,4 +85,4 @@ Plan::Step Plan::at(double aTime) const {
   return step;
 }
 
-}  // namespace model
+}  // namespace simulator::model

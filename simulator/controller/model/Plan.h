@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-namespace model {
+namespace simulator::model {
 
 /// By run type: 0 analysis, 1 calibration, 2 blank, 3 verification.
 using RunCounts = std::array<double, 4>;
@@ -64,4 +64,4 @@ class Plan {
   double mLength = 0.0;  ///< of one repeat
 };
 
-}  // namespace model
+}  // namespace simulator::model

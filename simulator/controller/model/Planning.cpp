@@ -6,7 +6,7 @@
 
 #include "StateCodes.h"
 
-namespace model {
+namespace simulator::model {
 
 namespace {
 
@@ -88,4 +88,4 @@ Plan planSequence(const StoredValues& aStored, double aStart) {
           runTime(aStored), cDelayBetweenRuns, aStart};
 }
 
-}  // namespace model
+}  // namespace simulator::model

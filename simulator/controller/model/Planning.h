@@ -6,7 +6,7 @@
 #include "Plan.h"
 #include "StoredValues.h"
 
-namespace model {
+namespace simulator::model {
 
 /// Seconds: the longest run time of the installed channels.
 double runTime(const StoredValues& aStored);
@@ -26,4 +26,4 @@ bool hasSequence(const StoredValues& aStored);
 /// The automation sequence; it has something to run.
 Plan planSequence(const StoredValues& aStored, double aStart);
 
-}  // namespace model
+}  // namespace simulator::model

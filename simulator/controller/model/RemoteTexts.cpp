@@ -8,7 +8,7 @@
 
 #include <algorithm>
 
-namespace model {
+namespace simulator::model {
 
 namespace {
 
@@ -100,4 +100,4 @@ rapidjson::Value RemoteTexts::describeOctets(rapidjson::Document::AllocatorType&
   return octets;
 }
 
-}  // namespace model
+}  // namespace simulator::model

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace model {
+namespace simulator::model {
 
 /// Remote objects 2 to 5 carry one text each, number 6 one for each channel's column.
 class RemoteTexts {
@@ -34,4 +34,4 @@ class RemoteTexts {
   std::array<std::string, 4> mColumns;  ///< of channels 1 to 4
 };
 
-}  // namespace model
+}  // namespace simulator::model

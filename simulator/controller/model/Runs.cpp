@@ -7,7 +7,7 @@
 #include "Planning.h"
 #include "Tables.h"
 
-namespace model {
+namespace simulator::model {
 
 namespace {
 
@@ -167,4 +167,4 @@ void Runs::account(const RunCounts& aCompleted) {
   mCourse->accounted = aCompleted;
 }
 
-}  // namespace model
+}  // namespace simulator::model

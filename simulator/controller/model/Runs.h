@@ -7,7 +7,7 @@
 #include "Phases.h"
 #include "Plan.h"
 
-namespace model {
+namespace simulator::model {
 
 /// What the commands do; whether it is allowed is the caller's to check.
 class Runs {
@@ -57,4 +57,4 @@ class Runs {
   std::optional<Course> mCourse;
 };
 
-}  // namespace model
+}  // namespace simulator::model

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-namespace model {
+namespace simulator::model {
 
 namespace {
 
@@ -70,4 +70,4 @@ PeakCounts loadTables(const rapidjson::Value& aScenario, std::vector<double>& va
   return peaks;
 }
 
-}  // namespace model
+}  // namespace simulator::model

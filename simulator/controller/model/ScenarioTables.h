@@ -9,7 +9,7 @@
 
 #include "Parameters.h"
 
-namespace model {
+namespace simulator::model {
 
 /// How many peaks are calibrated, by channel.
 using PeakCounts = std::array<std::uint32_t, cChannels>;
@@ -18,4 +18,4 @@ using PeakCounts = std::array<std::uint32_t, cChannels>;
 /// lines and alarm rows with them. A sequence has at least one line, if an empty one.
 PeakCounts loadTables(const rapidjson::Value& aScenario, std::vector<double>& values);
 
-}  // namespace model
+}  // namespace simulator::model

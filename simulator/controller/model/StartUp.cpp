@@ -3,7 +3,7 @@
 
 #include "Planning.h"
 
-namespace model {
+namespace simulator::model {
 
 namespace {
 
@@ -65,4 +65,4 @@ void startUp(const Start& aStart, Phases& phases, Runs& runs) {
   }
 }
 
-}  // namespace model
+}  // namespace simulator::model

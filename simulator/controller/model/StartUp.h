@@ -6,7 +6,7 @@
 #include "Phases.h"
 #include "Runs.h"
 
-namespace model {
+namespace simulator::model {
 
 struct Start {
   int state;
@@ -22,4 +22,4 @@ Start snapshotStart(const rapidjson::Value& aSnapshot);
 
 void startUp(const Start& aStart, Phases& phases, Runs& runs);
 
-}  // namespace model
+}  // namespace simulator::model

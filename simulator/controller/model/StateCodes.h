@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-namespace model {
+namespace simulator::model {
 
 enum eGcState : int {
   eInitializing = 0,
@@ -51,4 +51,4 @@ constexpr StateSet cAllStates =
 /// The instrument is taking care of itself and nothing else: settings can be changed.
 constexpr StateSet cSettingStates = cIdleStates | statesOf(eError, eRecoverableError);
 
-}  // namespace model
+}  // namespace simulator::model

@@ -8,7 +8,7 @@
 
 #include "Measurement.h"
 
-namespace model {
+namespace simulator::model {
 
 StoredValues::StoredValues(const rapidjson::Value& aScenario) : mValues(slotCount()) {
   mPeaks = loadTables(aScenario, mValues);
@@ -81,4 +81,4 @@ bool StoredValues::isThere(std::size_t aSlot) const {
   return table == eTable::eNone || slot.step <= stepsOf(table, slot.member == 0 ? 1 : slot.member);
 }
 
-}  // namespace model
+}  // namespace simulator::model

@@ -9,7 +9,7 @@
 #include "Parameters.h"
 #include "ScenarioTables.h"
 
-namespace model {
+namespace simulator::model {
 
 /// A value for every slot. Those that the instrument computes have what the scenario says of them.
 class StoredValues {
@@ -44,4 +44,4 @@ class StoredValues {
   PeakCounts mPeaks{};
 };
 
-}  // namespace model
+}  // namespace simulator::model

@@ -1,7 +1,7 @@
 // Tables, as commands and runs change them.
 #include "Tables.h"
 
-namespace model {
+namespace simulator::model {
 
 namespace {
 
@@ -48,4 +48,4 @@ void useSolution(StoredValues& stored, std::uint32_t aSlot) {
   }
 }
 
-}  // namespace model
+}  // namespace simulator::model

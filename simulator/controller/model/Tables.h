@@ -3,7 +3,7 @@
 
 #include "StoredValues.h"
 
-namespace model {
+namespace simulator::model {
 
 /// Leaves one line, an empty one: no sequence has none.
 void clearSequence(StoredValues& stored);
@@ -20,4 +20,4 @@ void clearCalibration(StoredValues& stored);
 /// Only one solution is in use.
 void useSolution(StoredValues& stored, std::uint32_t aSlot);
 
-}  // namespace model
+}  // namespace simulator::model

@@ -11,6 +11,8 @@
 
 #include "Require.h"
 
+namespace simulator {
+
 namespace {
 
 ACE_Reactor& reactor() {
@@ -93,3 +95,5 @@ void Peer::serve() {
     }
   }
 }
+
+}  // namespace simulator

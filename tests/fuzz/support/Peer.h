@@ -8,6 +8,8 @@
 #include "Simulation.h"
 #include "Stream.h"
 
+namespace simulator {
+
 /// A simulation of a shipped scenario, with its clock stopped.
 std::unique_ptr<Simulation> makeSimulation(const std::string& aScenario);
 
@@ -41,3 +43,5 @@ class Peer {
   std::unique_ptr<Stream> mStream;
   std::string mReceived;
 };
+
+}  // namespace simulator

@@ -6,6 +6,8 @@
 
 #include "Bench.h"
 
+namespace simulator {
+
 namespace {
 
 constexpr std::uint32_t cStart = 0;
@@ -193,3 +195,5 @@ TEST(Alarms, CountsThatAnOperatorSetsAreTakenAsFarAsTheyGo) {
     EXPECT_EQ(bench.integer(0.0, 0, 2211), 1) << total;
   }
 }
+
+}  // namespace simulator

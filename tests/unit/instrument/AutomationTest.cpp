@@ -6,6 +6,8 @@
 
 #include "Bench.h"
 
+namespace simulator {
+
 namespace {
 
 constexpr std::uint32_t cStart = 0;
@@ -243,3 +245,5 @@ TEST(Determinism, AskingMoreOftenChangesNothingInASequence) {
   EXPECT_EQ(twoDays(397.3), rarely);
   EXPECT_EQ(twoDays(1234.5), rarely);
 }
+
+}  // namespace simulator

@@ -4,6 +4,8 @@
 
 #include "Bench.h"
 
+namespace simulator {
+
 namespace {
 
 constexpr std::uint32_t cStart = 0;
@@ -283,3 +285,5 @@ TEST(ProgramInfo, CountsThePeaksOfAChannel) {
   EXPECT_EQ(bench.instrument->programInfo(5, untouched, untouched), eChannelUnknown);
   EXPECT_EQ(untouched, 99U);
 }
+
+}  // namespace simulator

@@ -9,6 +9,8 @@
 #include <cstdlib>
 #include <fstream>
 
+namespace simulator {
+
 namespace {
 
 Scenario load(const std::string& aName) {
@@ -103,3 +105,5 @@ ParamList Bench::read(double aNow, std::uint32_t aChannel, std::uint32_t aParmID
   EXPECT_EQ(records[0].ServiceStatus, 0U);
   return records[0];
 }
+
+}  // namespace simulator

@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+namespace simulator {
+
 /// A shipped scenario in which some starting values are others.
 Scenario scenarioWith(const std::string& aName,
                       const std::vector<std::pair<std::string, double>>& aValues);
@@ -68,3 +70,5 @@ class Bench {
  private:
   ParamList read(double aNow, std::uint32_t aChannel, std::uint32_t aParmID, std::uint32_t aStep);
 };
+
+}  // namespace simulator

@@ -10,6 +10,8 @@
 #include "Bench.h"
 #include "ExpectedParameters.h"
 
+namespace simulator {
+
 namespace {
 
 constexpr double cInfinity = std::numeric_limits<double>::infinity();
@@ -320,3 +322,5 @@ TEST(Alarms, AreAllReset) {
   EXPECT_EQ(held.integer(0.0, 0, 2211), 0);
   EXPECT_EQ(held.integer(0.0, 0, 161), 9);  // only what is about alarms
 }
+
+}  // namespace simulator

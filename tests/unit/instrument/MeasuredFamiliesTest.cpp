@@ -9,6 +9,8 @@
 
 #include "Bench.h"
 
+namespace simulator {
+
 namespace {
 
 struct Family {
@@ -139,3 +141,5 @@ TEST(Lag, BetweenInfinitiesStaysWhereItIs) {
   EXPECT_EQ(model::lagged({20.0, 5.0, std::nan("")}, 10.0, 5.0), 20.0);
   EXPECT_TRUE(std::isnan(model::lagged({20.0, 5.0, std::nan("")}, 10.0, 6.0)));
 }
+
+}  // namespace simulator

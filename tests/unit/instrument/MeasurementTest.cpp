@@ -8,6 +8,8 @@
 
 #include "Bench.h"
 
+namespace simulator {
+
 namespace {
 
 constexpr double cInfinity = std::numeric_limits<double>::infinity();
@@ -168,3 +170,5 @@ TEST(Determinism, SameSeedAndCallsGiveTheSameAnswers) {
 TEST(Determinism, AskingMoreOftenChangesNothing) {
   EXPECT_EQ(morning(7, true), morning(7, false));
 }
+
+}  // namespace simulator

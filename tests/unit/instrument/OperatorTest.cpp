@@ -9,6 +9,8 @@
 #include "Bench.h"
 #include "ExpectedParameters.h"
 
+namespace simulator {
+
 namespace {
 
 constexpr double cInfinity = std::numeric_limits<double>::infinity();
@@ -322,3 +324,5 @@ TEST(Snapshot, HoldsTheTables) {
   EXPECT_EQ(again.real(0.0, 4, 1230, 100), 12.5);
   EXPECT_EQ(again.integer(0.0, 1, 1176, 5), 'M');  // Methane
 }
+
+}  // namespace simulator

@@ -10,6 +10,8 @@
 #include "Bench.h"
 #include "ExpectedParameters.h"
 
+namespace simulator {
+
 static_assert(std::size(cExpectedParameters) == 97);
 
 TEST(Parameters, EachAnswersAtItsAddressInItsField) {
@@ -102,3 +104,5 @@ TEST(Parameters, OfAPartThatIsNotThereReadZero) {
   EXPECT_EQ(bench.real(5.0, 0, 100), 0.0);
   EXPECT_EQ(bench.integer(5.0, 0, 602), 0);
 }
+
+}  // namespace simulator

@@ -6,6 +6,8 @@
 #include <limits>
 #include <random>
 
+namespace simulator {
+
 namespace {
 
 using model::Plan;
@@ -144,3 +146,5 @@ TEST(Plan, OfLifetimesAnswersAtOnce) {
   }
   EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::milliseconds(100));
 }
+
+}  // namespace simulator

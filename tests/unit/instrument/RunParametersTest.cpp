@@ -4,6 +4,8 @@
 
 #include "Bench.h"
 
+namespace simulator {
+
 namespace {
 
 constexpr std::uint32_t cStart = 0;
@@ -211,3 +213,5 @@ TEST(Solution, IsLoadedOnlyWhileNothingElseGoesOn) {
   EXPECT_EQ(bench.writeInteger(1.0, 0, 1003, 0, 1), eStateForbids);
   EXPECT_EQ(bench.runTime(2.0), 2);
 }
+
+}  // namespace simulator

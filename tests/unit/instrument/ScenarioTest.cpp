@@ -8,6 +8,8 @@
 #include "Bench.h"
 #include "ExpectedParameters.h"
 
+namespace simulator {
+
 using ::testing::HasSubstr;
 
 namespace {
@@ -590,3 +592,5 @@ TEST(ScenarioFile, ThatIsBadLeavesTheOldOneAlone) {
   EXPECT_EQ(scenario.name, "bare");
   EXPECT_TRUE(scenario.document.HasMember("texts"));
 }
+
+}  // namespace simulator

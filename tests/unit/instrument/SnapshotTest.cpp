@@ -15,6 +15,8 @@
 #include "Bench.h"
 #include "ExpectedParameters.h"
 
+namespace simulator {
+
 namespace {
 
 constexpr double cInfinity = std::numeric_limits<double>::infinity();
@@ -411,3 +413,5 @@ TEST(Snapshot, OfOneThatHoldsNothingMayLeaveTheRestOut) {
   Bench octets(with(R"({"time": 0, "state": 4, "octets": {"siteInformation": "41ff"}})"));
   EXPECT_EQ(textOf(octets, 2), "A\xff");
 }
+
+}  // namespace simulator

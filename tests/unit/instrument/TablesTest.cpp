@@ -6,6 +6,8 @@
 
 #include "Bench.h"
 
+namespace simulator {
+
 namespace {
 
 constexpr std::uint32_t cInsertLine = 19;
@@ -294,3 +296,5 @@ TEST(Peaks, AmountsAreClearedAndRestored) {
     EXPECT_EQ(bench.real(0.0, 1 + peak / 100, 1230, 1 + peak % 100), before[peak]);
   }
 }
+
+}  // namespace simulator

@@ -8,6 +8,8 @@
 #include "Bench.h"
 #include "ExpectedParameters.h"
 
+namespace simulator {
+
 namespace {
 
 constexpr std::uint32_t cColumnTempSP = 202;
@@ -136,3 +138,5 @@ TEST(Write, TheStateDecidesWhetherSettingsAreTaken) {
     EXPECT_EQ(bench.real(0.0, 1, cColumnTempSP), one.taken ? 61.0 : 60.0) << one.state;
   }
 }
+
+}  // namespace simulator

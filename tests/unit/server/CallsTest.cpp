@@ -5,6 +5,8 @@
 
 #include "Session.h"
 
+namespace simulator {
+
 namespace {
 
 using wire::eType;
@@ -347,3 +349,5 @@ TEST_F(CallsTest, AreCutShort) {
 }
 
 }  // namespace
+
+}  // namespace simulator

@@ -8,6 +8,8 @@
 
 #include "ReactorBench.h"
 
+namespace simulator {
+
 namespace {
 
 class ConnectionTest : public ReactorBench {
@@ -288,3 +290,5 @@ TEST_F(ConnectionTest, KeepsAMegabyteForAClientThatDoesNotRead) {
 }
 
 }  // namespace
+
+}  // namespace simulator

@@ -12,6 +12,8 @@
 #include "ReactorBench.h"
 #include "TemporaryFolder.h"
 
+namespace simulator {
+
 namespace {
 
 constexpr char cNoVerb[] = R"({"ok":false,"error":"a verb expected"})"
@@ -166,3 +168,5 @@ TEST(AskController, TakesNoHalfLine) {
 }
 
 }  // namespace
+
+}  // namespace simulator

@@ -10,6 +10,8 @@
 
 #include "TemporaryFolder.h"
 
+namespace simulator {
+
 namespace {
 
 /// Sets an environment variable, or unsets it, as long as it lives.
@@ -116,3 +118,5 @@ TEST(MakePrivateFolder, SaysWhyItCannot) {
 }
 
 }  // namespace
+
+}  // namespace simulator

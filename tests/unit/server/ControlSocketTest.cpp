@@ -11,6 +11,8 @@
 #include "ControlClient.h"
 #include "TemporaryFolder.h"
 
+namespace simulator {
+
 namespace {
 
 bool exists(const std::string& aPath) {
@@ -114,3 +116,5 @@ TEST(AskController, NobodyListens) {
 }
 
 }  // namespace
+
+}  // namespace simulator

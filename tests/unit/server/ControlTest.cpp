@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+namespace simulator {
+
 namespace {
 
 class ControlTest : public ::testing::Test {
@@ -218,3 +220,5 @@ TEST_F(ControlTest, OctetsThatAreNoText) {
 }
 
 }  // namespace
+
+}  // namespace simulator

@@ -6,6 +6,8 @@
 #include <cmath>
 #include <vector>
 
+namespace simulator {
+
 namespace {
 
 using wire::eType;
@@ -312,3 +314,5 @@ TEST(FaultList, DescribesWhatCanStillAct) {
 }
 
 }  // namespace
+
+}  // namespace simulator

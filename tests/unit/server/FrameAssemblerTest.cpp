@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+namespace simulator {
+
 namespace {
 
 using eNext = FrameAssembler::eNext;
@@ -121,3 +123,5 @@ TEST(FrameAssembler, BoundsWhatWaits) {
 }
 
 }  // namespace
+
+}  // namespace simulator

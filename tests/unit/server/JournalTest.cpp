@@ -15,6 +15,8 @@
 
 #include "TemporaryFolder.h"
 
+namespace simulator {
+
 namespace {
 
 constexpr double cNaN = std::numeric_limits<double>::quiet_NaN();
@@ -219,3 +221,5 @@ TEST(Journal, KeepsEightMegabytes) {
 }
 
 }  // namespace
+
+}  // namespace simulator

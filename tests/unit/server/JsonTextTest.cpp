@@ -6,6 +6,8 @@
 #include <cmath>
 #include <limits>
 
+namespace simulator {
+
 namespace {
 
 constexpr char cBad[] = "\xEF\xBF\xBD";
@@ -246,3 +248,5 @@ TEST(ReadText, KeepsZeros) {
 }
 
 }  // namespace
+
+}  // namespace simulator

@@ -19,6 +19,8 @@
 #include "ControlClient.h"
 #include "TemporaryFolder.h"
 
+namespace simulator {
+
 namespace {
 
 /// A socket that is closed when it goes, and that waits for answers for a minute at most.
@@ -310,3 +312,5 @@ TEST(Watch, CallsWheneverThereIsSomethingToRead) {
 }
 
 }  // namespace
+
+}  // namespace simulator

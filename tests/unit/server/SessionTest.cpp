@@ -4,6 +4,8 @@
 #include <Status.h>
 #include <gtest/gtest.h>
 
+namespace simulator {
+
 namespace {
 
 constexpr std::uint32_t cSequence = 77;
@@ -191,3 +193,5 @@ TEST_F(SessionTest, FaultsOnTheWayBack) {
 }
 
 }  // namespace
+
+}  // namespace simulator

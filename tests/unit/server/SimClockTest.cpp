@@ -6,6 +6,8 @@
 #include <cmath>
 #include <limits>
 
+namespace simulator {
+
 namespace {
 
 double realSeconds = 0.0;
@@ -108,3 +110,5 @@ TEST_F(SimClockTest, RealTimeGoesOn) {
 }
 
 }  // namespace
+
+}  // namespace simulator

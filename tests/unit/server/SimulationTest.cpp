@@ -7,6 +7,8 @@
 
 #include "TemporaryFolder.h"
 
+namespace simulator {
+
 namespace {
 
 class SimulationTest : public ::testing::Test {
@@ -57,3 +59,5 @@ TEST_F(SimulationTest, RefusesAScenarioWithABadFault) {
 }
 
 }  // namespace
+
+}  // namespace simulator

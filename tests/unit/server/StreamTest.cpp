@@ -8,6 +8,8 @@
 
 #include "ReactorBench.h"
 
+namespace simulator {
+
 namespace {
 
 constexpr std::size_t cMaxUnsent = 300000;
@@ -229,3 +231,5 @@ TEST_F(StreamTest, EndsWhenItsTimeIsOver) {
 }
 
 }  // namespace
+
+}  // namespace simulator
