@@ -23,9 +23,9 @@ int main(int argc, char* argv[]) {
     return 1;
   }
   rapidjson::StringBuffer buffer;
-  Writer writer(buffer);
+  bench::Writer writer(buffer);
   writer.StartObject();
-  addReport(writer, handle);
+  bench::addReport(writer, handle);
   writer.EndObject();
   std::puts(buffer.GetString());
   BreakConnection(handle);

@@ -9,6 +9,8 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace bench {
+
 using Writer = rapidjson::PrettyWriter<rapidjson::StringBuffer>;
 
 /// The part of each floor: its calls, and the members of its document, in order.
@@ -71,3 +73,5 @@ inline void startChannel(Writer& writer, std::uint32_t channel) {
   writer.Key(key);
   writer.StartObject();
 }
+
+}  // namespace bench

@@ -6,6 +6,8 @@
 
 #include "floor.h"
 
+namespace bench {
+
 namespace {
 
 constexpr Place cHeader[] = {{2029}, {2028}};
@@ -57,3 +59,5 @@ void addReport(Writer& writer, unsigned long handle) {
   }
   writer.EndArray();
 }
+
+}  // namespace bench

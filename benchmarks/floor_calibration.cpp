@@ -3,6 +3,8 @@
 
 #include "floor.h"
 
+namespace bench {
+
 namespace {
 
 constexpr std::uint32_t cFirstLetterId = 1176;
@@ -54,3 +56,5 @@ void addReport(Writer& writer, unsigned long handle) {
   }
   writer.EndArray();
 }
+
+}  // namespace bench

@@ -4,6 +4,8 @@
 
 template class ACE_Singleton<CloneFactory, ACE_Thread_Mutex>;
 
+namespace bench {
+
 namespace {
 
 constexpr Place cConfiguration[] = {
@@ -40,3 +42,5 @@ void addReport(Writer& writer, unsigned long handle) {
     writer.EndObject();
   }
 }
+
+}  // namespace bench

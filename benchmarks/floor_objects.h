@@ -4,6 +4,8 @@
 #include <InstrumentClient.h>
 #include <RemoteObjects.h>
 
+namespace bench {
+
 /// The object with this number, which must exist and be of this class.
 template <class Wanted>
 const Wanted& fetch(unsigned long handle, unsigned long number) {
@@ -12,3 +14,5 @@ const Wanted& fetch(unsigned long handle, unsigned long number) {
   ReadObject(handle, number, object);
   return *dynamic_cast<const Wanted*>(object);
 }
+
+}  // namespace bench

@@ -3,6 +3,8 @@
 
 #include "floor.h"
 
+namespace bench {
+
 namespace {
 
 constexpr Place cHeader[] = {{12}, {525}, {15}, {144}};
@@ -36,3 +38,5 @@ void addReport(Writer& writer, unsigned long handle) {
   }
   writer.EndArray();
 }
+
+}  // namespace bench

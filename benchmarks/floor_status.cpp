@@ -11,6 +11,8 @@
 
 template class ACE_Singleton<CloneFactory, ACE_Thread_Mutex>;
 
+namespace bench {
+
 namespace {
 
 constexpr Place cStatus[] = {
@@ -92,3 +94,5 @@ void addReport(Writer& writer, unsigned long handle) {
     }
   }
 }
+
+}  // namespace bench
