@@ -21,10 +21,10 @@ constexpr double cLastMoment = 1e15;
 enum class eActivity { eIdling, eWaiting, eOther };
 
 struct Phase {
-  int state;
-  int automation;
-  double since;
-  double until;
+  int state{};
+  int automation{};
+  double since{};
+  double until{};
   eActivity activity = eActivity::eOther;
 };
 
