@@ -2,17 +2,9 @@
 import calibrationSchema from '../../../docs/schemas/calibration-file.schema.json';
 import sequenceSchema from '../../../docs/schemas/sequence-file.schema.json';
 import type { Calibration, Configuration, Sequence } from './documents';
+import { lastSlot, lastStream, sequenceLines } from './limits';
 import type { Schema } from './schema';
 import type { Column, Layout, Table, Values } from './table';
-
-/** How many lines a download takes. */
-const sequenceLines = 20;
-
-/** No instrument has a stream above this. */
-const lastStream = 46;
-
-/** Slots of solutions are 0 to this. */
-export const lastSlot = 10;
 
 /** One kind of table, with its way to and from the gateway. */
 export interface TableKind {

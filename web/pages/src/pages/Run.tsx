@@ -8,11 +8,8 @@ import { RunQuestion, type Question } from '../components/RunQuestion';
 import type { Sequence, Status } from '../documents';
 import { followStream } from '../follow';
 import { formatInstant } from '../format';
+import { lastSlot, lastStream } from '../limits';
 import { command, configuration, describeFault, returns, status, lostSince, now } from '../store';
-import { lastSlot } from '../tables';
-
-/** The gateway takes no stream above this. */
-const lastStream = 46;
 
 function streamsOf(current: Status): number[] {
   const { Stream_configured: isConfigured, Stream_max: max } = configuration.value ?? {};

@@ -1,0 +1,13 @@
+// Limits of the gateway's interface, from its description.
+import { definitions } from '../../../docs/schemas/command-run.schema.json';
+import { properties as ofSequence } from '../../../docs/schemas/sequence.schema.json';
+import { properties as ofSolution } from '../../../docs/schemas/command-solution.schema.json';
+
+/** The highest stream that a command or a line of the sequence may name. */
+export const lastStream = definitions.stream.maximum;
+
+/** Slots of solutions are 0 to this. */
+export const lastSlot = ofSolution.solution.maximum;
+
+/** How many lines a sequence has at most. */
+export const sequenceLines = ofSequence.rows.maxItems;
