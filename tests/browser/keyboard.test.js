@@ -6,7 +6,8 @@ import { pages } from './support/pages.js';
 const browserTest = browserTests();
 
 /** In the page: what can be operated there, and is not switched off as a whole. */
-const operable = 'a[href], button:not([disabled]), input:not([disabled]), select:not([disabled])';
+const operable =
+  'a[href], button:not([disabled]), input:not([disabled]), select:not([disabled]), [tabindex="0"]';
 
 /** In the page: what Tab has come to, with what is wrong there. */
 function focused() {
@@ -28,6 +29,8 @@ for (const { name, path, content } of pages) {
   const context = { viewport: { width: 800, height: 480 } };
   browserTest(`${name}: Tab reaches everything`, { path, context }, async (page) => {
     await content(page);
+    // The header comes with another answer.
+    await page.getByTestId('alarm-sign').waitFor();
     const all = await page.locator(operable).count();
     for (let count = 0; count < all + 2; count++) {
       await page.keyboard.press('Tab');
