@@ -153,17 +153,21 @@ browserTest('the end of an automation', { isClockOurs: true }, async (page, gc) 
   await says(page, 'automation-end', /^not before \d\d:\d\d/);
 });
 
-browserTest('alarms by name, beside the sign', { scenario: 'error', expected: [/503/] }, async (page) => {
-  const names = page.getByRole('list', { name: 'Active alarms' });
-  await names.getByText('GC Status: Instrument Error').waitFor();
-  assert.equal(await page.getByTestId('alarm-sign').first().innerText(), 'ALARM');
-  await page.goto('/#/wall');
-  await names.getByText('GC Status: Instrument Error').waitFor();
-  // What cannot be had is not said to be none.
-  await page.route('**/api/alarms', (route) => route.fulfill({ status: 503, json: {} }));
-  await page.reload();
-  await page.getByText(/^Which alarms are active is not known: The instrument/).waitFor();
-});
+browserTest(
+  'alarms by name, beside the sign',
+  { scenario: 'error', expected: [/503/] },
+  async (page) => {
+    const names = page.getByRole('list', { name: 'Active alarms' });
+    await names.getByText('GC Status: Instrument Error').waitFor();
+    assert.equal(await page.getByTestId('alarm-sign').first().innerText(), 'ALARM');
+    await page.goto('/#/wall');
+    await names.getByText('GC Status: Instrument Error').waitFor();
+    // What cannot be had is not said to be none.
+    await page.route('**/api/alarms', (route) => route.fulfill({ status: 503, json: {} }));
+    await page.reload();
+    await page.getByText(/^Which alarms are active is not known: The instrument/).waitFor();
+  },
+);
 
 const displays = [
   { width: 1280, height: 720 },

@@ -26,6 +26,7 @@ def main() -> None:
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("pages", type=Path, help="folder of the built pages")
     parser.add_argument("--no-passwords", action="store_true", help="nobody may act")
+    parser.add_argument("--units", default="", help="of the instrument's values")
     options = parser.parse_args()
     with ExitStack() as running:
         folder = Path(running.enter_context(tempfile.TemporaryDirectory(prefix="gc-browser-")))
@@ -35,7 +36,8 @@ def main() -> None:
             passwords = folder / "passwords"
             write_passwords(passwords)
             lines += [f'var.passwords = "{passwords}"', f'include "{CONFIGURATION}/login.conf"']
-        server = WebServer(folder / "web", BIN_DIR, BIN_DIR / "GC_Web", address, lines)
+        tool = BIN_DIR / "GC_Web"
+        server = WebServer(folder / "web", BIN_DIR, tool, address, lines, units=options.units)
         running.callback(server.stop)
         shutil.copytree(options.pages, server.pages, dirs_exist_ok=True)
 

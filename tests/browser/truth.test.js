@@ -195,16 +195,6 @@ browserTest(
   },
 );
 
-browserTest('who is signed in, and out', { path }, async (page, gc) => {
-  await button(page, 'Switch').click();
-  await says(page, 'session', 'Signed in as operator');
-  await page.reload();
-  await says(page, 'session', 'Signed in as operator');
-  await says(page, 'versions', /^Pages \d+\.\d+\.\d+, web server \d+\.\d+\.\d+$/);
-  assert.equal(await page.getByText('load it again').count(), 0);
-  assert.ok(await gc.report('about'));
-});
-
 browserTest(
   'on the first screen of a telephone',
   { context: { viewport: { width: 360, height: 740 } } },
