@@ -86,6 +86,29 @@ browserTest(
 );
 
 browserTest(
+  'the cursor stays in its cell when the instrument comes back',
+  { ...lost, path: '#/calibration', expected: [/503|504/] },
+  async (page, gc) => {
+    const cell = page.getByLabel('Amount, level 1, peak 2', { exact: true });
+    const isFocused = () => cell.evaluate((element) => element === document.activeElement);
+    await cell.focus();
+    await gc.tell('stop');
+    try {
+      await page.clock.fastForward(5_000);
+      await page.getByRole('alert').getByText('The instrument is not reachable.').waitFor();
+    } finally {
+      await gc.tell('start');
+    }
+    const isRead = page.waitForResponse((answer) => answer.url().endsWith('/api/calibration'));
+    await page.clock.fastForward(5_000);
+    await isRead;
+    await page.locator('fieldset:not([disabled])').waitFor();
+    assert.equal(await isFocused(), true);
+    await page.locator('.pointer').waitFor();
+  },
+);
+
+browserTest(
   'a command, and then no answers',
   { ...lost, expected: unreachable },
   async (page, gc) => {

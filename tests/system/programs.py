@@ -23,9 +23,10 @@ PORT = 20047  # on which controllers listen
 ROOT = Path(__file__).resolve().parents[2]
 SCHEMAS = ROOT / "docs" / "schemas"
 SCENARIOS = ROOT / "simulator" / "scenarios"
-LIMIT = 60.0  # seconds until a hung program is killed; sanitized ones are slow
 # The command that runs a tool built for another processor, if the tests are given one.
 EMULATOR = shlex.split(os.environ.get("GC_EMULATOR", ""))
+# Seconds until a hung program is killed; sanitized and emulated ones are slow.
+LIMIT = 300.0 if EMULATOR else 60.0
 
 # The report for each option; the other operations print only result objects.
 REPORTS = {

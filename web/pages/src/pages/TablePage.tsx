@@ -9,6 +9,7 @@ import { EarlierTables } from '../components/EarlierTables';
 import { Grid } from '../components/Grid';
 import { ReviewDialog } from '../components/ReviewDialog';
 import { TableToolbar } from '../components/TableToolbar';
+import { useKeptFocus } from '../components/useKeptFocus';
 import { useUndoKeys } from '../components/useUndoKeys';
 import type { Editor } from '../editor';
 import { formatTime } from '../format';
@@ -124,6 +125,7 @@ export function TablePage({ editor, hint, picture: Picture, extra }: Props) {
   const said = editor.said.value;
   useUndoKeys(editor);
   useReload(editor);
+  const keptFocus = useKeptFocus(editor.busy.value !== '');
   const goTo = ({ rowId, key }: Cell): void => {
     const place = rowId === null ? `#${fieldId(key)}` : `[data-row="${rowId}"][data-key="${key}"]`;
     table.current?.querySelector<HTMLElement>(place)?.focus();
@@ -145,7 +147,7 @@ export function TablePage({ editor, hint, picture: Picture, extra }: Props) {
             onFirstProblem={() => goTo(editor.problems.value[0]!)}
           />
           <State editor={editor} />
-          <fieldset ref={table} disabled={editor.busy.value !== ''}>
+          <fieldset ref={table} disabled={editor.busy.value !== ''} {...keptFocus}>
             <HeaderFields editor={editor} />
             <div class={Picture && 'beside'}>
               {Picture && (

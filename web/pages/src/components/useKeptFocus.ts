@@ -1,0 +1,26 @@
+// The cursor stays in its cell while a table is read anew: its cells are off meanwhile, and browsers
+// take the focus from what is off.
+import { useLayoutEffect, useRef } from 'preact/hooks';
+
+/** Handlers for the fieldset that is off while `isBusy`. */
+export function useKeptFocus(isBusy: boolean): {
+  onFocusIn: (event: FocusEvent) => void;
+  onFocusOut: (event: FocusEvent) => void;
+} {
+  const kept = useRef<HTMLElement | null>(null);
+  useLayoutEffect(() => {
+    if (!isBusy && kept.current?.isConnected && document.activeElement === document.body) {
+      kept.current.focus();
+    }
+  }, [isBusy]);
+  return {
+    onFocusIn: ({ target }) => {
+      kept.current = target as HTMLElement;
+    },
+    onFocusOut: ({ currentTarget }) => {
+      if (!(currentTarget as HTMLFieldSetElement).disabled) {
+        kept.current = null;
+      }
+    },
+  };
+}
