@@ -1,6 +1,6 @@
 // Every page: that it comes, how much comes with it, that it fits a telephone, and pictures of them.
 import assert from 'node:assert/strict';
-import { browserTests, button, picture, says, screenshots } from './support/browser.js';
+import { browserTests, button, goOn, picture, says, screenshots } from './support/browser.js';
 import { pages } from './support/pages.js';
 
 const browserTest = browserTests();
@@ -95,17 +95,6 @@ browserTest(
     await picture(page, 'configuration', 1024);
   },
 );
-
-/** Lets the instrument and the page's clock go on, with an answer every 15 seconds. */
-async function goOn(page, gc, minutes) {
-  for (let minute = 0; minute < minutes; minute += 0.25) {
-    await gc.control('step', 15);
-    await gc.forgetStatus();
-    const answer = page.waitForResponse('**/api/status');
-    await page.clock.fastForward(15_000);
-    await answer;
-  }
-}
 
 const four = { scenario: 'four-channel', isClockOurs: true };
 browserTest('status: a run, with all channels', four, async (page, gc) => {

@@ -3,19 +3,8 @@
 // look at: take-pictures.js FOLDER [STATE...]. Needs what `run` needs, built.
 import { mkdirSync } from 'node:fs';
 import { chromium } from 'playwright-core';
-import { flags } from './support/browser.js';
+import { flags, goOn } from './support/browser.js';
 import { Instrument } from './support/instrument.js';
-
-/** Lets the instrument and the page's clock go on, with an answer every 15 seconds. */
-async function goOn(page, gc, minutes) {
-  for (let minute = 0; minute < minutes; minute += 0.25) {
-    await gc.control('step', 15);
-    await gc.forgetStatus();
-    const answer = page.waitForResponse('**/api/status');
-    await page.clock.fastForward(15_000);
-    await answer;
-  }
-}
 
 /** How each state comes about; `after` brings back what the others need. */
 const states = {

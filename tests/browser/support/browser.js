@@ -159,3 +159,14 @@ export function describedBy(locator) {
       .join(' '),
   );
 }
+
+/** Lets the instrument and the page's clock go on, with an answer every 15 seconds. */
+export async function goOn(page, gc, minutes) {
+  for (let minute = 0; minute < minutes; minute += 0.25) {
+    await gc.control('step', 15);
+    await gc.forgetStatus();
+    const answer = page.waitForResponse('**/api/status');
+    await page.clock.fastForward(15_000);
+    await answer;
+  }
+}
