@@ -121,6 +121,7 @@ browserTest('twenty lines on a phone', full, async (page) => {
 const forced = { path, context: { forcedColors: 'active' } };
 browserTest('forced colours tell flushing, runs and the cursor', forced, async (page) => {
   await cell(page, 'Runs', 2).focus();
+  await bar(page).locator('.stretch.focused').waitFor();
   const styles = await bar(page).evaluate((list) =>
     ['.run', '.flush', '.frame'].map((name) => {
       const { stroke, strokeWidth, strokeDasharray } = getComputedStyle(list.querySelector(name));
