@@ -11,6 +11,8 @@
 
 #include "StoredFile.h"
 
+namespace gateway {
+
 namespace {
 
 std::int64_t nanosecondsOf(const timespec& aTime) {
@@ -79,3 +81,5 @@ void AbortTurn::share(const std::string& aAnswer) const {
                            std::to_string(aAnswer.size()) + '\n' + aAnswer;
   static_cast<void>(::pwrite(mAborts.file(), text.data(), text.size(), 0));
 }
+
+}  // namespace gateway

@@ -7,6 +7,8 @@
 
 #include "FileLock.h"
 
+namespace gateway {
+
 /// Lets a later abort see that a command has begun in the meantime. `aCommands`: the commands'
 /// lock, held. False if that failed.
 bool markCommandBegun(const FileLock& aCommands);
@@ -33,3 +35,5 @@ class AbortTurn {
   std::int64_t mLastCommand = 0;
   bool mIsAlone = false;
 };
+
+}  // namespace gateway

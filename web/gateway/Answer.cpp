@@ -11,6 +11,8 @@
 
 #include "Json.h"
 
+namespace gateway {
+
 namespace {
 
 struct StatusRow {
@@ -128,3 +130,5 @@ void send(int aDescriptor, const std::string& aRendered) {
     }
   }
 }
+
+}  // namespace gateway

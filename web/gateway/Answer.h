@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 
+namespace gateway {
+
 struct Answer {
   int status = 500;
   std::string body;     ///< JSON; empty when there is none
@@ -38,3 +40,5 @@ std::string withoutBody(const std::string& aRendered);
 
 /// Writes the whole text, or as much as the reader takes.
 void send(int aDescriptor, const std::string& aRendered);
+
+}  // namespace gateway

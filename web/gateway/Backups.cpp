@@ -18,6 +18,8 @@
 #include "StoredFile.h"
 #include "UtcTime.h"
 
+namespace gateway {
+
 namespace {
 
 using Writer = rapidjson::Writer<rapidjson::StringBuffer>;
@@ -151,3 +153,5 @@ std::optional<std::string> readBackup(const std::string& aDataFolder, eOperation
   const std::string table = readFile(pathOf(folderOf(aDataFolder, aTable), number)).table;
   return table.empty() ? std::nullopt : std::optional(table);
 }
+
+}  // namespace gateway

@@ -7,6 +7,8 @@
 
 #include "Operation.h"
 
+namespace gateway {
+
 /// Who replaced the table, and with which command.
 struct Replacement {
   std::string id;
@@ -29,3 +31,5 @@ std::string listBackups(const std::string& aDataFolder, eOperation aTable);
 /// One backup, in the form that a download takes. The number is in decimal digits.
 std::optional<std::string> readBackup(const std::string& aDataFolder, eOperation aTable,
                                       const std::string& aNumber);
+
+}  // namespace gateway

@@ -10,6 +10,8 @@
 
 #include "StoredFile.h"
 
+namespace gateway {
+
 namespace {
 
 std::string folderOf(const std::string& aDataFolder) {
@@ -83,3 +85,5 @@ eInterruption findInterrupted(const std::string& aDataFolder, const std::string&
 void forgetInterrupted(const std::string& aDataFolder, const std::string& aId) {
   ::unlink((folderOf(aDataFolder) + '/' + aId).c_str());
 }
+
+}  // namespace gateway

@@ -7,6 +7,8 @@
 
 #include "Descriptor.h"
 
+namespace gateway {
+
 /// A file with the command's first log line. It stays locked while the command runs: by the
 /// gateway, and by the tool, which inherits it and may outlive the gateway.
 class BegunCommand {
@@ -39,3 +41,5 @@ enum class eInterruption { eFound, eGoesOn, eNone };
 /// `aId` in the form of newCommandId. Removes nothing.
 eInterruption findInterrupted(const std::string& aDataFolder, const std::string& aId);
 void forgetInterrupted(const std::string& aDataFolder, const std::string& aId);
+
+}  // namespace gateway

@@ -22,6 +22,8 @@
 #include "ToolProcess.h"
 #include "Verdict.h"
 
+namespace gateway {
+
 namespace {
 
 constexpr char cNoState[] =
@@ -250,15 +252,12 @@ Answer takeNote(Order& order, const std::string& aId) {
 
 /// Requests that the gateway handles by itself.
 Answer answerWithoutTool(Order& order, const Command& aCommand) {
-  switch (aCommand.purpose) {
-    case ePurpose::eSeen:
-      return takeNote(order, aCommand.id);
-    case ePurpose::eLogout:
-      // A browser forgets a rejected password, and without a challenge asks for no other.
-      return problem(401, "You are signed out.");
-    case ePurpose::eLogin:
-    case ePurpose::eTool:
-      break;
+  if (aCommand.command == eCommand::eSeen) {
+    return takeNote(order, aCommand.id);
+  }
+  if (aCommand.command == eCommand::eLogout) {
+    // A browser forgets a rejected password, and without a challenge asks for no other.
+    return problem(401, "You are signed out.");
   }
   return {204, "", "", ""};
 }
@@ -284,12 +283,13 @@ void answerCommand(cgicc::CgiInput& input, const Limits& aLimits, const Reply& a
     reply(render(*fault));
     return;
   }
-  order.entry = {newCommandId(), user, input.getenv("REMOTE_ADDR"), asked.call};
-  if (asked.purpose != ePurpose::eTool) {
+  order.entry = {newCommandId(), user, input.getenv("REMOTE_ADDR"),
+                 asked.call.value_or(ToolCall())};
+  if (!asked.call) {
     reply(render(answerWithoutTool(order, asked)));
     return;
   }
-  const eOperation operation = asked.call.operation;
+  const eOperation operation = asked.call->operation;
   const FileLock lock(order.settings.state + '/' + lockOf(operation));
   if (!lock.isOpen()) {
     reply(render(problem(500, cNoState)));
@@ -306,3 +306,5 @@ void answerCommand(cgicc::CgiInput& input, const Limits& aLimits, const Reply& a
   }
   abort(order, lock, commands, reply);
 }
+
+}  // namespace gateway

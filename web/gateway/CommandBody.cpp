@@ -1,4 +1,4 @@
-// What a command's path and body ask for.
+// What the body of a command asks for.
 #include "CommandBody.h"
 
 #include <algorithm>
@@ -7,67 +7,56 @@
 
 #include "Json.h"
 
+namespace gateway {
+
 namespace {
 
-constexpr CommandRow cCommands[] = {
-    {"/api/command/run", "POST", ePurpose::eTool, eBody::eRun, "command-run"},
-    {"/api/command/abort", "POST", ePurpose::eTool, eBody::eAbort, "command-abort"},
-    {"/api/command/stream", "PUT", ePurpose::eTool, eBody::eStream, "command-stream"},
-    {"/api/command/solution", "PUT", ePurpose::eTool, eBody::eSolution, "command-solution"},
-    {"/api/command/alarm-reset", "POST", ePurpose::eTool, eBody::eAlarmReset, "command-nothing"},
-    {"/api/command/login", "POST", ePurpose::eLogin, eBody::eLogin, "command-nothing"},
-    {"/api/command/logout", "POST", ePurpose::eLogout, eBody::eLogout, "command-nothing"},
-    {"/api/command/seen", "POST", ePurpose::eSeen, eBody::eSeen, "command-seen"},
-    {"/api/command/sequence", "PUT", ePurpose::eTool, eBody::eSequence, "sequence-file"},
-    {"/api/command/calibration", "PUT", ePurpose::eTool, eBody::eCalibration, "calibration-file"},
-};
+constexpr char cTooManyMembers[] = "The document has more members than this command takes.";
 
-/// One form of a body: a member whose value selects the operation, and a member with its number;
-/// null if there is none.
+/// One form of a body that is for the tool.
 struct FormRow {
-  eBody body;
-  const char* chooser;
-  const char* word;
-  const char* number;
+  eCommand command;
+  const char* chooser;  ///< member that selects the form by its value; null if there is one form
+  const char* word;     ///< that value
+  const char* number;   ///< member with the operation's number; null if it has none
   eOperation operation;
 };
 
 constexpr FormRow cForms[] = {
-    {eBody::eRun, "type", "single", "stream", eOperation::eSingleRun},
-    {eBody::eRun, "type", "calibration", "stream", eOperation::eCalibrationRun},
-    {eBody::eRun, "type", "automation", nullptr, eOperation::eAutomation},
-    {eBody::eAbort, "when", "now", nullptr, eOperation::eAbortNow},
-    {eBody::eAbort, "when", "after-run", nullptr, eOperation::eAbortAfterRun},
-    {eBody::eStream, nullptr, nullptr, "stream", eOperation::eStream},
-    {eBody::eSolution, nullptr, nullptr, "solution", eOperation::eSolution},
-    {eBody::eAlarmReset, nullptr, nullptr, nullptr, eOperation::eAlarmReset},
-    {eBody::eSequence, nullptr, nullptr, nullptr, eOperation::eSequenceFile},
-    {eBody::eCalibration, nullptr, nullptr, nullptr, eOperation::eCalibrationFile},
+    {eCommand::eRun, "type", "single", "stream", eOperation::eSingleRun},
+    {eCommand::eRun, "type", "calibration", "stream", eOperation::eCalibrationRun},
+    {eCommand::eRun, "type", "automation", nullptr, eOperation::eAutomation},
+    {eCommand::eAbort, "when", "now", nullptr, eOperation::eAbortNow},
+    {eCommand::eAbort, "when", "after-run", nullptr, eOperation::eAbortAfterRun},
+    {eCommand::eStream, nullptr, nullptr, "stream", eOperation::eStream},
+    {eCommand::eSolution, nullptr, nullptr, "solution", eOperation::eSolution},
+    {eCommand::eAlarmReset, nullptr, nullptr, nullptr, eOperation::eAlarmReset},
+    {eCommand::eSequence, nullptr, nullptr, nullptr, eOperation::eSequenceFile},
+    {eCommand::eCalibration, nullptr, nullptr, nullptr, eOperation::eCalibrationFile},
 };
 
-/// The form of a body that matches its schema.
-const FormRow& formOf(eBody aKind, const rapidjson::Document& aBody) {
-  return *std::find_if(std::begin(cForms), std::end(cForms), [&](const FormRow& row) {
-    return row.body == aKind && (row.word == nullptr || aBody[row.chooser] == row.word);
+/// The form of a body that matches its schema; null if the command is not for the tool.
+const FormRow* findForm(eCommand aCommand, const rapidjson::Document& aBody) {
+  const auto* found = std::find_if(std::begin(cForms), std::end(cForms), [&](const FormRow& row) {
+    return row.command == aCommand && (row.chooser == nullptr || aBody[row.chooser] == row.word);
   });
+  return found == std::end(cForms) ? nullptr : found;
 }
 
-constexpr char cTooManyMembers[] = "The document has more members than this command takes.";
-
-/// The count finds members that the form does not have, and duplicate members.
-std::optional<Answer> readForm(eBody aKind, const rapidjson::Document& aBody, ToolCall& call) {
-  const FormRow& form = formOf(aKind, aBody);
-  call.operation = form.operation;
-  if (takesFile(form.operation)) {
+/// The member count finds members that the form does not have, and duplicate members.
+std::optional<Answer> readForm(const FormRow& aForm, const rapidjson::Document& aBody,
+                               ToolCall& call) {
+  call.operation = aForm.operation;
+  if (takesFile(aForm.operation)) {
     return std::nullopt;
   }
-  if (form.number != nullptr) {
-    if (!aBody.HasMember(form.number)) {
-      return problem(422, std::string("/") + form.number + " is missing.");
+  if (aForm.number != nullptr) {
+    if (!aBody.HasMember(aForm.number)) {
+      return problem(422, std::string("/") + aForm.number + " is missing.");
     }
-    call.number = aBody[form.number].GetInt();
+    call.number = aBody[aForm.number].GetInt();
   }
-  const int members = (form.word == nullptr ? 0 : 1) + (form.number == nullptr ? 0 : 1);
+  const int members = (aForm.chooser == nullptr ? 0 : 1) + (aForm.number == nullptr ? 0 : 1);
   if (static_cast<int>(aBody.MemberCount()) != members) {
     return problem(422, cTooManyMembers);
   }
@@ -75,13 +64,13 @@ std::optional<Answer> readForm(eBody aKind, const rapidjson::Document& aBody, To
 }
 
 /// Reads a body that matches its schema.
-std::optional<Answer> readMembers(const CommandRow& aRow, const rapidjson::Document& aBody,
+std::optional<Answer> readMembers(eCommand aCommand, const rapidjson::Document& aBody,
                                   Command& command) {
-  command.purpose = aRow.purpose;
-  if (aRow.purpose == ePurpose::eTool) {
-    return readForm(aRow.body, aBody, command.call);
+  command.command = aCommand;
+  if (const FormRow* form = findForm(aCommand, aBody)) {
+    return readForm(*form, aBody, command.call.emplace());
   }
-  if (aRow.purpose == ePurpose::eSeen) {
+  if (aCommand == eCommand::eSeen) {
     if (aBody.MemberCount() != 1) {
       return problem(422, cTooManyMembers);
     }
@@ -99,12 +88,6 @@ bool parseSchemaFile(const std::string& aPath, rapidjson::Document& schema) {
 
 }  // namespace
 
-const CommandRow* findCommand(const std::string& aPath) {
-  const auto* row = std::find_if(std::begin(cCommands), std::end(cCommands),
-                                 [&](const CommandRow& command) { return aPath == command.path; });
-  return row == std::end(cCommands) ? nullptr : row;
-}
-
 std::optional<Answer> readCommand(const CommandRow& aRow, const std::string& aBody,
                                   const Settings& aSettings, Command& command) {
   rapidjson::Document body;
@@ -121,5 +104,7 @@ std::optional<Answer> readCommand(const CommandRow& aRow, const std::string& aBo
   if (const std::optional<std::string> fault = findSchemaFault(aBody, schema)) {
     return problem(422, *fault);
   }
-  return readMembers(aRow, body, command);
+  return readMembers(aRow.command, body, command);
 }
+
+}  // namespace gateway

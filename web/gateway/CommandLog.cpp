@@ -20,6 +20,8 @@
 #include "StoredFile.h"
 #include "UtcTime.h"
 
+namespace gateway {
+
 namespace {
 
 using Writer = rapidjson::Writer<rapidjson::StringBuffer>;
@@ -181,3 +183,5 @@ bool CommandLog::write(const std::string& aLine, std::size_t aRoom) const {
   ::flock(mFile.get(), LOCK_UN);
   return isWritten;
 }
+
+}  // namespace gateway

@@ -6,6 +6,8 @@
 #include "Descriptor.h"
 #include "Operation.h"
 
+namespace gateway {
+
 struct CommandEntry {
   std::string id;  ///< the same in all lines about one command
   std::string user;
@@ -49,3 +51,5 @@ class CommandLog {
   std::string mPath;
   Descriptor mFile;
 };
+
+}  // namespace gateway

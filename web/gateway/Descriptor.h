@@ -5,6 +5,8 @@
 
 #include <utility>
 
+namespace gateway {
+
 class Descriptor {
  public:
   explicit Descriptor(int aNumber = -1) : mNumber(aNumber) {}
@@ -29,3 +31,5 @@ class Descriptor {
  private:
   int mNumber;
 };
+
+}  // namespace gateway

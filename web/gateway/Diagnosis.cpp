@@ -14,6 +14,8 @@
 #include "Request.h"
 #include "UtcTime.h"
 
+namespace gateway {
+
 namespace {
 
 constexpr std::size_t cLongest = 1000;
@@ -65,3 +67,5 @@ void diagnose(cgicc::CgiInput& input, const Settings& aSettings, eOperation aOpe
   // In a single write: other processes use the same log.
   send(STDERR_FILENO, line);
 }
+
+}  // namespace gateway

@@ -9,6 +9,8 @@
 #include <cerrno>
 #include <csignal>
 
+namespace gateway {
+
 namespace {
 
 // An alarm that rings just before the wait begins has no effect, so it repeats.
@@ -74,3 +76,5 @@ bool FileLock::lockUntil(Clock::time_point aTime) const {
   }
   return true;
 }
+
+}  // namespace gateway

@@ -7,6 +7,8 @@
 #include "Descriptor.h"
 #include "Settings.h"
 
+namespace gateway {
+
 class FileLock {
  public:
   /// Opens the file, which remains when the lock is released.
@@ -24,3 +26,5 @@ class FileLock {
  private:
   Descriptor mFile;
 };
+
+}  // namespace gateway

@@ -9,6 +9,8 @@
 
 #include <cstddef>
 
+namespace gateway {
+
 namespace {
 
 std::string textOf(const rapidjson::Pointer& aPointer) {
@@ -96,3 +98,5 @@ std::string repairUtf8(const std::string& aText) {
   }
   return repaired;
 }
+
+}  // namespace gateway

@@ -6,6 +6,8 @@
 #include <optional>
 #include <string>
 
+namespace gateway {
+
 // Iterative: the sender decides how deep the nesting is, and the stack is limited.
 constexpr unsigned cParseFlags =
     rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag;
@@ -24,3 +26,5 @@ std::optional<std::string> findSchemaFault(const std::string& aText,
 
 /// The text with each octet that is not part of a UTF-8 sequence replaced by U+FFFD.
 std::string repairUtf8(const std::string& aText);
+
+}  // namespace gateway

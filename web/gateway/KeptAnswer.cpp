@@ -12,6 +12,8 @@
 #include "BegunCommands.h"
 #include "Json.h"
 
+namespace gateway {
+
 namespace {
 
 constexpr char cUnfinished[] = "/api/unfinished";
@@ -93,3 +95,5 @@ std::string withInterruptions(const std::string& aRendered, const Settings& aSet
   return count == 0 ? aRendered
                     : withHeader(aRendered, "X-GC-Interrupted: " + std::to_string(count) + "\r\n");
 }
+
+}  // namespace gateway

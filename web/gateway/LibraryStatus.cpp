@@ -1,6 +1,8 @@
 // Statuses with which the client library itself reports that it got no answer.
 #include "LibraryStatus.h"
 
+namespace gateway {
+
 namespace {
 
 struct StatusRow {
@@ -30,3 +32,5 @@ const char* unansweredReason(std::uint32_t aStatus) {
   }
   return nullptr;
 }
+
+}  // namespace gateway

@@ -3,6 +3,8 @@
 
 #include <cstddef>
 
+namespace gateway {
+
 namespace {
 
 enum class eOperand { eNone, eNumber, eFile };
@@ -101,3 +103,5 @@ std::vector<std::string> argumentsOf(const ToolCall& aCall) {
   }
   return arguments;
 }
+
+}  // namespace gateway

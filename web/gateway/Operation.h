@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+namespace gateway {
+
 enum class eOperation {
   eStatus,
   eConfiguration,
@@ -52,3 +54,5 @@ std::vector<std::string> argumentsOf(const ToolCall& aCall);
 
 /// The tool's descriptor number for its file.
 constexpr int cToolFile = 3;
+
+}  // namespace gateway

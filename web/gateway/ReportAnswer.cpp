@@ -13,6 +13,8 @@
 #include "Units.h"
 #include "Verdict.h"
 
+namespace gateway {
+
 namespace {
 
 struct ReportRow {
@@ -79,3 +81,5 @@ std::string answerReport(cgicc::CgiInput& input, const Limits& aLimits) {
   const std::string answer = answerWithBody(input, aLimits);
   return input.getenv("REQUEST_METHOD") == "HEAD" ? withoutBody(answer) : answer;
 }
+
+}  // namespace gateway

@@ -7,5 +7,9 @@
 
 #include "Settings.h"
 
+namespace gateway {
+
 /// The whole output of the CGI program.
 std::string answerReport(cgicc::CgiInput& input, const Limits& aLimits);
+
+}  // namespace gateway

@@ -10,6 +10,8 @@
 #include <cstdlib>
 #include <iterator>
 
+namespace gateway {
+
 namespace {
 
 constexpr unsigned long cLargestBody = 65536;
@@ -171,3 +173,5 @@ std::optional<std::string> readBody(cgicc::CgiInput& input) {
   }
   return body;
 }
+
+}  // namespace gateway

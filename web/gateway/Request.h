@@ -8,6 +8,8 @@
 
 #include "Answer.h"
 
+namespace gateway {
+
 // Only cgicc's input class is used: its CgiEnvironment reads as much of a body as the request
 // claims to have, before anything can check the length.
 
@@ -22,3 +24,5 @@ std::optional<Answer> findHeaderFault(cgicc::CgiInput& input);
 
 /// Reads the body of a request that passed those checks; none if it ends early.
 std::optional<std::string> readBody(cgicc::CgiInput& input);
+
+}  // namespace gateway

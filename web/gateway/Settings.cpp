@@ -3,6 +3,8 @@
 
 #include <cstddef>
 
+namespace gateway {
+
 namespace {
 
 struct SettingRow {
@@ -48,3 +50,5 @@ std::optional<Answer> readCommandSettings(cgicc::CgiInput& input, Settings& sett
   }
   return readRows(input, cCommandSettings, settings);
 }
+
+}  // namespace gateway

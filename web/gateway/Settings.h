@@ -10,6 +10,8 @@
 
 #include "Answer.h"
 
+namespace gateway {
+
 using Clock = std::chrono::steady_clock;
 
 struct Settings {
@@ -39,3 +41,5 @@ struct Limits {
 /// names the first missing one.
 std::optional<Answer> readReportSettings(cgicc::CgiInput& input, Settings& settings);
 std::optional<Answer> readCommandSettings(cgicc::CgiInput& input, Settings& settings);
+
+}  // namespace gateway

@@ -13,6 +13,8 @@
 
 #include "FileLock.h"
 
+namespace gateway {
+
 namespace {
 
 // Controllers will run beyond the range of 32-bit dates.
@@ -110,3 +112,5 @@ std::string shareStatus(const std::string& aStateFolder, const Limits& aLimits,
   keepAnswer(lock.file(), *answer, aNow());
   return *answer;
 }
+
+}  // namespace gateway

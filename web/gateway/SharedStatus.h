@@ -7,6 +7,8 @@
 
 #include "Settings.h"
 
+namespace gateway {
+
 /// The same moment on two clocks, in milliseconds.
 struct Moment {
   std::int64_t sinceStart;  ///< since boot, including sleep; nobody can set this clock
@@ -20,3 +22,5 @@ Moment momentNow();
 std::string shareStatus(const std::string& aStateFolder, const Limits& aLimits,
                         const std::function<std::string()>& aAsk,
                         const std::function<Moment()>& aNow = momentNow);
+
+}  // namespace gateway

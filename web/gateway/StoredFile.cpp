@@ -12,6 +12,8 @@
 
 #include "Descriptor.h"
 
+namespace gateway {
+
 std::string contentOf(int aFile) {
   struct stat state = {};
   if (::fstat(aFile, &state) != 0) {
@@ -60,3 +62,5 @@ std::vector<std::string> namesIn(const std::string& aPath) {
   }
   return names;
 }
+
+}  // namespace gateway

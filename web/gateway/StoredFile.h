@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+namespace gateway {
+
 /// The whole file from the beginning, as far as it can be read.
 std::string contentOf(int aFile);
 
@@ -21,3 +23,5 @@ std::string parentOf(const std::string& aPath);
 
 /// Names of the files in a folder, except hidden ones, unsorted; none if there is no such folder.
 std::vector<std::string> namesIn(const std::string& aPath);
+
+}  // namespace gateway

@@ -11,6 +11,8 @@
 
 #include "Json.h"
 
+namespace gateway {
+
 namespace {
 
 // The other members of a calibration row belong to the instrument, and would make a large table
@@ -109,3 +111,5 @@ std::optional<std::string> tableFileOf(eOperation aTable, const std::string& aRe
   const std::string file = output.GetString();
   return isGood && file.front() == '{' ? std::optional(file) : std::nullopt;
 }
+
+}  // namespace gateway

@@ -6,6 +6,10 @@
 
 #include "Operation.h"
 
+namespace gateway {
+
 /// The part of a report that a download takes, as compact JSON; none if the report is not an
 /// object. Numbers keep every printed digit. `aTable`: eSequence or eCalibration.
 std::optional<std::string> tableFileOf(eOperation aTable, const std::string& aReport);
+
+}  // namespace gateway

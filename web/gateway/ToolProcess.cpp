@@ -15,6 +15,8 @@
 #include <ctime>
 #include <utility>
 
+namespace gateway {
+
 namespace {
 
 // Longest single wait in a system call; the loops around it check the clock.
@@ -243,3 +245,5 @@ bool ToolProcess::reapUntil(Clock::time_point aTime) {
   mProcess = -1;
   return true;
 }
+
+}  // namespace gateway

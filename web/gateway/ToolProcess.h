@@ -10,6 +10,8 @@
 #include "Operation.h"
 #include "Settings.h"
 
+namespace gateway {
+
 /// The result of a run, as far as it is known.
 struct Outcome {
   bool started = false;
@@ -56,3 +58,5 @@ class ToolProcess {
   pid_t mProcess = -1;  ///< -1 if none is running
   Outcome mOutcome;
 };
+
+}  // namespace gateway

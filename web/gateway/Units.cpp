@@ -12,6 +12,8 @@
 
 #include "Json.h"
 
+namespace gateway {
+
 namespace {
 
 using Writer = rapidjson::Writer<rapidjson::StringBuffer>;
@@ -74,3 +76,5 @@ Answer withUnits(const Answer& aAnswer, const std::string& aSetting) {
   answer.body.insert(end, std::string(isEmpty ? "" : ",") + "\"units\":" + text.GetString());
   return answer;
 }
+
+}  // namespace gateway

@@ -3,6 +3,8 @@
 
 #include <ctime>
 
+namespace gateway {
+
 std::string utcNow() {
   const std::time_t now = std::time(nullptr);
   std::tm parts = {};
@@ -11,3 +13,5 @@ std::string utcNow() {
   std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &parts);
   return text;
 }
+
+}  // namespace gateway

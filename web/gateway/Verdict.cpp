@@ -13,6 +13,8 @@
 #include "Json.h"
 #include "LibraryStatus.h"
 
+namespace gateway {
+
 namespace {
 
 constexpr char cResultSchema[] = "result";
@@ -177,3 +179,5 @@ Answer judge(eOperation aOperation, const Outcome& aOutcome) {
   return aOutcome.output.empty() ? judgeSilence(aOperation, failure)
                                  : judgeDocument(aOperation, aOutcome.output, failure);
 }
+
+}  // namespace gateway

@@ -5,4 +5,8 @@
 #include "Operation.h"
 #include "ToolProcess.h"
 
+namespace gateway {
+
 Answer judge(eOperation aOperation, const Outcome& aOutcome);
+
+}  // namespace gateway

@@ -11,7 +11,7 @@ namespace {
 
 /// The web server waits for the end of the output, which this process may have to outlive.
 void sendAndClose(const std::string& aRendered) {
-  send(STDOUT_FILENO, aRendered);
+  gateway::send(STDOUT_FILENO, aRendered);
   const int null = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
   ::dup2(null, STDOUT_FILENO);
 }
@@ -21,6 +21,6 @@ void sendAndClose(const std::string& aRendered) {
 int main() {
   std::signal(SIGPIPE, SIG_IGN);
   cgicc::CgiInput input;
-  answerCommand(input, Limits(), sendAndClose);
+  gateway::answerCommand(input, gateway::Limits(), sendAndClose);
   return 0;
 }

@@ -9,6 +9,6 @@
 int main() {
   std::signal(SIGPIPE, SIG_IGN);
   cgicc::CgiInput input;
-  send(STDOUT_FILENO, answerReport(input, Limits()));
+  gateway::send(STDOUT_FILENO, gateway::answerReport(input, gateway::Limits()));
   return 0;
 }

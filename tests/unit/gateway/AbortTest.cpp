@@ -11,6 +11,8 @@
 #include "Bench.h"
 #include "FileLock.h"
 
+namespace gateway {
+
 namespace {
 
 constexpr char cNow[] = R"({"when": "now"})";
@@ -242,3 +244,5 @@ TEST_F(Aborted, MakesNothingOfATornAnswer) {
 }
 
 }  // namespace
+
+}  // namespace gateway

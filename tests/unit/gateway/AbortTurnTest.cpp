@@ -10,6 +10,8 @@
 
 #include "TemporaryFolder.h"
 
+namespace gateway {
+
 namespace {
 
 constexpr char cAnswer[] = "Status: 200 OK\r\n\r\n{}\n";
@@ -135,3 +137,5 @@ TEST_F(AbortsAtATime, MakeNothingOfWhatIsTorn) {
 }
 
 }  // namespace
+
+}  // namespace gateway

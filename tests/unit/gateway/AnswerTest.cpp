@@ -10,6 +10,8 @@
 
 #include "Descriptor.h"
 
+namespace gateway {
+
 namespace {
 
 TEST(RenderedAnswer, HasThePhraseOfItsStatus) {
@@ -151,3 +153,5 @@ TEST(Sent, IsNothingOfNothing) {
 }
 
 }  // namespace
+
+}  // namespace gateway

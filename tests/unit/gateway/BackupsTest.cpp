@@ -9,6 +9,8 @@
 
 #include "Bench.h"
 
+namespace gateway {
+
 namespace {
 
 constexpr char cSequence[] =
@@ -218,3 +220,5 @@ TEST_F(KeptTable, IsAskedForByItsNumber) {
 }
 
 }  // namespace
+
+}  // namespace gateway

@@ -13,6 +13,8 @@
 #include <sstream>
 #include <system_error>
 
+namespace gateway {
+
 size_t FakeInput::read(char* data, size_t length) {
   const std::size_t count = std::min(length, body.size());
   std::copy_n(body.data(), count, data);
@@ -173,3 +175,5 @@ Settings Bench::settings() const {
   EXPECT_FALSE(readCommandSettings(copy, result));
   return result;
 }
+
+}  // namespace gateway

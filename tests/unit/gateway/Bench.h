@@ -15,6 +15,8 @@
 #include "Settings.h"
 #include "TemporaryFolder.h"
 
+namespace gateway {
+
 /// What a web server would pass on. Tests change the public members.
 class FakeInput : public cgicc::CgiInput {
  public:
@@ -85,3 +87,5 @@ class Bench : public ::testing::Test {
 };
 
 constexpr char cAccepted[] = R"({"ErrorCode": 0, "Msg": "Accepted"})";
+
+}  // namespace gateway

@@ -17,6 +17,8 @@
 
 #include "Bench.h"
 
+namespace gateway {
+
 namespace {
 
 class LogOfCommands : public Bench {
@@ -308,3 +310,5 @@ TEST_F(LogOfCommands, SetsRoomAsideForTheEnd) {
 }
 
 }  // namespace
+
+}  // namespace gateway

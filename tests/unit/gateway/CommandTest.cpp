@@ -2,6 +2,8 @@
 #include "Bench.h"
 #include "FileLock.h"
 
+namespace gateway {
+
 namespace {
 
 class CommandRequest : public Bench {};
@@ -230,3 +232,5 @@ TEST_F(CommandRequest, MayBeNestedAHundredLevelsDeep) {
 }
 
 }  // namespace
+
+}  // namespace gateway

@@ -8,6 +8,8 @@
 
 #include "Bench.h"
 
+namespace gateway {
+
 namespace {
 
 class Said : public Bench {
@@ -106,3 +108,5 @@ TEST_F(Said, OfTheTableBeforeADownloadIsTold) {
 }
 
 }  // namespace
+
+}  // namespace gateway

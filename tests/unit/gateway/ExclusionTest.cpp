@@ -11,6 +11,8 @@
 #include "Bench.h"
 #include "FileLock.h"
 
+namespace gateway {
+
 namespace {
 
 class CarriedOut : public Bench {
@@ -173,3 +175,5 @@ TEST_F(CarriedOut, OutlivesTheGateway) {
 }
 
 }  // namespace
+
+}  // namespace gateway

@@ -12,6 +12,8 @@
 
 #include "TemporaryFolder.h"
 
+namespace gateway {
+
 namespace {
 
 class Lock : public ::testing::Test {
@@ -107,3 +109,5 @@ TEST_F(Lock, IsNotTakenWithoutAFile) {
 }
 
 }  // namespace
+
+}  // namespace gateway

@@ -6,6 +6,8 @@
 
 #include "Bench.h"
 
+namespace gateway {
+
 namespace {
 
 class DownloadedFile : public Bench {
@@ -148,3 +150,5 @@ TEST_F(DownloadedFile, NeedsItsSchema) {
 }
 
 }  // namespace
+
+}  // namespace gateway

@@ -12,6 +12,8 @@
 #include "Bench.h"
 #include "FileLock.h"
 
+namespace gateway {
+
 namespace {
 
 class Interrupted : public Bench {
@@ -227,3 +229,5 @@ TEST_F(Interrupted, IsNotByASignalToAll) {
 }
 
 }  // namespace
+
+}  // namespace gateway

@@ -10,6 +10,8 @@
 #include "SharedStatus.h"
 #include "TemporaryFolder.h"
 
+namespace gateway {
+
 namespace {
 
 constexpr std::int64_t cSecond = 1000;
@@ -130,3 +132,5 @@ TEST_P(KeptStatus, IsWrittenWithItsTime) {
 }
 
 }  // namespace
+
+}  // namespace gateway

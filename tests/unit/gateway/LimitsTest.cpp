@@ -3,6 +3,8 @@
 
 #include "Settings.h"
 
+namespace gateway {
+
 namespace {
 
 using std::chrono::hours;
@@ -28,3 +30,5 @@ TEST(Limits, AreThoseOfTheManual) {
 }
 
 }  // namespace
+
+}  // namespace gateway

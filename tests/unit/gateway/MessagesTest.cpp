@@ -7,6 +7,8 @@
 #include "Bench.h"
 #include "FileLock.h"
 
+namespace gateway {
+
 namespace {
 
 class Told : public Bench {
@@ -177,3 +179,5 @@ TEST_F(Told, IsWhyATableWasNotSent) {
 }
 
 }  // namespace
+
+}  // namespace gateway

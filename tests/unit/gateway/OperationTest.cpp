@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+namespace gateway {
+
 namespace {
 
 struct Row {
@@ -51,3 +53,5 @@ TEST(Operation, OfADownloadHasTheReportOfItsTable) {
 }
 
 }  // namespace
+
+}  // namespace gateway

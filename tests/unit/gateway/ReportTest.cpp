@@ -1,6 +1,8 @@
 // Requests for reports: paths, methods, settings, output.
 #include "Bench.h"
 
+namespace gateway {
+
 namespace {
 
 class ReportRequest : public Bench {};
@@ -128,3 +130,5 @@ TEST_F(ReportRequest, IsNotHeldUpByAToolThatHangs) {
 }
 
 }  // namespace
+
+}  // namespace gateway

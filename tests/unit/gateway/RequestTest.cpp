@@ -1,6 +1,8 @@
 // The headers that a command needs, and the answers if they are missing or wrong.
 #include "Bench.h"
 
+namespace gateway {
+
 namespace {
 
 class CommandHeaders : public Bench {
@@ -259,3 +261,5 @@ TEST_F(CommandHeaders, AreLookedAtFromWhoToWhat) {
 }
 
 }  // namespace
+
+}  // namespace gateway

@@ -10,6 +10,8 @@
 #include "Bench.h"
 #include "FileLock.h"
 
+namespace gateway {
+
 namespace {
 
 class SharedStatus : public Bench {
@@ -166,3 +168,5 @@ TEST_F(SharedStatus, IsNotFollowedElsewhere) {
 }
 
 }  // namespace
+
+}  // namespace gateway

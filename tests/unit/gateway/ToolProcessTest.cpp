@@ -11,6 +11,8 @@
 
 #include "Bench.h"
 
+namespace gateway {
+
 namespace {
 
 constexpr std::chrono::milliseconds cShort{30};
@@ -223,3 +225,5 @@ TEST_F(ToolRun, OfAReportEndsWithTheGateway) {
 }
 
 }  // namespace
+
+}  // namespace gateway

@@ -3,6 +3,8 @@
 
 #include "Bench.h"
 
+namespace gateway {
+
 namespace {
 
 Answer configuration(const std::string& aBody) {
@@ -96,3 +98,5 @@ TEST_F(UnitsRequest, HasThemInTheConfigurationOnly) {
 }
 
 }  // namespace
+
+}  // namespace gateway

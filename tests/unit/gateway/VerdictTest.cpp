@@ -5,6 +5,8 @@
 
 #include "Bench.h"
 
+namespace gateway {
+
 namespace {
 
 constexpr char cInverted[] = R"({"ErrorCode": 0, "Msg": "Refused"})";
@@ -245,3 +247,5 @@ TEST(VerdictOfTheTool, FollowsTheEndOfTheRun) {
 }
 
 }  // namespace
+
+}  // namespace gateway
