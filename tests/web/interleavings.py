@@ -9,6 +9,7 @@ import time
 from collections import Counter
 from collections.abc import Callable, Iterable
 from dataclasses import dataclass, field
+from pathlib import Path
 from typing import Any
 
 from processes import Tree
@@ -31,6 +32,26 @@ SHORT: list[Command] = [
 ]
 
 
+class JournalFile:
+    """The lines that a controller appends to its journal file; it keeps only the last ones itself."""
+
+    def __init__(self, path: Path) -> None:
+        self._file = path.open("rb")
+        self._rest = b""
+        self._lines: list[Line] = []
+        self._turn = threading.Lock()
+
+    def lines(self) -> list[Line]:
+        """All lines so far, oldest first."""
+        with self._turn:
+            *complete, self._rest = (self._rest + self._file.read()).split(b"\n")
+            self._lines += map(json.loads, complete)
+            return self._lines
+
+    def close(self) -> None:
+        self._file.close()
+
+
 @dataclass
 class Result:
     """What was observed, over any number of interleavings."""
@@ -44,24 +65,31 @@ class Interleaving:
     """One interleaving; the number of calls seen by the instrument triggers its actions."""
 
     def __init__(
-        self, seed: int, controller: Simulator, server: WebServer, tables: list[Command]
+        self,
+        seed: int,
+        controller: Simulator,
+        journal: JournalFile,
+        server: WebServer,
+        tables: list[Command],
     ) -> None:
+        """`tables`: the downloads to choose from."""
         self._random = random.Random(seed)
         self._controller = controller
+        self._journal = journal
         self._server = server
         self._tables = tables
-        self._first = len(controller.journal())
+        self._first = len(journal.lines())
         self._logged = len(server.log())
         self._over = threading.Event()
         self.result = Result()
 
     def _calls(self) -> list[Line]:
-        return self._controller.journal()[self._first :]
+        return self._journal.lines()[self._first :]
 
     def _wait_for_calls(self, count: int) -> None:
         """Waits for this many calls, or until everything is over."""
         deadline = time.monotonic() + LIMIT
-        while len(self._calls()) < count and not self._over.wait(0.001):
+        while len(self._journal.lines()) - self._first < count and not self._over.wait(0.001):
             assert time.monotonic() < deadline
 
     def _give(self, command: Command, after: int, vanishes: bool) -> None:
