@@ -31,3 +31,6 @@ target_link_libraries(gc-sim PRIVATE gc_options gc_server gc_remote_control CLI1
 
 add_executable(gc-simctl gc-simctl.cpp)
 target_link_libraries(gc-simctl PRIVATE gc_options gc_remote_control gc_json CLI11::CLI11)
+
+set_property(SOURCE gc-sim.cpp gc-simctl.cpp APPEND PROPERTY
+  COMPILE_DEFINITIONS GC_WEB_VERSION="${PROJECT_VERSION}")

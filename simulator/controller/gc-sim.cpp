@@ -42,6 +42,7 @@ int run(int argc, char* argv[]) {
   Simulation simulation;
 
   CLI::App app("A simulated gas chromatograph controller", "gc-sim");
+  app.set_version_flag("--version", "gc-sim " GC_WEB_VERSION, "Print the version and exit");
   app.add_option("--listen", address, "Loopback address to listen on")->check(checkLoopback);
   app.add_option("--scenario", scenario, "Name of a shipped scenario, or a file");
   app.add_option("--seed", simulation.seed, "Seed of the noise in the measured values");

@@ -177,6 +177,7 @@ int run(int argc, char* argv[]) {
   std::string control;
   Request request;
   CLI::App app("The remote control of a simulated controller", "gc-simctl");
+  app.set_version_flag("--version", "gc-simctl " GC_WEB_VERSION, "Print the version and exit");
   app.add_option("--listen", address, "Address that the controller listens on");
   app.add_option("--control", control, "Unix socket that it was started with");
   app.require_subcommand(1);

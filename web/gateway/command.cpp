@@ -6,6 +6,7 @@
 
 #include "Answer.h"
 #include "CommandAnswer.h"
+#include "Version.h"
 
 namespace {
 
@@ -18,7 +19,10 @@ void sendAndClose(const std::string& aRendered) {
 
 }  // namespace
 
-int main() {
+int main(int argc, char* argv[]) {
+  if (gateway::isAskedForVersion(argc, argv)) {
+    return gateway::printVersion("command");
+  }
   std::signal(SIGPIPE, SIG_IGN);
   cgicc::CgiInput input;
   gateway::answerCommand(input, gateway::Limits(), sendAndClose);

@@ -5,8 +5,12 @@
 
 #include "Answer.h"
 #include "ReportAnswer.h"
+#include "Version.h"
 
-int main() {
+int main(int argc, char* argv[]) {
+  if (gateway::isAskedForVersion(argc, argv)) {
+    return gateway::printVersion("report");
+  }
   std::signal(SIGPIPE, SIG_IGN);
   cgicc::CgiInput input;
   gateway::send(STDOUT_FILENO, gateway::answerReport(input, gateway::Limits()));
