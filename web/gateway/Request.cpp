@@ -119,10 +119,6 @@ unsigned long lengthOf(cgicc::CgiInput& input) {
   return std::strtoul(input.getenv("CONTENT_LENGTH").c_str(), nullptr, 10);
 }
 
-bool isShortEnough(cgicc::CgiInput& input) {
-  return lengthOf(input) <= cLargestBody;
-}
-
 struct CheckRow {
   bool (*isGood)(cgicc::CgiInput& input);
   int status;
@@ -142,7 +138,6 @@ constexpr CheckRow cChecks[] = {
     {isFromOwnPage, 403, "The Sec-Fetch-Site of a command must be same-origin."},
     {isJson, 415, "A command needs the Content-Type application/json, in UTF-8."},
     {hasLength, 411, "A command needs a Content-Length."},
-    {isShortEnough, 413, "The body is longer than 65536 octets."},
 };
 
 }  // namespace
@@ -162,6 +157,9 @@ std::optional<Answer> findHeaderFault(cgicc::CgiInput& input) {
     if (!row.isGood(input)) {
       return problem(row.status, row.detail);
     }
+  }
+  if (lengthOf(input) > cLargestBody) {
+    return problem(413, "The body is longer than " + std::to_string(cLargestBody) + " octets.");
   }
   return std::nullopt;
 }

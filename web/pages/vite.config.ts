@@ -15,11 +15,18 @@ function version(): string {
   return /project\(\w+ VERSION (\S+)/.exec(text)?.[1] ?? '0.0.0';
 }
 
+/** Octets of the longest body that the gateway accepts. */
+function longestBody(): number {
+  const file = new URL('../../docs/openapi.json', import.meta.url);
+  const { components } = JSON.parse(readFileSync(file, 'utf8'));
+  return components.responses.ContentTooLarge['x-octets'];
+}
+
 export default defineConfig({
   // Relative addresses: the pages work wherever the web server puts them.
   base: './',
   esbuild: { jsx: 'automatic', jsxImportSource: 'preact' },
-  define: { __VERSION__: JSON.stringify(version()) },
+  define: { __VERSION__: JSON.stringify(version()), __LONGEST_BODY__: String(longestBody()) },
   build: {
     outDir: '../../build/web/pages',
     emptyOutDir: true,

@@ -1,17 +1,12 @@
 // Tables as they were before downloads replaced them; the gateway keeps the last ones.
 import { getReport, type Fault } from './api';
+import type { BackupList } from './documents';
 import { readDocument } from './files';
 import type { Table } from './table';
 import type { TableKind } from './tables';
 
-export interface Backup {
-  /** Of the table in the gateway; never used again. */
-  number: number;
-  /** When it was read, just before it was replaced. */
-  time: string;
-  /** Who replaced it. */
-  user: string;
-}
+/** What is shown of a table; it is found by its `number`, which is never used again. */
+export type Backup = Pick<BackupList['backups'][number], 'number' | 'time' | 'user'>;
 
 export type Got<T> = { ok: true; value: T } | { ok: false; reason: string };
 
@@ -26,7 +21,7 @@ export function backupsOf(kind: TableKind, describe: (fault: Fault) => string): 
   const path = `/api/backups/${kind.name}`;
   return {
     list: async () => {
-      const answer = await getReport<{ backups: Backup[] }>(path, 'backups');
+      const answer = await getReport<BackupList>(path, 'backups');
       return answer.ok
         ? { ok: true, value: answer.value.backups }
         : { ok: false, reason: describe(answer.fault) };

@@ -1,5 +1,5 @@
 // Reading a file with a table, and saying in plain words what is wrong with one, and where.
-import { fileLimit } from './documents';
+import { fileLimit } from './limits';
 import { syntaxFaultOf } from './jsonPlace';
 import { problemsOf, type Problem } from './schema';
 import type { Table } from './table';

@@ -3,6 +3,8 @@ import { definitions } from '../../../docs/schemas/command-run.schema.json';
 import { properties as ofSequence } from '../../../docs/schemas/sequence.schema.json';
 import { properties as ofSolution } from '../../../docs/schemas/command-solution.schema.json';
 
+declare const __LONGEST_BODY__: number;
+
 /** The highest stream that a command or a line of the sequence may name. */
 export const lastStream = definitions.stream.maximum;
 
@@ -11,3 +13,6 @@ export const lastSlot = ofSolution.solution.maximum;
 
 /** How many lines a sequence has at most. */
 export const sequenceLines = ofSequence.rows.maxItems;
+
+/** The longest file that the gateway takes, in octets. */
+export const fileLimit = __LONGEST_BODY__;

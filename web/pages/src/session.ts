@@ -1,6 +1,7 @@
 // Who gives commands from this page, and of which version the web server's side is.
 import { signal } from '@preact/signals';
 import { getReport, sendCommand, type Answer } from './api';
+import type { About } from './documents';
 import { describeFault } from './faults';
 import { say } from './notices';
 
@@ -71,10 +72,6 @@ export async function signOut(): Promise<void> {
           text: `Sign out: ${answer.ok ? 'the web server did not do it.' : describeFault(answer.fault)} Close the browser to be signed out.`,
         },
   );
-}
-
-interface About {
-  version: string;
 }
 
 /** The version of the web server's side. */

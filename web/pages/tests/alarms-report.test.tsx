@@ -11,7 +11,7 @@ import {
   watchAlarms,
 } from '../src/alarms';
 import { ActiveAlarms } from '../src/components/ActiveAlarms';
-import type { Alarms } from '../src/documents';
+import type { Alarm, Alarms } from '../src/documents';
 import { load, statusWith } from './documents';
 import { settle, show, textOf, textsOf } from './dom';
 import type { Gateway } from './gateway';
@@ -133,7 +133,7 @@ describe('a name', () => {
     ['2. NORM Amounts', '-1. n. 5. x', 'NORM Amounts: n. 5. x'],
     ['Unknown', '3.4', 'Unknown: 3.4'],
   ])('of %s and %s', (GroupStr, ParamStr, name) => {
-    expect(nameOf({ ...table.rows![0]!, GroupStr, ParamStr })).toBe(name);
+    expect(nameOf({ ...table.rows![0]!, GroupStr, ParamStr } as Alarm)).toBe(name);
   });
 });
 

@@ -203,11 +203,11 @@ describe('the reset', () => {
   });
 
   it('asks, and names what will be reset', async () => {
-    const odd: Alarm[] = [
+    const odd = [
       { ...example.rows![0]!, GroupStr: '-1. Odd', ParamStr: '--', Triggered: true },
       { ...example.rows![0]!, GroupStr: '3. Same', ParamStr: '0. Same', Triggered: true },
       { ...example.rows![0]!, GroupStr: 'Peak 10. A', ParamStr: '12. B', Triggered: true },
-    ];
+    ] as unknown as Alarm[];
     await open({ total: 4, rows: [...withActive(3).rows!.slice(3, 4), ...odd] });
     expect(reasonOf('Reset all alarms…')).toBe('');
     await press('Reset all alarms…');

@@ -152,7 +152,9 @@ describe('interrupted commands', () => {
   const begun = (id: string, ...command: string[]) => ({
     time: 'yesterday',
     id,
+    event: 'begun' as const,
     user: 'anna',
+    address: '192.0.2.9',
     command,
   });
   const at = (): string[] => textsOf('[data-testid=interruptions] p .text');

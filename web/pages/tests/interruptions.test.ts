@@ -4,7 +4,9 @@ import { describeInterruption } from '../src/interruptions';
 const begun = (...command: string[]) => ({
   time: '2026-11-21T07:31:35Z',
   id: '5d1f0c2b9a7e4836',
+  event: 'begun' as const,
   user: 'anna',
+  address: '192.0.2.9',
   command,
 });
 const when = new Date('2026-11-21T07:31:35Z').toLocaleString();

@@ -94,7 +94,7 @@ describe('the way of the gas', () => {
 
   it('is quiet about a channel that is disabled', () => {
     const Channel1 = channelWith({ TCD: { Auto_zero: 0, State: 'Off', Calibrated: 'X' } });
-    const disabled = { ...exampleConfiguration.Channel1, Disabled: true, Gas: 'Unknown' };
+    const disabled = { ...exampleConfiguration.Channel1, Disabled: true, Gas: 'Unknown' as const };
     const [branch] = model({ Channel1 }, configurationWith({ Channel1: disabled })).branches;
     expect(branch).toMatchObject({ isDisabled: true, note: 'Porous polymer, 10 m, disabled' });
     expect(branch!.parts.flatMap(({ readings }) => readings.map(({ level }) => level))).toEqual(

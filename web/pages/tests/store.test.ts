@@ -661,7 +661,9 @@ describe('commands that were interrupted', () => {
   const begun = (id: string) => ({
     time: '2026-11-21T07:31:35Z',
     id,
+    event: 'begun' as const,
     user: 'anna',
+    address: '192.0.2.9',
     command: ['-P'],
   });
   const tell = (...ids: string[]): void => {

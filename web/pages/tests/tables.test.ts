@@ -1,7 +1,7 @@
 import { describe, expect, it } from 'vitest';
 import { readFile } from '../src/files';
 import { calibrationKind, sequenceKind } from '../src/tables';
-import { fileLimit } from '../src/documents';
+import { fileLimit } from '../src/limits';
 import type { Configuration } from '../src/documents';
 import { cellProblem, type Column } from '../src/table';
 import { load } from './documents';
