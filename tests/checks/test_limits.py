@@ -56,6 +56,10 @@ LIMITS: dict[str, dict[tuple[str, str], int]] = {
         ("simulator/scenarios/scenario.schema.json", "/properties/alarms/maxItems"): 0,
         (f"{MODEL}/Parameters.h", r"cAlarmRows = (\d+);"): 0,
     },
+    "earlier tables": {
+        ("web/gateway/Backups.h", r"cMostBackups = (\d+);"): 0,
+        ("docs/schemas/backups.schema.json", "/properties/backups/maxItems"): 0,
+    },
     "octets of a body": {
         ("web/gateway/Request.cpp", r"cLargestBody = (\d+);"): 0,
         ("docs/openapi.json", "/components/responses/ContentTooLarge/description"): 0,

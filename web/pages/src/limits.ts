@@ -1,4 +1,5 @@
 // Limits of the gateway's interface, from its description.
+import { properties as ofBackups } from '../../../docs/schemas/backups.schema.json';
 import { definitions } from '../../../docs/schemas/command-run.schema.json';
 import { properties as ofSequence } from '../../../docs/schemas/sequence.schema.json';
 import { properties as ofSolution } from '../../../docs/schemas/command-solution.schema.json';
@@ -13,6 +14,9 @@ export const lastSlot = ofSolution.solution.maximum;
 
 /** How many lines a sequence has at most. */
 export const sequenceLines = ofSequence.rows.maxItems;
+
+/** How many earlier tables of each kind the gateway keeps. */
+export const keptBackups = ofBackups.backups.maxItems;
 
 /** The longest file that the gateway takes, in octets. */
 export const fileLimit = __LONGEST_BODY__;

@@ -3,6 +3,7 @@ import { useEffect, useState } from 'preact/hooks';
 import { backupName, type Backup, type Got } from '../backups';
 import { isEmptyDiff, type TableDiff } from '../diff';
 import type { Editor } from '../editor';
+import { keptBackups } from '../limits';
 import type { Table } from '../table';
 import { Dialog } from './Dialog';
 import { DiffTable, type ExtraColumn } from './DiffTable';
@@ -115,8 +116,8 @@ export function EarlierTables({ editor, extra, onClose }: Props) {
   return (
     <Dialog title={`Earlier tables: ${editor.kind.name}`} onClose={onClose} actions={actions}>
       <p>
-        As the instrument had them before they were replaced from here. The gateway keeps the last
-        20. A difference is what sending that table would change now.
+        As the instrument had them before they were replaced from here. The gateway keeps the last{' '}
+        {keptBackups}. A difference is what sending that table would change now.
       </p>
       <div role="status" data-testid="earlier">
         {!list && <p>Reading the list.</p>}
