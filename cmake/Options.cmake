@@ -38,16 +38,12 @@ if(NOT GC_SANITIZE AND
   target_compile_options(gc_options INTERFACE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -Wno-unused-result)
 endif()
 
-# For programs without shared libraries. The sanitizers need shared ones; not every processor's C library
-# supports static programs at random addresses.
-include(CheckLinkerFlag)
-check_linker_flag(CXX -static-pie GC_CAN_STATIC_PIE)
+# For programs that start often: they share the C library only (docs/decisions/0018). The sanitizers need a
+# shared runtime.
 if(GC_SANITIZE)
-  set(GC_STATIC "")
-elseif(GC_CAN_STATIC_PIE)
-  set(GC_STATIC -static-pie)
+  set(GC_STATIC_RUNTIME "")
 else()
-  set(GC_STATIC -static)
+  set(GC_STATIC_RUNTIME -static-libstdc++ -static-libgcc)
 endif()
 
 # Compiled once for all clones of the project on this machine: paths are relative to the clone.

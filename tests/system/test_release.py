@@ -48,9 +48,18 @@ def installed(bin_dir: Path, tmp_path_factory: pytest.TempPathFactory) -> Path:
     return prefix
 
 
-def test_only_the_tool_is_installed(installed: Path) -> None:
+def test_no_stand_in_is_installed(installed: Path) -> None:
     files = [path.relative_to(installed) for path in installed.rglob("*") if path.is_file()]
-    assert files == [Path("bin/GC_Web")]
+    assert Path("bin/GC_Web") in files and Path("share/man/man1/GC_Web.1") in files
+    assert [path for path in files if re.search(r"gc-?(sim|client|platform|error)", path.name)] == []
+
+
+@pytest.mark.parametrize("program", ["report", "command"])
+def test_the_gateway_needs_only_the_c_library(bin_dir: Path, program: str) -> None:
+    dynamic = run("readelf", "-dW", bin_dir.parent / "web" / program)
+    needed = re.findall(r"\(NEEDED\) .*\[(.*)\]", dynamic)
+    # The runtime asks the loader itself for its variables of each thread.
+    assert [name for name in needed if not name.startswith("ld-linux")] == ["libc.so.6"]
 
 
 def test_the_loader_has_little_to_do(installed: Path) -> None:
