@@ -20,11 +20,7 @@ LIMITS: dict[str, dict[tuple[str, str], int]] = {
         ("docs/schemas/command-run.schema.json", "/definitions/stream/maximum"): 0,
         ("docs/schemas/command-stream.schema.json", "/definitions/stream/maximum"): 0,
         ("simulator/scenarios/scenario.schema.json", "/definitions/stream/maximum"): 0,
-        (f"{MODEL}/Parameters.cpp", r"eStreamNr, .*, 0, (\d+)}"): 0,
-        (f"{MODEL}/Parameters.cpp", r"eStreamMaxNr, .*, 0, (\d+)}"): 0,
-        (f"{MODEL}/Parameters.cpp", r"eCurrentStream, .*, 0, (\d+)}"): 0,
-        (f"{MODEL}/Parameters.cpp", r"eStartStream, .*, 0, (\d+)}"): 0,
-        (f"{MODEL}/Parameters.cpp", r"eLineStream, .*, 0, (\d+), eSequence}"): 0,
+        (f"{MODEL}/Parameters.cpp", r"cHighestStream = (\d+);"): 0,
     },
     "slots of solutions": {
         ("Source/CommandLine.cpp", r"cHighestSlot = (\d+);"): 0,

@@ -11,6 +11,7 @@ namespace simulator::model {
 namespace {
 
 constexpr double cIntMax = 2147483647;
+constexpr double cHighestStream = 46;
 
 constexpr auto eSingle = eSpan::eSingle;
 constexpr auto eByChannel = eSpan::eByChannel;
@@ -49,7 +50,7 @@ constexpr ParameterRow cRows[] = {
     {eParam::eAutoState, 138, 0, eSingle, "mAutoState", eInteger, eComputed, "", 0, 6},
     {eParam::eExtReady, 131, 0, eSingle, "mExtReady", eInteger, eReadOnly, "", 0, 1},
     {eParam::eGcState, 102, 0, eSingle, "mGC_State", eInteger, eComputed, "", 0, 10},
-    {eParam::eCurrentStream, 58, 0, eSingle, "mCurrentStream", eInteger, eReadOnly, "", 0, 46},
+    {eParam::eCurrentStream, 58, 0, eSingle, "mCurrentStream", eInteger, eReadOnly, "", 0, cHighestStream},
     {eParam::eErrorStatus, 132, 0, eSingle, "mGC_Error_Status", eInteger, eReadOnly, "", 0, 65535},
     {eParam::eCurRunTime, 161, 0, eSingle, "mGC_CurRunTime", eInteger, eComputed, "s", 0, 3600},
     {eParam::eFlushingStream, 134, 0, eSingle, "mGC_FlushingStream", eReal, eComputed, "min", 0, 60},
@@ -66,25 +67,25 @@ constexpr ParameterRow cRows[] = {
     // What the instrument is made of.
     {eParam::eInstSerial, 601, 0, eSingle, "mInstSerial", eInteger, eReadOnly, "", 0, cIntMax},
     {eParam::eStreamConfigured, 525, 0, eSingle, "mStreamConfigured", eInteger, eReadOnly, "", 0, 1},
-    {eParam::eStreamMaxNr, 524, 0, eSingle, "mStreamMaxNr", eInteger, eReadOnly, "", 0, 46},
+    {eParam::eStreamMaxNr, 524, 0, eSingle, "mStreamMaxNr", eInteger, eReadOnly, "", 0, cHighestStream},
     {eParam::eModuleSerial, 826, 1, eByChannel, "mAM_SerialNumber", eInteger, eReadOnly, "", 0, cIntMax},
     {eParam::eModulePartNumber, 827, 1, eByChannel, "mAM_PN", eInteger, eReadOnly, "", 0, cIntMax},
     {eParam::eCarrierGas, 201, 1, eByChannel, "mCarrierGas", eInteger, eReadOnly, "", 0, 3},
     // The run that the next start is to make; valve and solutions.
     {eParam::eStartRunType, 60, 0, eSingle, "mStartRunType", eInteger, eReadWrite, "", 0, 3},
     {eParam::eStartLevel, 61, 0, eSingle, "mLevel", eInteger, eReadWrite, "", 0, 7},
-    {eParam::eStartStream, 62, 0, eSingle, "mStream", eInteger, eReadWrite, "", 0, 46},
+    {eParam::eStartStream, 62, 0, eSingle, "mStream", eInteger, eReadWrite, "", 0, cHighestStream},
     {eParam::eStartCalibType, 75, 0, eSingle, "mRFCalibType", eInteger, eReadWrite, "", 0, 3},
     {eParam::eStartReplicates, 73, 0, eSingle, "mReplicate", eInteger, eReadWrite, "", 0, 99},
     {eParam::eStartReplicate, 74, 0, eSingle, "mCurrentReplicate", eInteger, eReadWrite, "", 0, 99},
-    {eParam::eStreamNr, 39, 0, eSingle, "mStreamNr", eInteger, eReadWrite, "", 0, 46},
+    {eParam::eStreamNr, 39, 0, eSingle, "mStreamNr", eInteger, eReadWrite, "", 0, cHighestStream},
     {eParam::eSlotNr, 1003, 0, eSingle, "mSlotNr", eInteger, eReadWrite, "", 0, 1, eSlots},
     // The automation sequence. Solutions belong to channel 1, everything else to the instrument.
     {eParam::eTableRepeat, 15, 0, eSingle, "mTableRepeat", eInteger, eReadWrite, "", 0, 999},
     {eParam::eTotalLines, 144, 0, eSingle, "mTotalLines", eInteger, eReadOnly, "", 0, 20},
     {eParam::eLineRunType, 23, 0, eSingle, "mRunType", eInteger, eReadWrite, "", 0, 3, eSequence},
     {eParam::eLineRepeat, 24, 0, eSingle, "mRepeat", eInteger, eReadWrite, "", 0, 999, eSequence},
-    {eParam::eLineStream, 22, 0, eSingle, "mStream", eInteger, eReadWrite, "", 0, 46, eSequence},
+    {eParam::eLineStream, 22, 0, eSingle, "mStream", eInteger, eReadWrite, "", 0, cHighestStream, eSequence},
     {eParam::eLineCalib, 25, 0, eSingle, "mCalib", eInteger, eReadWrite, "", 0, 1, eSequence},
     {eParam::eLineSolution, 1010, 1, eSingle, "mSolution", eInteger, eReadWrite, "", 0, 10, eSequence},
     {eParam::eLineFlushTime, 26, 0, eSingle, "mFlushTime", eReal, eReadWrite, "min", 0, 60, eSequence},

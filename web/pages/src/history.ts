@@ -14,18 +14,19 @@ export class History {
   private readonly series = new Map<string, Float64Array>();
   private begin = 0;
   private count = 0;
-  private newest: number | undefined;
 
   constructor(private readonly capacity: number) {
     this.times = new Float64Array(capacity);
   }
 
-  /** Adds a sample; `time` is in seconds and never less than the last one's. */
+  /** Adds a sample; `time` is in seconds, by a clock that people may set. */
   add(time: number, values: ReadonlyMap<string, Real>): void {
-    const last = this.newest ?? time;
-    this.newest = time;
-    if (time - last > longestGap) {
-      this.append((last + time) / 2, new Map());
+    // After the clock was set back, samples of the future would stand in the way of the new ones.
+    while (this.count > 0 && this.lastTime() > time) {
+      this.count--;
+    }
+    if (this.count > 0 && time - this.lastTime() > longestGap) {
+      this.append((this.lastTime() + time) / 2, new Map());
     }
     this.append(time, values);
     while (this.times[this.begin]! < time - historySeconds) {
@@ -88,6 +89,10 @@ export class History {
 
   private allTimes(): number[] {
     return this.places().map((place) => this.times[place]!);
+  }
+
+  private lastTime(): number {
+    return this.times[this.place(this.count - 1)]!;
   }
 
   private place(index: number): number {

@@ -53,6 +53,19 @@ describe('history', () => {
     expect(history.points('a')).toEqual({ times: [3, 4, 5], values: [30, 40, 50] });
   });
 
+  it('drops what a clock that was set back has still to come to', () => {
+    const history = new History(6);
+    for (const time of [1, 2, 3, 4]) {
+      history.add(time, sample(time));
+    }
+    history.add(2.5, sample(9));
+    expect(history.points('a')).toEqual({ times: [1, 2, 2.5], values: [1, 2, 9] });
+    history.add(3, sample(10));
+    history.add(-100, sample(11));
+    history.add(-99, sample(12));
+    expect(history.points('a')).toEqual({ times: [-100, -99], values: [11, 12] });
+  });
+
   it('overwrites every series, present in the sample or not', () => {
     const history = new History(2);
     history.add(1, sample(1));
