@@ -4,13 +4,6 @@
 #include "Common.h"
 #include "GC_Web.h"
 
-namespace {
-
-// The command line has no option for it: `strings GC_Web | grep GC_Web` shows the version.
-[[gnu::used]] constexpr char cVersion[] = "GC_Web " GC_WEB_VERSION;
-
-}  // namespace
-
 int main(int argc, char* argv[]) {
   ParameterMap lMap(128);
   Request request;
