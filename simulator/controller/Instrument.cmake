@@ -22,6 +22,12 @@ add_library(gc_instrument STATIC
   model/StoredValues.cpp
   model/Tables.cpp)
 target_include_directories(gc_instrument PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
-target_compile_definitions(gc_instrument PRIVATE
-  GC_SCENARIO_DIR="${PROJECT_SOURCE_DIR}/simulator/scenarios")
+# The programs find the scenarios at the same place in a build as in an installation.
+set(scenarios share/gc-web-demo/scenarios)
+target_compile_definitions(gc_instrument PRIVATE GC_SCENARIO_DIR="${scenarios}")
+cmake_path(GET scenarios PARENT_PATH parent)
+file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/${parent})
+file(CREATE_LINK ${PROJECT_SOURCE_DIR}/simulator/scenarios ${CMAKE_BINARY_DIR}/${scenarios} SYMBOLIC)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/simulator/scenarios/ DESTINATION ${scenarios}
+  COMPONENT demo FILES_MATCHING PATTERN *.json)
 target_link_libraries(gc_instrument PUBLIC gc_wire gc_json rapidjson ACE::ACE PRIVATE gc_options)

@@ -6,8 +6,10 @@
 #include <rapidjson/pointer.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <set>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -20,13 +22,21 @@ namespace {
 
 constexpr std::size_t cLargestFile = 1024UL * 1024UL;
 
+/// Path of a shipped file. Programs are in bin/ beside it, in the build folder and wherever they
+/// are installed.
+std::string shipped(const std::string& aFile) {
+  std::error_code none;
+  const auto program = std::filesystem::read_symlink("/proc/self/exe", none);
+  return program.parent_path().parent_path() / GC_SCENARIO_DIR / aFile;
+}
+
 std::string pathOf(const std::string& aNameOrPath) {
   const std::string suffix = ".json";
   const bool isName =
       aNameOrPath.find('/') == std::string::npos &&
       (aNameOrPath.size() < suffix.size() ||
        aNameOrPath.compare(aNameOrPath.size() - suffix.size(), suffix.size(), suffix) != 0);
-  return isName ? std::string(GC_SCENARIO_DIR "/") + aNameOrPath + suffix : aNameOrPath;
+  return isName ? shipped(aNameOrPath + suffix) : aNameOrPath;
 }
 
 /// Fills `fault` with the pointer and reason of what is wrong, and returns false.
@@ -150,7 +160,7 @@ bool isFit(rapidjson::Document& document, const rapidjson::Document& aSchema, st
 }  // namespace
 
 bool loadScenario(const std::string& aNameOrPath, Scenario& scenario, std::string& error) {
-  const std::string schemaPath = GC_SCENARIO_DIR "/scenario.schema.json";
+  const std::string schemaPath = shipped("scenario.schema.json");
   rapidjson::Document schema;
   std::string fault;
   if (!readJson(schemaPath, schema, fault)) {

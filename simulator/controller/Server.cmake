@@ -34,3 +34,5 @@ target_link_libraries(gc-simctl PRIVATE gc_options gc_remote_control gc_json CLI
 
 set_property(SOURCE gc-sim.cpp gc-simctl.cpp APPEND PROPERTY
   COMPILE_DEFINITIONS GC_WEB_VERSION="${PROJECT_VERSION}")
+
+install(TARGETS gc-sim gc-simctl RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT demo)

@@ -6,7 +6,7 @@ import { send } from './support/tables.js';
 const browserTest = browserTests('--no-passwords');
 const expected = [/403/];
 const refusal =
-  'You are not allowed to do this. Nothing was done. Forbidden: Commands are off until a password is set (set-password) and asked for (login.conf).';
+  'You are not allowed to do this. Nothing was done. Forbidden: Commands are off until a password is set (gc-web-password).';
 
 browserTest('somebody who signs in', { expected }, async (page) => {
   await button(page, 'Sign in').click();

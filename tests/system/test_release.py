@@ -44,7 +44,7 @@ def installed(bin_dir: Path, tmp_path_factory: pytest.TempPathFactory) -> Path:
         fcntl.flock(lock, fcntl.LOCK_EX)
         assert configure(bin_dir, build, list(LIBRARIES)).returncode == 0
         run("cmake", "--build", build)
-        run("cmake", "--install", build, "--prefix", prefix)
+        run("cmake", "--install", build, "--prefix", prefix, "--component", "tool")
     return prefix
 
 

@@ -190,7 +190,7 @@ class WebServer:
         self.pages = folder / "pages"
         self.logs = folder / "logs"
         self.log_path = self.logs / "commands.log"
-        for part in (self.state, self.data, self.logs, self.pages / "assets"):
+        for part in (self.state, self.data, folder / "cache", self.logs, self.pages / "assets"):
             part.mkdir(parents=True)
         (self.pages / "index.html").write_text("<!doctype html>")
         (self.pages / "assets" / "index-Ab12.js").write_text("// " + 1000 * "x")
@@ -202,6 +202,7 @@ class WebServer:
             "instrument": instrument,
             "state": self.state,
             "data": self.data,
+            "cache": folder / "cache",
             "logs": self.logs,
             "scripts": scripts,
             "libraries": libraries,

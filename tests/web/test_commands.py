@@ -245,7 +245,7 @@ def test_nobody_may_act(untouched: str, start_server: StartServer) -> None:
         answer = stranger.command("POST", "alarm-reset", {}, **claim)
         detail = answer.expect_problem(403)["detail"]
         assert detail == (
-            "Commands are off until a password is set (set-password) and asked for (login.conf)."
+            "Commands are off until a password is set (gc-web-password)."
         )
     assert server.commands() == []
 
@@ -267,7 +267,7 @@ def test_password_that_is_set(
     simulator()
     server = start_server()
     passwords = folder / "passwords"
-    script = [str(CONFIGURATION / "set-password"), str(passwords)]
+    script = [str(CONFIGURATION / "gc-web-password"), "--file", str(passwords)]
     for user, password in (("anna", "1"), ("operator", "new word"), ("anna", "é: '\"\\")):
         done = subprocess.run([*script, user], input=f"{password}\n".encode(), check=True)
         assert done.stdout is None

@@ -173,12 +173,15 @@ def test_encrypted(simulator: StartSimulator, start_server: StartServer, folder:
     """Over HTTP there is only the redirect to HTTPS; the Origin of a command must be of HTTPS."""
     address = simulator().address
     pem, port = folder / "server.pem", WEB_PORT + 1
-    subprocess.run([CONFIGURATION / "set-certificate", pem, address], check=True)
-    settings = (CONFIGURATION / "tls.conf").read_text(encoding="utf-8")
-    (folder / "tls.conf").write_text(settings.replace(":443", f"{address}:{port}"))
-    start_server(f'var.certificate = "{pem}"', f'include "{folder}/tls.conf"')
-    moved = Browser(address).get("/api/status?x", Host="gc.example")
-    assert (moved.status, moved.headers["Location"]) == (301, "https://gc.example/api/status?x")
+    subprocess.run([CONFIGURATION / "gc-web-certificate", "--file", pem, address], check=True)
+    settings = {"certificate": f'"{pem}"', "address": f'"{address}"', "https_port": port}
+    lines = [f"var.{name} = {value}" for name, value in settings.items()]
+    start_server(*lines, f'include "{CONFIGURATION}/tls.conf"')
+    for host in ("gc.example", address):
+        for authority in (host, f"{host}:{WEB_PORT}"):
+            moved = Browser(address).get("/api/status?x", Host=authority)
+            there = f"https://{host}:{port}/api/status?x"
+            assert (moved.status, moved.headers["Location"]) == (301, there)
     unsafe = Browser(address).request("POST", "/api/command/alarm-reset", b"{}", HEADERS)
     assert unsafe.status == 301
 

@@ -10,8 +10,8 @@ import pytest
 from server import CONFIGURATION, REALM, WebServer, digest
 
 HERE = Path(__file__).parent
-SET_PASSWORD = CONFIGURATION / "set-password"
-SET_CERTIFICATE = CONFIGURATION / "set-certificate"
+SET_PASSWORD = CONFIGURATION / "gc-web-password"
+SET_CERTIFICATE = CONFIGURATION / "gc-web-certificate"
 
 
 def test_gate() -> None:
@@ -26,7 +26,7 @@ def set_password(
     file: Path, user: str, password: str | bytes
 ) -> subprocess.CompletedProcess[bytes]:
     octets = password if isinstance(password, bytes) else password.encode()
-    command = [SET_PASSWORD, file, user]
+    command = [SET_PASSWORD, "--file", file, user]
     return subprocess.run(command, input=octets + b"\n", capture_output=True)
 
 
@@ -125,7 +125,7 @@ def test_mode_and_link_of_passwords_stay(folder: Path) -> None:
 def test_place_where_no_file_can_be(folder: Path, file: str, words: str) -> None:
     for done in (
         set_password(folder / file, "anna", "x"),
-        subprocess.run([SET_CERTIFICATE, folder / file, "gc"], capture_output=True),
+        subprocess.run([SET_CERTIFICATE, "--file", folder / file, "gc"], capture_output=True),
     ):
         assert done.returncode == 1
         assert words in complaint(done)
@@ -133,7 +133,7 @@ def test_place_where_no_file_can_be(folder: Path, file: str, words: str) -> None
 
 
 def set_certificate(file: Path, *arguments: str | Path) -> subprocess.CompletedProcess[bytes]:
-    return subprocess.run([SET_CERTIFICATE, file, *arguments], capture_output=True)
+    return subprocess.run([SET_CERTIFICATE, "--file", file, *arguments], capture_output=True)
 
 
 def test_certificate(folder: Path) -> None:
@@ -168,7 +168,7 @@ def test_key_is_never_readable(folder: Path) -> None:
     file.write_text("old")
     file.chmod(0o640)
     script = f'umask 0; exec strace -f -e trace=openat,open,creat -o "{folder}/trace" "$@"'
-    command = ["sh", "-c", script, "sh", SET_CERTIFICATE, file, "gc.example"]
+    command = ["sh", "-c", script, "sh", SET_CERTIFICATE, "--file", file, "gc.example"]
     subprocess.run(command, check=True, capture_output=True)
     trace = (folder / "trace").read_text(encoding="utf-8")
     modes = re.findall(r'"[^"]*server\.pem[^"]*", [A-Z_|]*O_CREAT[A-Z_|]*, (0\d+)\) = \d', trace)

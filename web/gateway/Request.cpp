@@ -131,8 +131,7 @@ constexpr CheckRow cChecks[] = {
     {isOutOfOthersReach, 403,
      "Commands over plain HTTP are refused, because others on the network could read and replay "
      "them. Open this page over https:// (set up in tls.conf) or on the controller itself."},
-    {isUserKnown, 403,
-     "Commands are off until a password is set (set-password) and asked for (login.conf)."},
+    {isUserKnown, 403, "Commands are off until a password is set (gc-web-password)."},
     {isMarked, 403, "A command needs the header X-GC-Request: 1."},
     {isOwnOrigin, 403, "The Origin of a command must be this server."},
     {isFromOwnPage, 403, "The Sec-Fetch-Site of a command must be same-origin."},

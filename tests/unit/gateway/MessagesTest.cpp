@@ -30,8 +30,7 @@ TEST_F(Told, IsWhatIsWrongWithARequest) {
       {"GC_WEB_PLAIN_HTTP_COMMANDS", "", 403,
        "Commands over plain HTTP are refused, because others on the network could read and replay "
        "them. Open this page over https:// (set up in tls.conf) or on the controller itself."},
-      {"REMOTE_USER", "", 403,
-       "Commands are off until a password is set (set-password) and asked for (login.conf)."},
+      {"REMOTE_USER", "", 403, "Commands are off until a password is set (gc-web-password)."},
       {"HTTP_X_GC_REQUEST", "", 403, "A command needs the header X-GC-Request: 1."},
       {"HTTP_ORIGIN", "http://evil.example", 403, "The Origin of a command must be this server."},
       {"HTTP_SEC_FETCH_SITE", "cross-site", 403,
