@@ -1,27 +1,14 @@
 """Reports of which some requested data did not arrive."""
 
 import copy
-import json
 from collections.abc import Mapping, Sequence
-from pathlib import Path
 from typing import Any
+
+from failures import TABLE
 
 Document = dict[str, Any]
 
-UNANSWERED = Path(__file__).parent / "documents" / "unanswered.json"
-# A row for which nothing arrived, without the members that identify it.
-EMPTY_ROWS: Mapping[str, Document] = {
-    "alarms": {
-        "SampleType": "Analysis", "GroupID": 0, "GroupStr": "0. None",
-        "ParamID": 0, "ParamStr": "0. None", "Triggered": False,
-    },
-    "sequence report": {
-        "Type": "Analysis", "Repeat": 0, "Stream": 0, "Slot": 0, "Flush_time": 0.0
-    },
-    "calibration report": {"PkName": "", "Ret_time": 0.0, "Level_amt": 0.0, "Linear": 0.0},
-}
 READS_BEFORE_ROWS = {"alarms": 1, "sequence report": 1, "calibration report": 0}
-EMPTY_CHANNEL = {"Installed": False, "Disabled": False, "Serial": 0, "PN": 0, "Gas": "Helium"}
 
 
 def plain(document: Document) -> Document:
@@ -37,20 +24,27 @@ def without_reals(document: Any) -> Any:
     return "-" if isinstance(document, float) else document
 
 
+def put(document: Any, pointer: str, value: Any) -> None:
+    """Replaces the value at a JSON pointer, if there is one; None removes it."""
+    *path, last = pointer[1:].split("/")
+    for key in path:
+        document = document.get(key, {}) if isinstance(document, dict) else document[int(key)]
+    if isinstance(document, list):
+        del document[int(last) :]
+    elif value is None:
+        document.pop(last, None)
+    elif last in document:
+        document[last] = value
+
+
 def unread(report: str, document: Document, read: int) -> Document:
     """The document if no record of a read, counted from 0, was answered."""
-    if report == "live status":
-        return plain(json.loads(UNANSWERED.read_text(encoding="utf-8")))
-    if report == "configuration":
-        document.update(Inst_serial=0, Stream_configured=False, Stream_max=0)
-        for channel in range(1, 5):
-            document[f"Channel{channel}"].update(EMPTY_CHANNEL)
-        return document
-    row = read - READS_BEFORE_ROWS[report]
-    if row < 0:  # the header of the sequence; without a stream selector it has one line
-        rows = document["rows"][:1]
-        return {"Table_repeat": 0, "Continuous": False, "total": 1, "rows": rows}
-    document["rows"][row].update(EMPTY_ROWS[report])
+    row = read - READS_BEFORE_ROWS.get(report, read + 1)
+    for pointer, value in TABLE["unread"][report].items():
+        if ("#" in pointer) is not (row >= 0):
+            continue
+        for channel in range(1, 5) if "%" in pointer else [0]:
+            put(document, pointer.replace("%", str(channel)).replace("#", str(row)), value)
     return document
 
 

@@ -5,7 +5,7 @@ from collections.abc import Iterator, Mapping, Sequence
 from dataclasses import dataclass, field
 from typing import Any
 
-from programs import Run, load_scenario, signed
+from programs import ROOT, Run, load_scenario, signed
 
 # Statuses of the stand-in client library.
 ANSWER_TIMEOUT = 107
@@ -27,14 +27,21 @@ class Step:
 
 
 @dataclass(frozen=True)
-class Operation:
-    name: str
-    arguments: Sequence[str]
+class Action:
+    """What an operation does to the instrument: nothing, if it is a report."""
+
     steps: Sequence[Step] = ()
     words: str | None = None  # text of the verdict on success
     announced: bool = False  # standard error shows the status of its write
-    file: object = None  # contents of the file named by the last argument
     before: Sequence[Mapping[str, Any]] = ()  # requests to the controller before the run
+
+
+@dataclass(frozen=True)
+class Operation:
+    name: str
+    arguments: Sequence[str]
+    file: object  # contents of the file named by the last argument; None: no file
+    action: Action
 
 
 def line(n: int, run_type: int, repeat: int, stream: int, slot: int, flush: float) -> Parameters:
@@ -62,18 +69,16 @@ IDLE = {
     "mAutoState": 0, "mGC_State": 4, "mSeq_line": 0, "mLine_replicate": 0, "mSeq_replicate": 0
 }
 
-OPERATIONS = [
-    Operation("live status", ["-t"]),
-    Operation("configuration", ["-g"]),
-    Operation("alarms", ["-a"]),
-    Operation(
-        "alarm reset", ["-P"],
-        [Step("Refused", {"mTriggered[2]": 0, "mAlarmOverall": 0})], "Accepted",
+# The failure matrix of the unit tests reads the same table.
+TABLE: Mapping[str, Any] = json.loads((ROOT / "tests" / "failures.json").read_text("utf-8"))
+
+ACTIONS: Mapping[str, Action] = {
+    "alarm reset": Action(
+        [Step("Refused", {"mTriggered[2]": 0, "mAlarmOverall": 0})],
+        "Accepted",
         before=[{"verb": "set", "name": "mTriggered[2]", "value": 1}],
     ),
-    Operation("sequence report", ["-q"]),
-    Operation(
-        "sequence download", ["-Q"],
+    "sequence download": Action(
         [
             Step("Refused: unable to set table repeat", {"mTableRepeat": 7, "mContinuous": 1}),
             Step(
@@ -87,42 +92,25 @@ OPERATIONS = [
             Step(NO_LINE, line(3, 1, 4, 1, 2, 1.0)),
         ],
         "Success!",
-        file={
-            "Table_repeat": 7, "Continuous": True, "total": 3,
-            "rows": [
-                {"Type": "Blank", "Repeat": 1, "Stream": 2, "Slot": 3, "Flush_time": 0.25},
-                {"Type": "Verification", "Repeat": 9, "Stream": 3, "Slot": 1, "Flush_time": 2},
-                {"Type": "Calibration", "Repeat": 4, "Stream": 1, "Slot": 2, "Flush_time": 1},
-            ],
-        },
     ),
-    Operation("calibration report", ["-c"]),
-    Operation(
-        "calibration download", ["-C"],
+    "calibration download": Action(
         [
             Step(None, {"mLevelAmt1[1]": 0, "mLevelAmt1[2]": 0, "mLevelAmt2[1]": 0}),
-            Step(f"{NO_LEVEL} chan[1] peak[1]", {"mLevelAmt1[1]": 9.5}),
+            Step(f"{NO_LEVEL} chan[1] peak[2]", {"mLevelAmt1[2]": 9.5}),
             Step(f"{NO_LEVEL} chan[2] peak[1]", {"mLevelAmt2[1]": 8.5}),
+            Step(f"{NO_LEVEL} chan[1] peak[1]", {"mLevelAmt1[1]": 1}),
         ],
         "Success",
-        file={
-            "total": 2,
-            "rows": [
-                {"Channel": 1, "ID": 1, "Level_amt": 9.5},
-                {"Channel": 2, "ID": 1, "Level_amt": 8.5},
-            ],
-        },
     ),
-    Operation(
-        "run single", ["-R", "single", "-v", "3"],
+    "run single": Action(
         [
             Step("Refused", {"mStream": 3}),
             Step("Refused", {"mGC_State": 2, "mAutoState": 1, "mCurrentStream": 3}),
         ],
-        "Accepted", announced=True,
+        "Accepted",
+        announced=True,
     ),
-    Operation(
-        "run calib", ["-R", "calib", "-v", "3"],
+    "run calib": Action(
         [
             Step(
                 "Refused",
@@ -136,10 +124,10 @@ OPERATIONS = [
                 {"mGC_State": 2, "mAutoState": 3, "mRunType": 1, "mCurrentStream": 3},
             ),
         ],
-        "Accepted", announced=True,
+        "Accepted",
+        announced=True,
     ),
-    Operation(
-        "run auto", ["-R", "auto"],
+    "run auto": Action(
         [
             Step(
                 "Refused",
@@ -152,26 +140,27 @@ OPERATIONS = [
         ],
         "Accepted",
     ),
-    Operation(
-        "abort now", ["-A", "now"],
+    "abort now": Action(
         [Step("Refused", {**IDLE, "mGC_CurRunTime": 0}), Step("Refused", {})],
-        "Accepted", before=RUNNING,
+        "Accepted",
+        before=RUNNING,
     ),
-    Operation(
-        "abort auto", ["-A", "auto"],
-        [Step("Refused", {**IDLE, "mGC_FlushingStream": 0})],
-        "Accepted", before=FLUSHING,
+    "abort auto": Action(
+        [Step("Refused", {**IDLE, "mGC_FlushingStream": 0})], "Accepted", before=FLUSHING
     ),
-    Operation(
-        "stream", ["-V", "3"],
+    "stream": Action(
         [Step("", {"mStreamNr": 3, "mStream": 3, "mCurrentStream": 3}, silent=True)],
         announced=True,
     ),
-    Operation(
-        "solution", ["-M", "2"],
-        [Step("Accepted", {"mGC_State": 8, "mSlotNr[2]": 1})],
-        "Refused", announced=True,
+    "solution": Action(
+        [Step("Accepted", {"mGC_State": 8, "mSlotNr[2]": 1})], "Refused", announced=True
     ),
+}
+assert set(ACTIONS) <= set(TABLE["operations"])
+
+OPERATIONS = [
+    Operation(name, row["arguments"], row.get("file"), ACTIONS.get(name, Action()))
+    for name, row in TABLE["operations"].items()
 ]
 
 
@@ -277,7 +266,7 @@ def expected(
     outcome = Expected(leaves=dict(before))
     made = outcome.calls
     assert made is not None
-    steps = iter(operation.steps)
+    steps = iter(operation.action.steps)
     lost = degraded = False
     uncounted: set[int] = set()  # channels whose number of peaks is unknown
     for index, call in enumerate(good):
@@ -298,7 +287,7 @@ def expected(
             step = next(steps)
             if arrives and (fault.effect or index != hit):
                 outcome.leaves.update(step.leaves)
-            if operation.announced and call["call"] == "Write":
+            if operation.action.announced and call["call"] == "Write":
                 outcome.stderr += f"writeParam. return {signed(status)}.\n"
             if status and step.refusal is not None:
                 ends = "" if step.silent else verdict(status, step.refusal)
@@ -315,9 +304,9 @@ def expected(
         changes = status or fault.fields["kind"] in ("swap", "value")
         if (index == hit or lost) and call["call"] in ("Read", "Object", "ProgramInfo") and changes:
             degraded = True
-    if operation.words is not None:
-        outcome.stdout = verdict(0, operation.words)
-    elif not operation.steps:
+    if operation.action.words is not None:
+        outcome.stdout = verdict(0, operation.action.words)
+    elif not operation.action.steps:
         outcome.stdout = None
         outcome.calls = None if degraded else made
         outcome.closes = not lost

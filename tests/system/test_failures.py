@@ -47,12 +47,12 @@ class Bench:
 
     def prepare(self, operation: Operation) -> Parameters:
         """Resets the instrument, except after a report, which must not change it."""
-        if operation.steps or operation is not self._prepared:
+        if operation.action.steps or operation is not self._prepared:
             self.controller.ask(verb="load", scenario=str(self._scenario))
         else:
             self.controller.ask(verb="fault", clear=True)
         self._prepared = operation
-        for request in operation.before:
+        for request in operation.action.before:
             self.controller.ask(**request)
         return self.controller.parameters()
 

@@ -12,6 +12,7 @@
 #include <tuple>
 #include <utility>
 
+#include "FailureTable.h"
 #include "Rules.h"
 #include "SectionBench.h"
 #include "ShownValues.h"
@@ -62,24 +63,27 @@ class Edited {
     mDocument.Parse<rapidjson::kParseFullPrecisionFlag>(aText.c_str());
   }
 
-  /// Replaces the value at the pointer; null removes it. A pointer to nothing is an error in the
-  /// tables.
-  void put(const std::string& aPointer, const char* aJson) {
+  /// Replaces the value at the pointer; JSON null removes it, no value or a pointer to nothing is
+  /// an error in the tables.
+  void put(const std::string& aPointer, const rapidjson::Value* aValue) {
     const rapidjson::Pointer pointer(aPointer.c_str());
-    const bool copies = aJson != nullptr && *aJson == '/';
-    const rapidjson::Value* const other =
-        copies ? rapidjson::Pointer(aJson).Get(mDocument) : nullptr;
-    if (pointer.Get(mDocument) == nullptr || (copies && other == nullptr)) {
+    if (pointer.Get(mDocument) == nullptr || aValue == nullptr) {
       mUndefined += "nothing at " + aPointer + "; ";
-    } else if (aJson == nullptr) {
+    } else if (aValue->IsNull()) {
       pointer.Erase(mDocument);
-    } else if (copies) {
-      pointer.Set(mDocument, *other);
     } else {
-      rapidjson::Document value(&mDocument.GetAllocator());
-      value.Parse(aJson);
-      pointer.Set(mDocument, value);
+      pointer.Set(mDocument, *aValue);
     }
+  }
+  /// The same with JSON, or with a pointer to a value of the document.
+  void put(const std::string& aPointer, const char* aJson) {
+    if (*aJson == '/') {
+      put(aPointer, rapidjson::Pointer(aJson).Get(mDocument));
+      return;
+    }
+    rapidjson::Document value;
+    value.Parse(aJson);
+    put(aPointer, &value);
   }
 
   std::string text() const {
@@ -176,7 +180,12 @@ void editValues(const Operation& aOperation, const Missing& aMissing, Edited& do
       const Address address = addressOf(row, n);
       const bool overridden = row.unless != 0 && aMissing.has(row.unless, std::get<2>(address));
       if (aMissing.unread.count(address) != 0 && !overridden) {
-        document.put(forMember(row.pointer, n), row.unread);
+        const std::string pointer = forMember(row.pointer, n);
+        if (row.unread != nullptr) {
+          document.put(pointer, row.unread);
+        } else {
+          document.put(pointer, findUnread(aOperation.name, row.pointer));
+        }
       } else if (row.real && aMissing.special != nullptr &&
                  addressOf(*aMissing.special) == address) {
         document.put(forMember(row.pointer, n), R"("-")");

@@ -28,7 +28,7 @@ class MatrixTable : public testing::Environment {
     }
     int sum = 0;
     for (const Operation& operation : operations()) {
-      std::printf("\n%-20s", operation.name);
+      std::printf("\n%-20s", operation.name.c_str());
       for (const FaultRow& fault : faults()) {
         const auto width = std::max(4, static_cast<int>(std::strlen(fault.name)));
         const int cells = mCells[{operation.name, fault.name}];
@@ -161,7 +161,7 @@ TEST_P(FailureMatrixTest, EveryCellIsDefined) {
 /// An operation's name, in characters allowed in a test name.
 INSTANTIATE_TEST_SUITE_P(Operations, FailureMatrixTest, testing::ValuesIn(operations()),
                          [](const testing::TestParamInfo<Operation>& aInfo) {
-                           std::string name(aInfo.param.name);
+                           std::string name = aInfo.param.name;
                            std::replace(name.begin(), name.end(), ' ', '_');
                            return name;
                          });
@@ -173,7 +173,7 @@ TEST(FailureMatrix, EveryOperationHasARow) {
   }
   for (const Operation& row : operations()) {
     std::vector<std::string> words = row.words;
-    if (row.file != nullptr) {
+    if (!row.file.empty()) {
       words.emplace_back("file");
     }
     const Parsed parsed = parse(words);

@@ -1,11 +1,18 @@
 // The operations of the tool, and the instrument that they run against.
 #include "Operations.h"
 
+#include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
+
+#include <algorithm>
+#include <iterator>
 #include <memory>
+#include <utility>
 
 #include "AceBlocks.h"
 #include "AlarmRows.h"
 #include "EverydayInstrument.h"
+#include "FailureTable.h"
 #include "TemporaryFile.h"
 
 /// The program's main function.
@@ -13,15 +20,36 @@ int gcWebMain(int argc, char* argv[]);
 
 namespace {
 
-constexpr const char* cSequenceFile =
-    R"({"Table_repeat": 4, "Continuous": true, "total": 3, "rows": [
-  {"Type": "Blank", "Repeat": 2, "Stream": 5, "Slot": 1, "Flush_time": 0.5},
-  {"Type": "Analysis", "Repeat": 3, "Stream": 6, "Slot": 2, "Flush_time": 1.5},
-  {"Type": "Analysis", "Repeat": 4, "Stream": 7, "Slot": 3, "Flush_time": 2.5}]})";
-constexpr const char* cCalibrationFile = R"({"total": 3, "rows": [
-  {"Channel": 1, "ID": 2, "Level_amt": 84.95},
-  {"Channel": 2, "ID": 7, "Level_amt": 2.5},
-  {"Channel": 1, "ID": 3, "Level_amt": 1}]})";
+constexpr std::pair<const char*, eSections> cCodes[] = {
+    {"live status", eStatusRead},
+    {"configuration", eConfigRead},
+    {"alarms", eAlarmRead},
+    {"alarm reset", eAlarmReset},
+    {"sequence report", eSequenceRead},
+    {"sequence download", eSequenceWrite},
+    {"calibration report", eCalibRead},
+    {"calibration download", eCalibWrite},
+    {"run single", eSingleRun},
+    {"run calib", eCalibrationRun},
+    {"run auto", eAutomationRun},
+    {"abort now", eAbortRun},
+    {"abort auto", eAbortRun},
+    {"stream", eStreamWrite},
+    {"solution", eSolutionLoad},
+};
+
+eSections codeOf(const std::string& aName) {
+  const auto* row = std::find_if(std::begin(cCodes), std::end(cCodes),
+                                 [&](const auto& code) { return aName == code.first; });
+  return row == std::end(cCodes) ? NR_OF_SECTIONS : row->second;
+}
+
+std::string textOf(const rapidjson::Value& aValue) {
+  rapidjson::StringBuffer text;
+  rapidjson::Writer<rapidjson::StringBuffer> writer(text);
+  aValue.Accept(writer);
+  return text.GetString();
+}
 
 void setConfiguration(FakeInstrument& aInstrument) {
   setInteger(aInstrument, 0, 601, 120033);
@@ -66,23 +94,20 @@ void setPeaks(FakeInstrument& aInstrument) {
 }  // namespace
 
 const std::vector<Operation>& operations() {
-  static const std::vector<Operation> cOperations = {
-      {"live status", eStatusRead, {"-t"}, nullptr},
-      {"configuration", eConfigRead, {"-g"}, nullptr},
-      {"alarms", eAlarmRead, {"-a"}, nullptr},
-      {"alarm reset", eAlarmReset, {"-P"}, nullptr},
-      {"sequence report", eSequenceRead, {"-q"}, nullptr},
-      {"sequence download", eSequenceWrite, {"-Q"}, cSequenceFile},
-      {"calibration report", eCalibRead, {"-c"}, nullptr},
-      {"calibration download", eCalibWrite, {"-C"}, cCalibrationFile},
-      {"run single", eSingleRun, {"-R", "single", "-v", "3"}, nullptr},
-      {"run calib", eCalibrationRun, {"-R", "calib", "-v", "3"}, nullptr},
-      {"run auto", eAutomationRun, {"-R", "auto"}, nullptr},
-      {"abort now", eAbortRun, {"-A", "now"}, nullptr},
-      {"abort auto", eAbortRun, {"-A", "auto"}, nullptr},
-      {"stream", eStreamWrite, {"-V", "7"}, nullptr},
-      {"solution", eSolutionLoad, {"-M", "2"}, nullptr},
-  };
+  static const std::vector<Operation> cOperations = [] {
+    std::vector<Operation> all;
+    for (const auto& [name, value] : operationTable().GetObject()) {
+      Operation operation = {name.GetString(), codeOf(name.GetString()), {}, ""};
+      for (const rapidjson::Value& word : value["arguments"].GetArray()) {
+        operation.words.emplace_back(word.GetString());
+      }
+      if (value.HasMember("file")) {
+        operation.file = textOf(value["file"]);
+      }
+      all.push_back(operation);
+    }
+    return all;
+  }();
   return cOperations;
 }
 
@@ -108,7 +133,7 @@ Outcome run(const Operation& aOperation) {
   std::vector<std::string> words = aOperation.words;
   words.insert(words.begin(), "GC_Web");
   std::unique_ptr<TemporaryFile> file;
-  if (aOperation.file != nullptr) {
+  if (!aOperation.file.empty()) {
     file = std::make_unique<TemporaryFile>(aOperation.file);
     words.emplace_back(file->name());
   }

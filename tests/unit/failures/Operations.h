@@ -10,16 +10,17 @@
 #include "GC_Web.h"
 
 struct Operation {
-  const char* name;
+  std::string name;
   eSections code;
   std::vector<std::string> words;
-  const char* file;  ///< contents of the file named by the last word; null for none
+  std::string file;  ///< contents of the file named by the last word; empty for none
 };
 
 inline std::ostream& operator<<(std::ostream& aStream, const Operation& aOperation) {
   return aStream << aOperation.name;
 }
 
+/// Those of tests/failures.json.
 const std::vector<Operation>& operations();
 
 /// Gives the instrument an answer to each report: no displayed value is 0, so that a missing one is
