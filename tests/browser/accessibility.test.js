@@ -159,7 +159,7 @@ browserTest('dialogs of a table', refused, async (page, gc) => {
   await send(page, 'sequence');
   await page.getByText('A table was not taken as a whole').waitFor();
   await isAccessible(page, 'refused halfway');
-  await button(page, 'Restore what was there before…').click();
+  await button(page, 'Restore the previous table…').click();
   await dialog.getByRole('row').first().waitFor();
   await isAccessible(page, 'restore');
   await page.keyboard.press('Escape');

@@ -27,7 +27,7 @@ browserTest('the length follows what is typed', { path }, async (page) => {
     await cell(page, 'Runs', 2).fill(text);
     await fact(page, 'One pass', new RegExp(`^${5 + Number(text)} runs`));
   }
-  await page.getByText('Passed over, with 0 runs: line 2.').waitFor();
+  await page.getByText('Skipped, with 0 runs: line 2.').waitFor();
   assert.deepEqual(await shifts(), []);
   await page.getByLabel('Starts again after the last line').check();
   await fact(page, 'Whole table', 'no end: after the last line it starts again');

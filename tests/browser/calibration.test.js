@@ -5,7 +5,7 @@ import { choose, exported, refuses, send } from './support/tables.js';
 
 const browserTest = browserTests();
 const path = '#/calibration';
-const isSame = 'Sent, read back, and the same.';
+const isSame = 'Sent, read back, and identical.';
 // Peaks of channel 1, then those of channel 2.
 const amounts = [4, 84.95, 1.5, 6, 2.5, 0.4, 0.4, 0.05, 0.1, 0.1, 0.05];
 
@@ -48,7 +48,7 @@ browserTest('wrong amounts are not sent', { path }, async (page, gc) => {
   for (const text of ['-', 'x', '', '1e', '-0.5', '1,234.5']) {
     await amount(page, 3).fill(text);
     await button(page, 'Compare and send…', { disabled: true }).waitFor();
-    await page.getByText('1 cell is not right.').waitFor();
+    await page.getByText('1 cell is not valid.').waitFor();
   }
   assert.deepEqual(await gc.changes(), []);
 });

@@ -45,12 +45,12 @@ browserTest('undo goes back over everything, in order', { path }, async (page) =
   for (const keys of ['Control+y', 'Control+Shift+z', 'Control+y']) {
     await page.keyboard.press(keys);
   }
-  await says(page, 'table-state', 'Done again: deletion of line 1.');
+  await says(page, 'table-state', 'Redone: deletion of line 1.');
   assert.deepEqual(await runs(page), ['7', '3']);
   await button(page, 'Undo').click();
   await says(page, 'table-state', 'Undone: deletion of line 1.');
   await button(page, 'Redo').click();
-  await says(page, 'table-state', 'Done again: deletion of line 1.');
+  await says(page, 'table-state', 'Redone: deletion of line 1.');
   assert.deepEqual(await runs(page), ['7', '3']);
 });
 
@@ -59,7 +59,7 @@ browserTest('an import over edits asks, and can be undone', { path }, async (pag
   const file = JSON.stringify({ Table_repeat: 1, total: 1, rows: [line] });
   await cell(page, 'Runs', 1).fill('4');
   await choose(page, 'mine.json', file);
-  const dialog = page.getByRole('dialog', { name: 'Replace what was changed here?' });
+  const dialog = page.getByRole('dialog', { name: 'Replace the changes made here?' });
   await dialog.getByRole('row', { name: '~ changed 1 Calibration 2 → 4' }).waitFor();
   await button(dialog, 'Cancel').click();
   assert.deepEqual(await runs(page), ['4', '5', '3']);
@@ -90,7 +90,7 @@ browserTest(
     await isMarked(page, 'Sequence');
     await button(page, 'Start automation…').click();
     const start = page.getByRole('dialog', { name: 'Start the automation?' });
-    await start.getByText('The sequence has changes here that are not sent.').waitFor();
+    await start.getByText('The sequence has changes here that have not been sent.').waitFor();
     await start.getByRole('row', { name: '2 Analysis 5 1' }).waitFor();
     await button(start, 'Cancel').click();
     // What somebody else has changed meanwhile is still noticed.
@@ -102,7 +102,7 @@ browserTest(
     await conflict.getByRole('row', { name: '~ changed 3 Analysis 3 → 6' }).waitFor();
     await button(conflict, 'Keep my table and compare again').click();
     await button(page.getByRole('dialog', { name: 'Send the sequence?' }), 'Send').click();
-    await says(page, 'table-message', 'Sent, read back, and the same.');
+    await says(page, 'table-message', 'Sent, read back, and identical.');
     assert.equal(await page.getByRole('link', { name: 'changes not sent' }).count(), 0);
     await page.reload();
     await page.getByText('As on the instrument when it was read.').waitFor();
@@ -150,10 +150,10 @@ browserTest(
     await page.reload();
     await page.getByText('A table was not taken as a whole').waitFor();
     assert.deepEqual(await runs(page), ['2', '5', '4', '4']);
-    await button(page, 'Restore what was there before…').click();
+    await button(page, 'Restore the previous table…').click();
     const dialog = page.getByRole('dialog', { name: 'Restore the sequence?' });
     await dialog.getByRole('row', { name: '+ added 3 Analysis 3 2' }).waitFor();
-    await dialog.getByText('What was changed here stays here, and is not sent.').waitFor();
+    await dialog.getByText('The changes made here are kept, and not sent.').waitFor();
     await picture(page, 'restore', 1024);
     await button(dialog, 'Restore').click();
     await says(page, 'table-message', 'What was there before is on the instrument again');
@@ -163,7 +163,7 @@ browserTest(
     await page.getByText('Changed here, not sent.').waitFor();
     assert.deepEqual(await runs(page), ['2', '5', '4', '4']);
     await send(page, 'sequence');
-    await says(page, 'table-message', 'Sent, read back, and the same.');
+    await says(page, 'table-message', 'Sent, read back, and identical.');
     await picture(page, 'restored', 1024);
   },
 );
@@ -177,7 +177,7 @@ browserTest(
     await gc.fault({ kind: 'status', call: 'Write', nth: 6, status: 207 });
     await send(page, 'calibration');
     await says(page, 'table-message', '(error 207) at channel 2, peak 2.');
-    await button(page, 'Restore what was there before…').click();
+    await button(page, 'Restore the previous table…').click();
     await button(page.getByRole('dialog', { name: 'Restore the calibration?' }), 'Restore').click();
     await says(page, 'table-message', 'What was there before is on the instrument again');
     assert.deepEqual(JSON.parse(await gc.report('calibration')), before);
@@ -189,7 +189,7 @@ browserTest('earlier tables', { path, expected: [/404/] }, async (page, gc) => {
   for (const count of ['11', '12']) {
     await cell(page, 'Runs', 1).fill(count);
     await send(page, 'sequence');
-    await says(page, 'table-message', 'Sent, read back, and the same.');
+    await says(page, 'table-message', 'Sent, read back, and identical.');
   }
   await button(page, 'Earlier tables…').click();
   const dialog = page.getByRole('dialog', { name: 'Earlier tables: sequence' });
@@ -214,7 +214,7 @@ browserTest('what is not right leads to its cell', { path }, async (page) => {
   const summary = page.getByRole('region', { name: 'Not right (2)' });
   await summary.getByRole('button', { name: 'Flush time, line 2: not a number' }).click();
   await isFocused(cell(page, 'Flush time', 2));
-  await button(page, 'Show what is not right').click();
+  await button(page, 'Show errors').click();
   await isFocused(page.getByLabel('Runs of the whole table'));
   await cell(page, 'Flush time', 2).fill('1,25');
   await page.getByLabel('Runs of the whole table').fill('1');

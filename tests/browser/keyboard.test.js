@@ -128,7 +128,7 @@ browserTest('a run, from the first Tab to the abort', {}, async (page) => {
 browserTest('past the navigation', { path: '#/run' }, async (page) => {
   await says(page, 'state', 'Ready');
   await page.keyboard.press('Tab');
-  await page.getByRole('link', { name: 'To the page' }).and(page.locator(':focus')).waitFor();
+  await page.getByRole('link', { name: 'Skip to the page' }).and(page.locator(':focus')).waitFor();
   await page.keyboard.press('Enter');
   await page.keyboard.press('Tab');
   await page.getByLabel('On stream').and(page.locator(':focus')).waitFor();

@@ -59,7 +59,7 @@ for (const { path, viewport } of sizes) {
 }
 
 browserTest('the way of the gas is a list', {}, async (page) => {
-  const way = page.getByRole('region', { name: 'Way of the gas' });
+  const way = page.getByRole('region', { name: 'Gas flow' });
   const inlet = way.getByRole('list', { name: 'All channels' });
   await inlet.getByRole('listitem').filter({ hasText: 'Stream 1 of 4' }).waitFor();
   const channels = way.getByRole('list', { name: 'Channels', exact: true });

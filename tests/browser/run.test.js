@@ -186,7 +186,7 @@ browserTest('a refusal', { path, expected }, async (page, gc) => {
   await says(
     page,
     'notice',
-    'The instrument refused. The instrument does not take this in its present state (error 207).',
+    'The instrument refused. The instrument does not accept this in its present state (error 207).',
   );
   await button(page, 'Dismiss').click();
   await page.getByText('error 207').waitFor({ state: 'detached' });

@@ -5,7 +5,7 @@ import { choose, exported, refuses, send } from './support/tables.js';
 
 const browserTest = browserTests();
 const path = '#/sequence';
-const isSame = 'Sent, read back, and the same.';
+const isSame = 'Sent, read back, and identical.';
 
 const cell = (page, column, line) => page.getByLabel(`${column}, line ${line}`, { exact: true });
 const isFocused = (locator) => locator.and(locator.page().locator(':focus')).waitFor();
@@ -56,14 +56,14 @@ browserTest('a wrong value is not sent', { path }, async (page, gc) => {
     assert.equal(await describedBy(runs), problem, text);
     assert.equal(await runs.getAttribute('aria-invalid'), 'true');
     const off = button(page, 'Compare and send…', { disabled: true });
-    assert.equal(await describedBy(off), '1 cell is not right.');
+    assert.equal(await describedBy(off), '1 cell is not valid.');
     await off.click({ force: true });
   }
   await cell(page, 'Stream', 1).fill('5');
   await page.getByText('must be at most 4', { exact: true }).waitFor();
   await cell(page, 'Solution', 1).fill('11');
   await page.getByText('must be at most 10', { exact: true }).waitFor();
-  await page.getByText('3 cells are not right.').waitFor();
+  await page.getByText('3 cells are not valid.').waitFor();
   await picture(page, 'sequence-problems', 1024);
   assert.equal(await page.getByRole('dialog').count(), 0);
   assert.deepEqual(await gc.changes(), []);
@@ -194,7 +194,7 @@ browserTest('export is the report, and comes back by import', { path }, async (p
   await button(page, 'Delete line 2').click();
   await choose(page, 'mine.json', text);
   await button(
-    page.getByRole('dialog', { name: 'Replace what was changed here?' }),
+    page.getByRole('dialog', { name: 'Replace the changes made here?' }),
     'Replace',
   ).click();
   await says(page, 'table-message', 'mine.json was read. Nothing has been sent yet.');
@@ -221,5 +221,5 @@ browserTest('files that are no sequence', { path }, async (page) => {
   await refuses(page, 'e.json', JSON.stringify(wrong), 'row 3, Stream: must be a whole number.');
   const short = { Table_repeat: 1, total: 5, rows: [line, line, line] };
   await refuses(page, 'f.json', JSON.stringify(short), '"total" is 5, but there are 3 rows.');
-  await refuses(page, 'd.json', ' '.repeat(65537), '65537 octets; the gateway takes 65536');
+  await refuses(page, 'd.json', ' '.repeat(65537), '65537 octets; the gateway accepts 65536');
 });

@@ -14,7 +14,7 @@ withUnits('named ones stand at values and over columns', {}, async (page) => {
     .waitFor();
   await page.getByRole('rowheader', { name: 'Column temp., °C' }).first().waitFor();
   await page.getByRole('rowheader', { name: 'Pressure, kPa' }).first().waitFor();
-  const way = page.getByRole('region', { name: 'Way of the gas' });
+  const way = page.getByRole('region', { name: 'Gas flow' });
   await way.getByText(/^180\.\d\skPa$/).waitFor();
   await page.goto('/#/wall');
   await page.getByRole('columnheader', { name: 'Column temp., °C' }).waitFor();

@@ -51,7 +51,7 @@ const pages: readonly Page[] = [
         key="sequence"
         editor={sequenceEditor}
         picture={SequencePicture}
-        hint={`${moving} Alt with up and down moves the line. A line with 0 runs is passed over. Flush times in the instrument’s unit.`}
+        hint={`${moving} Alt with up and down moves the line. A line with 0 runs is skipped. Flush times in the instrument’s unit.`}
       />
     ),
   },
@@ -125,7 +125,7 @@ export function App() {
           heading.current?.focus();
         }}
       >
-        To the page
+        Skip to the page
       </a>
       <Header />
       <nav aria-label="Pages">

@@ -25,7 +25,7 @@ export type Answer<T> = (
 };
 
 /**
- * Milliseconds that an answer may take: a little more than the gateway takes at most to say that
+ * Milliseconds that an answer may take: a little more than the gateway accepts at most to say that
  * there is none. For a status it waits 25 s for somebody else's and 20 s for its own.
  */
 export const timeLimits = { status: 48_000, report: 25_000, command: 152_000 } as const;
@@ -36,8 +36,8 @@ const textsOfStatus: Readonly<Record<number, string>> = {
   404: 'The web server does not know this address. Is the gateway set up?',
   409: 'The instrument refused.',
   413: 'The file is too large.',
-  415: 'The gateway does not take this kind of file.',
-  422: 'The gateway does not take these values.',
+  415: 'The gateway does not accept this kind of file.',
+  422: 'The gateway does not accept these values.',
   429: 'Too many requests, or too many wrong passwords. Nothing was done.',
   502: 'The instrument or its tool did not give a usable answer.',
   503: 'The instrument is not reachable.',
@@ -58,7 +58,7 @@ export function faultOf(status: number, body: unknown): Fault {
   if (member(body, 'outcome') === 'unknown') {
     // No refusal: the instrument may be at work.
     const parts = [member(body, 'detail'), member(body, 'message')];
-    const text = 'What became of the command is not known.';
+    const text = 'The outcome of the command is not known.';
     return { status, text, detail: parts.filter(Boolean).join(' '), isUnknown: true };
   }
   let text = textsOfStatus[status] ?? `The web server answered with HTTP status ${status}.`;
@@ -78,7 +78,7 @@ export function faultOf(status: number, body: unknown): Fault {
     details.push(`status of the instrument: ${instrument}`);
   }
   if (status === 409 && code === undefined && instrument === undefined) {
-    text = 'The gateway did not take the command.';
+    text = 'The gateway rejected the command.';
   }
   const number = Number(code ?? instrument);
   const known = Number.isNaN(number) ? {} : { code: number };
@@ -140,7 +140,7 @@ async function request<T>(
   }
   const value = take(body);
   if (value === undefined) {
-    const text = 'The answer is not what was asked for.';
+    const text = 'The answer is not what was requested.';
     return { ok: false, fault: { status: response.status, text, detail: path }, ...fromHeaders };
   }
   const age = Number(response.headers.get('Age'));
@@ -170,7 +170,7 @@ export async function sendCommand(
     { method, headers, body },
     timeLimits.command,
     (verdict) => (verdict as Verdict | undefined) ?? null,
-    'No answer came. The command may have been carried out: look at the state.',
+    'No answer came. The command may have been carried out: check the state.',
   );
   return answer.ok || answer.fault.status !== 0
     ? answer

@@ -31,7 +31,7 @@ export function backupsOf(kind: TableKind, describe: (fault: Fault) => string): 
       if (!answer.ok) {
         const isGone = answer.fault.status === 404;
         const reason = isGone
-          ? 'The gateway does not keep this table any more: others have been replaced since.'
+          ? 'The gateway no longer keeps this table: others have been replaced since.'
           : describe(answer.fault);
         return { ok: false, reason };
       }

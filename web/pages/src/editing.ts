@@ -118,7 +118,7 @@ export class Editing {
   }
 
   redo(): void {
-    this.travel('Done again');
+    this.travel('Redone');
   }
 
   /** Shows what the instrument has; what was edited can be had back. */
@@ -167,7 +167,7 @@ export class Editing {
   /** Somebody has done something to the table. */
   protected touched(): void {}
 
-  private travel(how: 'Undone' | 'Done again'): void {
+  private travel(how: 'Undone' | 'Redone'): void {
     this.leaveCell();
     const base = this.base.value;
     const draft = this.draft.value;

@@ -70,7 +70,7 @@ export class Editor extends Editing {
 
   /** The same, after a question if edits would go. */
   reload(): void {
-    const title = 'Discard what was changed here?';
+    const title = 'Discard the changes made here?';
     this.ask(title, 'Discard and reload', () => void this.load());
   }
 
@@ -87,7 +87,7 @@ export class Editor extends Editing {
 
   /** Goes on with another table, after a question if edits would go. */
   replace(table: Table, what: string, said: string): void {
-    this.ask('Replace what was changed here?', 'Replace', () => {
+    this.ask('Replace the changes made here?', 'Replace', () => {
       this.change(draftOf(table), { what });
       this.say('good', said);
     });
@@ -132,7 +132,7 @@ export class Editor extends Editing {
   /** Sends, unless the instrument's table has changed while the person looked; then reads it back. */
   async send(wanted: Wanted = { goal: 'edits', table: this.edited() }): Promise<void> {
     this.review.value = undefined;
-    const fresh = await this.readNow('Looking whether the table has changed');
+    const fresh = await this.readNow('Checking whether the table has changed');
     if (!fresh || this.isConflict(wanted, fresh)) {
       return;
     }
@@ -140,7 +140,7 @@ export class Editor extends Editing {
     const file = this.kind.toFile(table);
     const size = new TextEncoder().encode(file).length;
     if (size > fileLimit) {
-      const text = `The table has ${size} octets; the gateway takes ${fileLimit}.`;
+      const text = `The table has ${size} octets; the gateway accepts ${fileLimit}.`;
       this.say('bad', `${text} Nothing was sent.`);
       return;
     }
@@ -178,7 +178,7 @@ export class Editor extends Editing {
     this.message.value = undefined;
     this.reset(unsent);
     if (unsent) {
-      const text = 'What was changed here before the page was loaded again is still here.';
+      const text = 'The changes made here before the page was reloaded are still here.';
       this.say('good', `${text} It has not been sent.`);
     }
   }

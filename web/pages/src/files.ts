@@ -25,7 +25,7 @@ function parse(octets: ArrayBuffer): unknown {
   try {
     text = new TextDecoder('utf-8', { fatal: true }).decode(octets);
   } catch {
-    throw new Error('It is no text in UTF-8.');
+    throw new Error('It is not text in UTF-8.');
   }
   try {
     return JSON.parse(text);
@@ -51,7 +51,7 @@ export function readDocument(document: unknown, kind: TableKind, current: Table)
 /** Reads an imported file; throws an Error that says what is wrong with it. */
 export function readFile(octets: ArrayBuffer, kind: TableKind, current: Table): Table {
   if (octets.byteLength > fileLimit) {
-    throw new Error(`It has ${octets.byteLength} octets; the gateway takes ${fileLimit}.`);
+    throw new Error(`It has ${octets.byteLength} octets; the gateway accepts ${fileLimit}.`);
   }
   return readDocument(parse(octets), kind, current);
 }

@@ -22,8 +22,8 @@ export interface Found {
 }
 
 const same: Readonly<Record<Goal, string>> = {
-  edits: 'Sent, read back, and the same.',
-  restore: 'What was there before is on the instrument again: sent, read back, and the same.',
+  edits: 'Sent, read back, and identical.',
+  restore: 'The previous table is on the instrument again: sent, read back, and identical.',
 };
 
 /** Whether nobody knows that the instrument has finished with it. */

@@ -6,7 +6,7 @@ type Sentences = Readonly<Record<number, string>>;
 /** Of every instrument: the tool's own, and what the library's documentation tells. */
 const everywhere: Sentences = {
   1: 'The instrument’s client library did not start',
-  28: 'A part of what was asked for could not be read',
+  28: 'Part of what was requested could not be read',
 };
 
 /**
@@ -15,16 +15,16 @@ const everywhere: Sentences = {
  */
 const simulated: Sentences = {
   104: 'The controller refused the connection',
-  105: 'The controller did not take the connection in time',
+  105: 'The controller did not accept the connection in time',
   107: 'The controller did not answer in time',
   108: 'The connection to the controller was lost',
   109: 'The controller’s answer was not understood',
   201: 'The controller does not know this request',
-  203: 'The connection may only read',
+  203: 'The connection is read-only',
   204: 'The instrument has no such part, line or peak',
   205: 'This value cannot be set',
   206: 'A value is outside its bounds',
-  207: 'The instrument does not take this in its present state',
+  207: 'The instrument does not accept this in its present state',
   208: 'The instrument does not know this command',
   209: 'The instrument has no such object',
 };

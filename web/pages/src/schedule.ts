@@ -34,7 +34,7 @@ export interface Block {
   seconds: number;
 }
 
-/** What a pass through the table consists of, without lines that are passed over. */
+/** What a pass through the table consists of, without skipped lines. */
 export function blocksOf(sequence: Sequence, runSeconds: number, flushUnit?: string): Block[] {
   return (sequence.rows ?? []).flatMap(({ Repeat: runs = 0, Flush_time }, index) =>
     runs > 0

@@ -100,7 +100,7 @@ const rules: Readonly<Record<Action, Rule | undefined>> = {
   'alarm-reset': undefined,
   'send-table': {
     states: settings,
-    reason: 'The instrument takes tables only while nothing runs.',
+    reason: 'The instrument accepts tables only while nothing runs.',
   },
 };
 

@@ -141,7 +141,7 @@ export const sequenceKind: TableKind = {
   title: 'Sequence',
   effects: [
     'Every line gets the calibration flag, whether it had it before or not: no report shows that flag.',
-    'The instrument clears its table and then takes the new one line by line. If it refuses a line, the lines before that one are there and the others are not; what was there before can be restored, but for the calibration flags.',
+    'The instrument clears its table and then stores the new one line by line. If it refuses a line, the lines before it are stored and the others are not; the previous table can be restored, except for the calibration flags.',
   ],
   layout: sequenceLayout,
   fromReport: (document) => sequenceTable(document as Sequence),
@@ -150,7 +150,9 @@ export const sequenceKind: TableKind = {
     checkTotal(document as Sequence);
     const table = sequenceTable(document as Sequence);
     if (table.rows.length > sequenceLines) {
-      throw new Error(`It has ${table.rows.length} lines; the instrument takes ${sequenceLines}.`);
+      throw new Error(
+        `It has ${table.rows.length} lines; the instrument accepts ${sequenceLines}.`,
+      );
     }
     return table;
   },
@@ -163,7 +165,7 @@ export const calibrationKind: TableKind = {
   title: 'Calibration',
   effects: [
     'The instrument clears all amounts first. The amounts of all peaks are sent.',
-    'If it refuses an amount, the peaks before that one have theirs, and the others stay cleared; what was there before can be restored.',
+    'If it refuses an amount, the peaks before it have theirs, and the others stay cleared; the previous amounts can be restored.',
   ],
   layout: () => ({
     schema: calibrationSchema as Schema,

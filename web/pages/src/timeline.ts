@@ -34,7 +34,7 @@ export interface Timeline {
   runs: number;
   /** Of one pass through the table, without what is not known. */
   seconds: number | undefined;
-  /** Lines with 0 runs, which are passed over. */
+  /** Lines with 0 runs, which are skipped. */
   passedOver: number[];
   /** Lines whose runs are no number, as they are drawn: as one run. */
   unclear: number[];

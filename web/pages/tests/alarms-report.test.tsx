@@ -178,7 +178,7 @@ describe('active alarms', () => {
   it('are named', async () => {
     await setStatus(alarmed);
     await show(<ActiveAlarms />);
-    expect(textOf(document.body)).toBe('Which alarms are active is being asked.');
+    expect(textOf(document.body)).toBe('Reading which alarms are active.');
     await ask();
     expect(textsOf('li')).toEqual(['GC Status: Cabinet Temperature', 'NORM Amounts: Methane']);
   });

@@ -143,7 +143,7 @@ describe('asking for alarms', () => {
   it('takes no other document for it', async () => {
     await open({ rows: [] });
     expect(textsOf('[role=alert] p')).toEqual([
-      'The answer is not what was asked for. /api/alarms.',
+      'The answer is not what was requested. /api/alarms.',
     ]);
   });
 });
@@ -154,14 +154,14 @@ describe('a sign that knows more than the report', () => {
     await open();
     expect(textsOf('h2')).toEqual(['Not active (5)']);
     expect(textsOf('p[role=status]')).toEqual([
-      'The instrument tells of an alarm, but its table does not name one yet.',
+      'The instrument reports an alarm, but its table does not name one yet.',
     ]);
     expect(reasonOf('Reset all alarms…')).toBe('');
     await act(async () => {
       alarms.value = { ...example, total: 40 };
     });
     expect(textsOf('p[role=status]')).toEqual([
-      'None of the alarms that can be shown is active: it is a later one.',
+      'None of the alarms that can be shown is active: it is one further down the table.',
     ]);
     await act(async () => {
       alarms.value = { total: 0 };
@@ -197,7 +197,7 @@ describe('the reset', () => {
     expect(reasonOf('Reset all alarms…')).toBe('');
     await press('Reset all alarms…');
     expect(textsOf('dialog p')).toEqual([
-      'Which alarms are active is not known. All are reset.',
+      'It is not known which alarms are active. All are reset.',
       'An alarm whose cause persists comes back at once.',
     ]);
   });
@@ -267,7 +267,7 @@ describe('the reset', () => {
     await open(withActive(1));
     gateway.answer('/api/command/alarm-reset', {}, 409);
     await reset(withActive(1));
-    expect(outcome()).toBe('Reset of all alarms: The gateway did not take the command.');
+    expect(outcome()).toBe('Reset of all alarms: The gateway rejected the command.');
     expect(asked()).toBe(2);
   });
 });

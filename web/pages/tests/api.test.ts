@@ -75,7 +75,7 @@ describe('reports', () => {
     answerWith(200, body);
     expect(await getStatus()).toEqual({
       ok: false,
-      fault: { status: 200, text: 'The answer is not what was asked for.', detail: '/api/status' },
+      fault: { status: 200, text: 'The answer is not what was requested.', detail: '/api/status' },
     });
   });
 
@@ -128,7 +128,7 @@ describe('a command without an outcome', () => {
     const detail = 'No answer from the instrument: the connection was lost.';
     expect(faultOf(504, { title: 'Gateway Timeout', detail, outcome: 'unknown' })).toEqual({
       status: 504,
-      text: 'What became of the command is not known.',
+      text: 'The outcome of the command is not known.',
       isUnknown: true,
       detail,
     });
@@ -177,7 +177,7 @@ describe('commands', () => {
     });
     const answer = await sendCommand('POST', 'abort', '{"when":"now"}');
     expect(!answer.ok && answer.fault.text).toBe(
-      'No answer came. The command may have been carried out: look at the state.',
+      'No answer came. The command may have been carried out: check the state.',
     );
   });
 });
@@ -201,7 +201,7 @@ describe('faults', () => {
     [
       409,
       { title: 'Another command is running', detail: 'Try again.' },
-      'The gateway did not take the command.',
+      'The gateway rejected the command.',
       'Another command is running: Try again.',
     ],
     [
@@ -213,8 +213,8 @@ describe('faults', () => {
     [401, undefined, 'You are not signed in. Nothing was done.', ''],
     [404, null, 'The web server does not know this address. Is the gateway set up?', ''],
     [413, {}, 'The file is too large.', ''],
-    [415, [], 'The gateway does not take this kind of file.', ''],
-    [422, 'no', 'The gateway does not take these values.', ''],
+    [415, [], 'The gateway does not accept this kind of file.', ''],
+    [422, 'no', 'The gateway does not accept these values.', ''],
     [
       502,
       { ErrorCode: 28 },

@@ -65,7 +65,7 @@ describe('the pages', () => {
   });
 
   it.each([
-    ['#/status', 'Status', 'Kind of run'],
+    ['#/status', 'Status', 'Run type'],
     ['#/run', 'Run', 'Start single run…'],
     ['#/sequence', 'Sequence', 'Add line'],
     ['#/calibration', 'Calibration', 'Retention time, s'],
@@ -86,7 +86,7 @@ describe('the pages', () => {
     const moving =
       'Enter and Shift+Enter go down and up; arrow keys go to the next cell (up and down choose in a list).';
     expect(textsOf('main p.dim')).toEqual([
-      `${moving} Alt with up and down moves the line. A line with 0 runs is passed over. Flush times in the instrument’s unit.`,
+      `${moving} Alt with up and down moves the line. A line with 0 runs is skipped. Flush times in the instrument’s unit.`,
     ]);
     await go('#/calibration');
     expect(textsOf('main p.dim')).toEqual([
@@ -140,7 +140,7 @@ describe('the pages', () => {
   it('can be reached past the top', async () => {
     await open('#/status');
     const skip = find<HTMLAnchorElement>('a.skip');
-    expect(textOf(skip)).toBe('To the page');
+    expect(textOf(skip)).toBe('Skip to the page');
     const event = new MouseEvent('click', { bubbles: true, cancelable: true });
     skip.dispatchEvent(event);
     expect(event.defaultPrevented).toBe(true);

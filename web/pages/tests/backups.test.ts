@@ -48,7 +48,7 @@ describe('backups', () => {
     gateway.answer('/api/backups/sequence/7', { title: 'No' }, 404);
     expect(await ofSequence.table(7, sequence)).toEqual({
       ok: false,
-      reason: 'The gateway does not keep this table any more: others have been replaced since.',
+      reason: 'The gateway no longer keeps this table: others have been replaced since.',
     });
     gateway.lose('/api/backups/sequence/7');
     expect(await ofSequence.table(7, sequence)).toEqual({

@@ -222,7 +222,7 @@ describe('a stick chromatogram', () => {
 describe('the cursor', () => {
   it('in the table is shown in the picture', async () => {
     await open();
-    expect(readout()).toBe('The cursor is at no peak.');
+    expect(readout()).toBe('No peak is selected.');
     await show(<Page focusedRow={2} />);
     expect(readout()).toBe('Carbon dioxide: retention time 40.8, amount 1.5');
     expect([...document.querySelectorAll('.focused')]).toEqual([stick(2)]);
@@ -271,7 +271,7 @@ describe('the cursor', () => {
     expect(document.activeElement).toBe(stick(2));
     await press('Enter');
     expect(document.activeElement).toBe(cell(2));
-    expect(readout()).toBe('The cursor is at no peak.');
+    expect(readout()).toBe('No peak is selected.');
     await act(() => stick(2).focus());
     await press(' ');
     expect(document.activeElement).toBe(cell(2));

@@ -91,7 +91,7 @@ describe('editor', () => {
     expect(steps.splice(0)).toEqual(['Comparing with the instrument', '']);
     await editor.send();
     expect(steps).toEqual([
-      'Looking whether the table has changed',
+      'Checking whether the table has changed',
       '',
       'Sending the table',
       'Reading the table back',
@@ -141,7 +141,7 @@ describe('editor', () => {
       if (count === 0) {
         expect(editor.message.value).toMatchObject({
           kind: 'bad',
-          text: 'The table has 65537 octets; the gateway takes 65536. Nothing was sent.',
+          text: 'The table has 65537 octets; the gateway accepts 65536. Nothing was sent.',
         });
       }
     }
@@ -199,7 +199,7 @@ describe('editor', () => {
     });
     expect(editor.message.value).toMatchObject({
       kind: 'good',
-      text: 'Sent, read back, and the same.',
+      text: 'Sent, read back, and identical.',
     });
     expect(editor.isDirty.value).toBe(false);
     expect(editor.busy.value).toBe('');
@@ -354,7 +354,7 @@ describe('editor', () => {
     editor.import('mine.json', octets);
     expect(editor.review.value).toMatchObject({
       kind: 'discard',
-      title: 'Replace what was changed here?',
+      title: 'Replace the changes made here?',
       yes: 'Replace',
     });
     expect(editor.review.value?.diff.rows).not.toEqual([]);
@@ -439,7 +439,7 @@ describe('a table that was refused halfway', () => {
     expect(world.table).toEqual(before);
     expect(editor.message.value).toMatchObject({
       kind: 'good',
-      text: 'What was there before is on the instrument again: sent, read back, and the same.',
+      text: 'The previous table is on the instrument again: sent, read back, and identical.',
     });
     expect(editor.before.value).toBeUndefined();
     // What was edited is still there.

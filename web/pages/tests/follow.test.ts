@@ -244,7 +244,7 @@ describe('following a command', () => {
 });
 
 describe('a command in doubt', () => {
-  const doubt = 'What became of the command is not known.';
+  const doubt = 'The outcome of the command is not known.';
   const inDoubt = (): Following => new Following(followStream(3), ready, begin, doubt);
 
   it('says so until the status shows it', () => {

@@ -298,10 +298,7 @@ describe('the lines of a sequence', () => {
   it.each([
     [{ Table_repeat: 1 }, 'The table is run once.'],
     [{ Table_repeat: 0 }, 'The table is run 0 times.'],
-    [
-      { Table_repeat: 1, Continuous: true },
-      'The table is run again and again until it is stopped.',
-    ],
+    [{ Table_repeat: 1, Continuous: true }, 'The table is run repeatedly until it is stopped.'],
   ])('%j: %s', async (header, text) => {
     await show(<SequenceLines sequence={{ ...sequence, ...header }} />);
     expect(textsOf('p')).toEqual([text]);

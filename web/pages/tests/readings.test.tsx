@@ -46,7 +46,7 @@ describe('the status page', () => {
     await show(<StatusPage />);
     expect(textsOf('h2')).toEqual([
       'Instrument',
-      'Way of the gas',
+      'Gas flow',
       'Channel 1 Porous polymer, 10 m',
       'Channel 2 Dimethylpolysiloxane, 8 m',
       'Sample line and surroundings',
@@ -55,7 +55,7 @@ describe('the status page', () => {
     expect(factsOf('dl.columns')).toEqual([
       ['Run ends', '–'],
       ['Automation ends', '–'],
-      ['Kind of run', 'Analysis'],
+      ['Run type', 'Analysis'],
       ['Last analysis', 'No. 1284'],
       ['Automation', 'Idle'],
       ['Sequence', 'not under way'],

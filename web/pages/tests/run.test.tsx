@@ -64,7 +64,7 @@ describe('the run page', () => {
     await show(<RunPage />);
     expect(textsOf('#now')).toEqual(['Now']);
     await setAge(60);
-    expect(textsOf('#now')).toEqual(['Last values, of 14:31:07']);
+    expect(textsOf('#now')).toEqual(['Last values, from 14:31:07']);
     vi.useRealTimers();
   });
 
@@ -106,7 +106,7 @@ describe('the run page', () => {
     expect(textsOf('.act button.primary')).toEqual(['Start single run…', 'Start automation…']);
     expect(textsOf('section p').filter((text) => text.length > 30)).toEqual([
       'Runs the sequence that the instrument has.',
-      'No report tells which solution is in use.',
+      'No report shows which solution is in use.',
     ]);
     expect(textsOf('[role=alert]')).toEqual(['']);
   });
@@ -237,7 +237,7 @@ describe('the automation', () => {
 
   it('is asked about with a word on edits that are not sent', async () => {
     const words =
-      'The sequence has changes here that are not sent. The automation runs the table that the instrument has:';
+      'The sequence has changes here that have not been sent. The automation runs the table that the instrument has:';
     await open();
     await sequenceEditor.load();
     const { value: draft } = sequenceEditor.draft;
@@ -274,7 +274,7 @@ describe('the automation', () => {
     await press('Start automation…');
     await settle();
     expect(textsOf('[role=alert] p')).toEqual([
-      'The answer is not what was asked for. /api/sequence.',
+      'The answer is not what was requested. /api/sequence.',
     ]);
     gateway.answer('/api/sequence', { Table_repeat: 1, total: 0 });
     await press('Start automation…');

@@ -105,7 +105,7 @@ describe('the sequence over time', () => {
       ['Automation now', 'not under way'],
       ['Automation ends', '–'],
     ]);
-    expect(notes()).toMatch(/^The unit of the flush times is not known here: .* Thin is flushing/);
+    expect(notes()).toMatch(/^The unit of the flush times is not known: .* Thin: flushing/);
   });
 
   it('counts the flushing where its unit is named', async () => {
@@ -116,7 +116,7 @@ describe('the sequence over time', () => {
     expect(fact('Whole table')).toBe('2 passes, 20 runs, 1 h 06 min');
     expect(document.querySelectorAll('.flush')).toHaveLength(3);
     expect(document.querySelectorAll('.flush.unknown')).toHaveLength(0);
-    expect(notes()).toMatch(/^Thin is flushing/);
+    expect(notes()).toMatch(/^Thin: flushing/);
   });
 
   it('follows what is typed', async () => {
@@ -125,11 +125,11 @@ describe('the sequence over time', () => {
     expect(fact('One pass')).toBe('11 runs, 33 min 00 s plus flushing');
     await type(1, 'Repeat', 'x');
     expect(fact('One pass')).toBe('not known yet');
-    expect(notes()).toMatch(/^The number of runs is not right in line 2: drawn as one run\./);
+    expect(notes()).toMatch(/^The number of runs is not valid in line 2: drawn as one run\./);
     await type(1, 'Repeat', '0');
     await type(2, 'Repeat', '0');
     expect(labels()).toHaveLength(1);
-    expect(notes()).toMatch(/^Passed over, with 0 runs: lines 2, 3\./);
+    expect(notes()).toMatch(/^Skipped, with 0 runs: lines 2, 3\./);
     await type(null, 'Continuous', 'true');
     expect(fact('Whole table')).toBe('no end: after the last line it starts again');
   });

@@ -115,7 +115,7 @@ describe('which action is allowed', () => {
       'A solution can be loaded only while nothing runs and there is no error. The state is: Error.',
     );
     expect(reasonAgainst('send-table', statusWith({ Auto_state: 'Run Delay 3s' }))).toBe(
-      'The instrument takes tables only while nothing runs. The automation is: Run Delay 3s.',
+      'The instrument accepts tables only while nothing runs. The automation is: Run Delay 3s.',
     );
     expect(reasonAgainst('abort-after-run', statusWith({ GC_state: 'Running 1s' }))).toBe(
       'The automation is not under way.',

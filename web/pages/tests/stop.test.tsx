@@ -16,7 +16,7 @@ const running = statusWith({
 const flushing = statusWith({ GC_state: 'Flushing', Auto_state: 'Flushing Stream 0s' });
 const aborts = () => gateway.of('/api/command/abort').map(({ method, body }) => [method, body]);
 const question = (): string[] => textsOf('dialog .dialog-body p');
-const harmless = 'Where nothing is running, an abort changes nothing.';
+const harmless = 'If nothing is running, an abort changes nothing.';
 const ends = 'The run ends at once without a result, and the automation with it.';
 
 beforeEach(async () => {

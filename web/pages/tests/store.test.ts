@@ -306,7 +306,7 @@ describe('configuration', () => {
 
   it('is no other document', async () => {
     gateway.answer('/api/config', statusWith());
-    expect((await store.loadConfiguration())?.text).toBe('The answer is not what was asked for.');
+    expect((await store.loadConfiguration())?.text).toBe('The answer is not what was requested.');
   });
 });
 
@@ -324,7 +324,7 @@ describe('a fault', () => {
     store.status.value = statusWith();
     const detail = 'Refused: Unable to set new level for chan[2] peak[13] (error 207)';
     expect(store.describeFault({ status: 409, text: 'Refused.', detail, code: 207 })).toBe(
-      'Refused. The instrument does not take this in its present state (error 207) at channel 2, peak 13.',
+      'Refused. The instrument does not accept this in its present state (error 207) at channel 2, peak 13.',
     );
     expect(store.describeFault({ status: 409, text: 'Refused.', detail, code: 99 })).toBe(
       `Refused. ${detail}.`,
@@ -443,7 +443,7 @@ describe('a command', () => {
     expect(answer.ok).toBe(false);
     expect(said()).toEqual({
       kind: 'bad',
-      text: 'Reset: The instrument refused. The instrument does not take this in its present state (error 207).',
+      text: 'Reset: The instrument refused. The instrument does not accept this in its present state (error 207).',
     });
   });
 
@@ -608,7 +608,7 @@ describe('a command of which nobody knows what became', () => {
     title: 'Gateway Timeout',
     detail: 'The tool took too long.',
   };
-  const doubt = 'What became of the command is not known. The tool took too long.';
+  const doubt = 'The outcome of the command is not known. The tool took too long.';
 
   beforeEach(async () => {
     store.start();
@@ -647,7 +647,7 @@ describe('a command of which nobody knows what became', () => {
     await store.command('Run', reset, () => follow);
     expect(said()).toEqual({
       kind: 'waiting',
-      text: 'Run: No answer came. The command may have been carried out: look at the state. The connection failed.',
+      text: 'Run: No answer came. The command may have been carried out: check the state. The connection failed.',
     });
   });
 

@@ -214,7 +214,7 @@ describe('the page of a table', () => {
     await open(sequence());
     await type('Runs, line 1', '7');
     await pressAndWait('Discard and reload…');
-    expect(dialog()).toBe('Discard what was changed here?');
+    expect(dialog()).toBe('Discard the changes made here?');
     expect(asked()).toEqual([
       'This has not been sent to the instrument:',
       '“Undo” brings it back.',
@@ -301,10 +301,10 @@ describe('the page of a table', () => {
     expect(textOf(document.getElementById(header.getAttribute('aria-describedby')!))).toBe(
       'must be at least 0',
     );
-    expect(reasonOf('Compare and send…')).toBe('1 cell is not right.');
+    expect(reasonOf('Compare and send…')).toBe('1 cell is not valid.');
     expect(button('Export').disabled).toBe(true);
     await type('Stream, line 1', 'x');
-    expect(reasonOf('Compare and send…')).toBe('2 cells are not right.');
+    expect(reasonOf('Compare and send…')).toBe('2 cells are not valid.');
     await type('Runs of the whole table', '1');
     expect(textsOf('.fields .problem')).toEqual([]);
     await type('Stream, line 1', '1');
@@ -350,7 +350,7 @@ describe('sending', () => {
     await pressAndWait('Send');
     expect(textsOf('dialog')).toEqual([]);
     expect(world.sent).toHaveLength(1);
-    expect(message()).toBe('Sent, read back, and the same.');
+    expect(message()).toBe('Sent, read back, and identical.');
     expect(find('[data-testid=table-message] p').className).toBe('message good');
     expect(state()).toBe('As on the instrument when it was read.');
   });
@@ -361,7 +361,7 @@ describe('sending', () => {
     expect(asked()).toEqual([
       'The instrument already has this table. It would be written again.',
       'Every line gets the calibration flag, whether it had it before or not: no report shows that flag.',
-      'The instrument clears its table and then takes the new one line by line. If it refuses a line, the lines before that one are there and the others are not; what was there before can be restored, but for the calibration flags.',
+      'The instrument clears its table and then stores the new one line by line. If it refuses a line, the lines before it are stored and the others are not; the previous table can be restored, except for the calibration flags.',
     ]);
     await press('Cancel');
     expect(textsOf('dialog')).toEqual([]);
@@ -388,7 +388,7 @@ describe('sending', () => {
     expect(textsOf('.dialog-body p')).toEqual([
       'This changes on the instrument:',
       'The instrument clears all amounts first. The amounts of all peaks are sent.',
-      'If it refuses an amount, the peaks before that one have theirs, and the others stay cleared; what was there before can be restored.',
+      'If it refuses an amount, the peaks before it have theirs, and the others stay cleared; the previous amounts can be restored.',
     ]);
   });
 
@@ -397,7 +397,7 @@ describe('sending', () => {
     await pressAndWait('Compare and send…');
     await setStatus(statusWith({ Auto_state: 'Run Delay 3s' }));
     const reason =
-      'The instrument takes tables only while nothing runs. The automation is: Run Delay 3s.';
+      'The instrument accepts tables only while nothing runs. The automation is: Run Delay 3s.';
     expect(reasonOf('Send')).toBe(reason);
     expect(reasonOf('Compare and send…')).toBe(reason);
     await press('Send');
@@ -565,7 +565,7 @@ describe('keys', () => {
     expect(state()).toBe('As on the instrument when it was read. Undone: Runs, line 1.');
     expect(await isTaken(redo, redoMore)).toBe(true);
     expect(runs()).toBe('7');
-    expect(state()).toBe('Changed here, not sent. Done again: Runs, line 1.');
+    expect(state()).toBe('Changed here, not sent. Redone: Runs, line 1.');
   });
 
   it.each<[string, KeyboardEventInit]>([
@@ -681,7 +681,7 @@ describe('what is not right', () => {
     ]);
     await press('Flush time, line 2: not a number');
     expect(nameOf(document.activeElement!)).toBe('Flush time, line 2');
-    await press('Show what is not right');
+    await press('Show errors');
     expect(nameOf(document.activeElement!)).toBe('Runs of the whole table');
   });
 });
@@ -703,11 +703,11 @@ describe('a refusal halfway', () => {
   it('can be mended', async () => {
     expect(message()).toContain('The instrument does not have the table as it was sent.');
     expect(message()).toContain('A table was not taken as a whole');
-    await pressAndWait('Restore what was there before…');
+    await pressAndWait('Restore the previous table…');
     expect(dialog()).toBe('Restore the sequence?');
     expect(asked()).toEqual([
       'This changes on the instrument:',
-      'What was changed here stays here, and is not sent.',
+      'The changes made here are kept, and not sent.',
       ...sequenceKind.effects,
     ]);
     world.send = (file) => {
@@ -716,7 +716,7 @@ describe('a refusal halfway', () => {
     };
     await pressAndWait('Restore');
     expect(message()).toBe(
-      'What was there before is on the instrument again: sent, read back, and the same.',
+      'The previous table is on the instrument again: sent, read back, and identical.',
     );
     expect(textsOf('[data-testid=table-message] button')).toEqual([]);
     expect(field('Stream, line 3').value).toBe('3');
@@ -724,7 +724,7 @@ describe('a refusal halfway', () => {
 
   it('is not mended over what somebody else did', async () => {
     world.table = { ...world.table, rows: world.table.rows.slice(0, 1) };
-    await pressAndWait('Restore what was there before…');
+    await pressAndWait('Restore the previous table…');
     expect(textsOf('dialog button')).toEqual([
       'Cancel',
       'Load the instrument’s table',
@@ -738,7 +738,7 @@ describe('a refusal halfway', () => {
     world.until = new Promise(() => undefined);
     await press('Discard and reload…');
     await press('Discard and reload');
-    expect(button('Restore what was there before…').disabled).toBe(true);
+    expect(button('Restore the previous table…').disabled).toBe(true);
   });
 });
 

@@ -227,7 +227,7 @@ describe('files', () => {
     ],
     [
       `{"Table_repeat": 1, "total": 21, "rows": [${Array(21).fill('{}').join()}]}`,
-      'It has 21 lines; the instrument takes 20.',
+      'It has 21 lines; the instrument accepts 20.',
     ],
   ])('that are no sequence are refused: %s', (text, message) => {
     expect(() => readFile(octets(text), sequenceKind, sequence)).toThrow(message);
@@ -235,10 +235,10 @@ describe('files', () => {
 
   it('that are too large or no UTF-8 are refused', () => {
     expect(() => readFile(new ArrayBuffer(65537), sequenceKind, sequence)).toThrow(
-      'It has 65537 octets; the gateway takes 65536.',
+      'It has 65537 octets; the gateway accepts 65536.',
     );
     const latin = new Uint8Array([0x22, 0xe4, 0x22]).buffer;
-    expect(() => readFile(latin, sequenceKind, sequence)).toThrow('It is no text in UTF-8.');
+    expect(() => readFile(latin, sequenceKind, sequence)).toThrow('It is not text in UTF-8.');
   });
 
   it('that name a peak which the instrument does not have are refused', () => {

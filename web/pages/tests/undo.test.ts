@@ -63,7 +63,7 @@ describe('undo', () => {
     expect(editing.said.value).toBe(last);
     editing.redo();
     editing.redo();
-    expect(said()).toEqual(['Done again: deletion of line 1.', { rowId: 1, key: 'Type' }]);
+    expect(said()).toEqual(['Redone: deletion of line 1.', { rowId: 1, key: 'Type' }]);
     editing.redo();
     expect(streams()).toEqual(['2', '3']);
     editing.redo();

@@ -10,7 +10,7 @@ export function ActiveAlarms({ most = Infinity }: { most?: number }) {
     case 'none':
       return null;
     case 'asking':
-      return <p class="alarm-names">Which alarms are active is being asked.</p>;
+      return <p class="alarm-names">Reading which alarms are active.</p>;
     case 'unnamed':
       return (
         <p class="alarm-names">
@@ -24,7 +24,7 @@ export function ActiveAlarms({ most = Infinity }: { most?: number }) {
             <p>
               {summary.isWhole
                 ? 'The alarm table names none at present: the alarm may have just ended.'
-                : 'None of the alarms that can be shown is active: it is a later one.'}
+                : 'None of the alarms that can be shown is active: it is one further down the table.'}
             </p>
           ) : (
             <ul aria-label="Active alarms">

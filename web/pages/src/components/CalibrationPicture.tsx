@@ -66,7 +66,7 @@ export function CalibrationPicture(props: { editor: Editor; focusedRow: number |
     <section class="picture sideways" aria-labelledby="peaks">
       <h2 id="peaks">Peaks and amounts</h2>
       <AmountSums channels={channels} peaks={peaks} unit={unitOf('amount')} />
-      <p class="readout text">{focused ? describe(focused) : 'The cursor is at no peak.'}</p>
+      <p class="readout text">{focused ? describe(focused) : 'No peak is selected.'}</p>
       <div class="channels" ref={picture}>
         {channels.map(({ channel, peaks: own }) => {
           const untimed = own.filter((peak) => !hasTime(peak));

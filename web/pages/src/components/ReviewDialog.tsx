@@ -74,7 +74,7 @@ function Send({ editor, review, extra, onClose }: Props<'send'>) {
           : 'This changes on the instrument:'}
       </p>
       <DiffTable diff={diff} layout={layout} extra={extra} />
-      {isRestore && <p>What was changed here stays here, and is not sent.</p>}
+      {isRestore && <p>The changes made here are kept, and not sent.</p>}
       {unusual.length > 0 && (
         <p>More than usual, and perhaps refused by the instrument: {unusual.join('; ')}.</p>
       )}

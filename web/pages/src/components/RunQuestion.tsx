@@ -85,8 +85,8 @@ export function RunQuestion({ question, onDone }: { question: Question; onDone: 
         >
           {sequenceEditor.isDirty.value && (
             <p class="message bad">
-              The sequence has changes here that are not sent. The automation runs the table that
-              the instrument has:
+              The sequence has changes here that have not been sent. The automation runs the table
+              that the instrument has:
             </p>
           )}
           <SequenceLines sequence={question.sequence} />

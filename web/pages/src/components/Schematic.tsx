@@ -107,7 +107,7 @@ export function Schematic({ status }: { status: Status }) {
   const stream = status.Curr_stream;
   return (
     <section class="card wide" aria-labelledby="schematic">
-      <h2 id="schematic">Way of the gas</h2>
+      <h2 id="schematic">Gas flow</h2>
       <div class="schematic">
         <ol class="parts inlet" aria-label="All channels">
           {inlet.map((part) => (

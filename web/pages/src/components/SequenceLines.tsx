@@ -6,7 +6,7 @@ import { nameWithUnit } from '../units';
 /** How often the table is run, as a sentence. */
 export function repeatText(sequence: Sequence): string {
   if (sequence.Continuous) {
-    return 'The table is run again and again until it is stopped.';
+    return 'The table is run repeatedly until it is stopped.';
   }
   const times = sequence.Table_repeat;
   return times === 1 ? 'The table is run once.' : `The table is run ${times} times.`;

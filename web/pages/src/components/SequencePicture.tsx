@@ -27,13 +27,13 @@ function notesOf(timeline: Timeline): string[] {
   const lines = (numbers: readonly number[]): string =>
     `${numbers.length === 1 ? 'line' : 'lines'} ${numbers.join(', ')}`;
   return [
-    unclear.length > 0 && `The number of runs is not right in ${lines(unclear)}: drawn as one run.`,
-    passedOver.length > 0 && `Passed over, with 0 runs: ${lines(passedOver)}.`,
+    unclear.length > 0 && `The number of runs is not valid in ${lines(unclear)}: drawn as one run.`,
+    passedOver.length > 0 && `Skipped, with 0 runs: ${lines(passedOver)}.`,
     runSeconds === undefined
       ? 'How long a run takes is not known: the bar counts runs, not time.'
       : isFlushUnknown &&
-        'The unit of the flush times is not known here: no time has the flushing in it, which is drawn in dashes.',
-    'Thin is flushing, thick are runs. Delays between runs are in no report, and in no time here.',
+        'The unit of the flush times is not known: no time includes flushing, which is drawn dashed.',
+    'Thin: flushing. Thick: runs. No report tells the delays between runs, so no time includes them.',
   ].filter((note) => note !== false);
 }
 

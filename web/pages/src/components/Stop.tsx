@@ -34,7 +34,7 @@ function unknownSince(): string {
 }
 
 const abortEnds = 'The run ends at once without a result, and the automation with it.';
-const harmless = 'Where nothing is running, an abort changes nothing.';
+const harmless = 'If nothing is running, an abort changes nothing.';
 
 function AboutAbort({ known }: { known: Status | undefined }) {
   if (!known) {

@@ -17,7 +17,7 @@ function save(name: string, text: string): void {
 function reasonNotToSend(editor: Editor): string {
   const count = editor.problems.value.length;
   if (count > 0) {
-    return `${count} ${count === 1 ? 'cell is' : 'cells are'} not right.`;
+    return `${count} ${count === 1 ? 'cell is' : 'cells are'} not valid.`;
   }
   if (editor.busy.value !== '') {
     return `${editor.busy.value}.`;
@@ -88,7 +88,7 @@ export function TableToolbar({ editor, onEarlier, onFirstProblem }: Props) {
       />
       {isWrong && (
         <button type="button" onClick={onFirstProblem}>
-          Show what is not right
+          Show errors
         </button>
       )}
     </div>

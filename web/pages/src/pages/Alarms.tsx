@@ -77,7 +77,7 @@ function AskReset({ onYes, onNo }: { onYes: () => void; onNo: () => void }) {
           </ul>
         </>
       ) : (
-        <p>Which alarms are active is not known. All are reset.</p>
+        <p>It is not known which alarms are active. All are reset.</p>
       )}
       <p>An alarm whose cause persists comes back at once.</p>
     </Confirm>
@@ -134,8 +134,8 @@ export function AlarmsPage() {
       {isBehind && (
         <p role="status">
           {report && report.total > rows.length
-            ? 'None of the alarms that can be shown is active: it is a later one.'
-            : 'The instrument tells of an alarm, but its table does not name one yet.'}
+            ? 'None of the alarms that can be shown is active: it is one further down the table.'
+            : 'The instrument reports an alarm, but its table does not name one yet.'}
         </p>
       )}
       {report && rows.length === 0 && !isBehind && (

@@ -80,7 +80,7 @@ export function RunPage() {
         <h2 id="now">
           {lostSince.value === undefined
             ? 'Now'
-            : `Last values, of ${formatInstant(lostSince.value, now.value)}`}
+            : `Last values, from ${formatInstant(lostSince.value, now.value)}`}
         </h2>
         <Now status={current} />
         <dl class="facts inline">
@@ -165,7 +165,7 @@ export function RunPage() {
               onClick={() => setQuestion({ kind: 'solution', slot })}
             />
           </div>
-          <p class="dim">No report tells which solution is in use.</p>
+          <p class="dim">No report shows which solution is in use.</p>
         </section>
       </div>
       {question && <RunQuestion question={question} onDone={() => setQuestion(undefined)} />}

@@ -30,7 +30,7 @@ function noteOf(key: (typeof channelKeys)[number]): string {
 function Overview({ current }: { current: Status }) {
   const hasError = current.Error_code > 0;
   const facts: [name: string, value: string | number, look?: string][] = [
-    ['Kind of run', current.Run_type],
+    ['Run type', current.Run_type],
     ['Last analysis', `No. ${current.Last_counter}`],
     ['Automation', withoutNothing(current.Auto_state)],
     ['Sequence', formatPosition(current.Seq_line, current.Line_replicate, current.Seq_replicate)],

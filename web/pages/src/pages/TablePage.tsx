@@ -66,7 +66,7 @@ function MessageLine({ editor, extra }: { editor: Editor; extra: ExtraColumn | u
         <p class="message bad">
           A table was not taken as a whole: the instrument may have a part of it.
           <button type="button" disabled={isBusy} onClick={() => void editor.prepareRestore()}>
-            Restore what was there before…
+            Restore the previous table…
           </button>
         </p>
       )}
