@@ -75,7 +75,8 @@ def _wait(process: int) -> None:
         seen, looks, last = [], 0, time.monotonic() + LONGEST_RUN
         while not select.select([end], [], [], SECONDS_A_LOOK)[0]:
             before, seen = seen, _activity(process)
-            idle = seen == before and all(state == "S" for _, state, _ in seen)
+            # Sleeping, or dead and waiting for a parent that sleeps.
+            idle = seen == before and all(state in "SZ" for _, state, _ in seen)
             looks = looks + 1 if idle else 0
             if looks == IDLE_LOOKS or time.monotonic() > last:
                 # Everything in the sandbox dies with it.

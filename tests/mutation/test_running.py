@@ -38,6 +38,15 @@ def test_what_waits_for_ever_is_ended(tmp_path: Path, monkeypatch: pytest.Monkey
     assert (ended.passed, ended.test) == (False, "A.Waits")
 
 
+def test_what_waits_beside_a_dead_child_is_ended(
+    tmp_path: Path, monkeypatch: pytest.MonkeyPatch
+) -> None:
+    monkeypatch.setattr(running, "IDLE_LOOKS", 3)
+    monkeypatch.setattr(running, "LONGEST_RUN", 1e9)
+    parent = "import os, signal\nos.fork() or os._exit(0)\nsignal.pause()"
+    assert not run(tmp_path, f"exec /usr/bin/python3 -c '{parent}'").passed
+
+
 def test_what_is_busy_does_not_wait(tmp_path: Path, monkeypatch: pytest.MonkeyPatch) -> None:
     monkeypatch.setattr(running, "IDLE_LOOKS", 2)
     busy = "import time\nwhile time.process_time() < 1: pass"
