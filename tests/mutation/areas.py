@@ -63,6 +63,7 @@ AREAS = (
             ),
         ),
         0.97,
+        ("Source/Version.cpp",),
     ),
     Area(
         "simulator",
