@@ -14,10 +14,15 @@ if(gc_named EQUAL 0)
   set(GC_USE_STAND_INS ON)
 elseif(gc_named EQUAL 3)
   set(GC_USE_STAND_INS OFF)
+  include(cmake/CheckLibraries.cmake)
   foreach(name CLIENT PLATFORM ERRORTEXT)
     string(TOLOWER ${name} target)
     add_library(gc::${target} UNKNOWN IMPORTED)
-    set_target_properties(gc::${target} PROPERTIES IMPORTED_LOCATION "${GC_${name}_LIBRARY}")
+    # Libraries that this one needs may be beside it.
+    cmake_path(GET GC_${name}_LIBRARY PARENT_PATH folder)
+    set_target_properties(gc::${target} PROPERTIES
+      IMPORTED_LOCATION "${GC_${name}_LIBRARY}"
+      INTERFACE_LINK_OPTIONS "LINKER:-rpath-link,${folder}")
   endforeach()
 else()
   message(FATAL_ERROR "Set all of GC_CLIENT_LIBRARY, GC_PLATFORM_LIBRARY and GC_ERRORTEXT_LIBRARY "

@@ -105,6 +105,75 @@ def test_a_library_that_is_not_there_is_refused(bin_dir: Path, tmp_path: Path) -
     assert "no such file" in done.stderr
 
 
+def make_library(
+    path: Path, soname: str | None = None, needs: list[Path] | None = None
+) -> Path:
+    """An empty library, or one that needs others."""
+    command = ["g++", "-shared", "-nostdlib", "-o", path, "-x", "c++", "/dev/null", "-x", "none"]
+    if soname is not None:
+        command.append(f"-Wl,-soname,{soname}")
+    run(*command, "-Wl,--no-as-needed", *(needs or []))
+    return path
+
+
+def configure_with(folder: Path, **libraries: Path) -> subprocess.CompletedProcess[str]:
+    """With libraries in the place of the maker's; those not named are empty."""
+    named = ["-DGC_BUILD_WEB=OFF"]
+    for name in LIBRARIES:
+        path = libraries.pop(name, None) or make_library(folder / f"{name}.so", f"lib{name}.so.1")
+        named.append(f"-D{name}={path}")
+    named += [f"-D{name}={path}" for name, path in libraries.items()]
+    command = ["cmake", "--preset", "release", "-B", folder / "build", *named]
+    done = subprocess.run(command, cwd=ROOT, capture_output=True, text=True, check=False)
+    done.stderr = " ".join(done.stderr.split())
+    return done
+
+
+@pytest.mark.parametrize("soname", ["libACE-6.5.8.so", "libACE.so.6.2.2"])
+def test_another_version_of_ace_is_refused(tmp_path: Path, soname: str) -> None:
+    """Both would be in one process. The message tells how to build with the maker's."""
+    ace = make_library(tmp_path / "libACE.so", soname)
+    client = make_library(tmp_path / "client.so", "libclient.so.1", [ace])
+    done = configure_with(tmp_path, GC_CLIENT_LIBRARY=client)
+    assert done.returncode != 0
+    for words in (
+        f"GC_CLIENT_LIBRARY: {client} needs {soname}, but this build links libACE",
+        f"-DACE_LIBRARY=/path/to/{soname} -DACE_INCLUDE_DIR=",
+    ):
+        assert words in done.stderr
+    assert configure_with(tmp_path, GC_CLIENT_LIBRARY=client, ACE_LIBRARY=ace).returncode == 0
+
+
+def test_a_library_without_a_soname_is_refused(tmp_path: Path) -> None:
+    """A tool linked to it would have the path of this build in it."""
+    platform = make_library(tmp_path / "platform.so")
+    done = configure_with(tmp_path, GC_PLATFORM_LIBRARY=platform)
+    assert done.returncode != 0
+    assert f"GC_PLATFORM_LIBRARY: {platform} has no soname" in done.stderr
+
+
+def test_a_fourth_library(tmp_path: Path) -> None:
+    """May be beside the others; otherwise the message names it."""
+    (tmp_path / "elsewhere").mkdir()
+    fourth = make_library(tmp_path / "elsewhere" / "libfourth.so.4", "libfourth.so.4")
+    text = make_library(tmp_path / "text.so", "libtext.so.1", [fourth])
+    done = configure_with(tmp_path, GC_ERRORTEXT_LIBRARY=text)
+    assert done.returncode != 0
+    assert f"GC_ERRORTEXT_LIBRARY: {text} also needs libfourth.so.4" in done.stderr
+    fourth.rename(tmp_path / fourth.name)
+    assert configure_with(tmp_path, GC_ERRORTEXT_LIBRARY=text).returncode == 0
+
+
+def test_a_library_for_another_processor_is_refused(tmp_path: Path) -> None:
+    client = make_library(tmp_path / "client.so", "libclient.so.1")
+    octets = bytearray(client.read_bytes())
+    octets[18:20] = b"\x00\x00"  # the machine in the header: none
+    client.write_bytes(octets)
+    done = configure_with(tmp_path, GC_CLIENT_LIBRARY=client)
+    assert done.returncode != 0
+    assert f"GC_CLIENT_LIBRARY: {client} is no library for this processor" in done.stderr
+
+
 MEMORY = {
     "status": [],
     "configuration": ["-g"],
