@@ -1,10 +1,10 @@
-// Writes src/interface.d.ts: the gateway's interface in TypeScript, from its description.
+// Generates src/interface.d.ts, the gateway's interface in TypeScript, from its description.
 import { existsSync, readFileSync, writeFileSync } from 'node:fs';
 import openapiTS, { astToString } from 'openapi-typescript';
 
 /**
- * Beside members, alternatives say which of them go together. Their types would repeat the members that
- * they restrict, and all others as unknown.
+ * In a schema with members, alternatives only say which members go together. Their types would
+ * repeat the members that they restrict, with all others as unknown.
  */
 function transform(schema) {
   if (schema.type) {

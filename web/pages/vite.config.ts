@@ -1,14 +1,14 @@
-// How the pages are built, and how they are served while somebody works on them.
+// How the pages are built, and how they are served during development.
 import { existsSync, readFileSync } from 'node:fs';
 import { defineConfig } from 'vitest/config';
 
-// What ./run --web serves: the gateway as a controller has it, with its logins, locks and limits.
+// The server of ./run --web: the gateway as on a controller, with its logins, locks and limits.
 const target = process.env.GC_WEB_SERVER ?? 'http://127.0.0.1:8080';
-// As the browser sent them: the gateway compares Origin with Host.
+// Host stays as the browser sent it: the gateway compares Origin with Host.
 const behind = { target, changeOrigin: false };
 const proxy = { '/api': behind, '/schemas': behind, '/openapi.json': behind };
 
-/** The project's, which the pages are a part of. */
+/** The version of the project, which the pages are a part of. */
 function version(): string {
   const project = new URL('../../CMakeLists.txt', import.meta.url);
   const text = existsSync(project) ? readFileSync(project, 'utf8') : '';
@@ -37,6 +37,6 @@ export default defineConfig({
   },
   server: { fs: { allow: ['../..'] }, proxy },
   preview: { proxy, headers: { 'Content-Security-Policy': "default-src 'self'" } },
-  // A busy machine is no fault of the pages.
+  // Generous, as a busy machine must not make a test fail.
   test: { include: ['tests/**/*.test.{ts,tsx}'], testTimeout: 60_000 },
 });

@@ -1,4 +1,4 @@
-// The pages behind their addresses, and what surrounds them.
+// The pages by address, with the header and navigation around them.
 import { useEffect, useRef, useState } from 'preact/hooks';
 import type { ComponentChildren } from 'preact';
 import { amountChange } from './changes';
@@ -21,7 +21,7 @@ interface Page {
   name: string;
   title: string;
   render: () => ComponentChildren;
-  /** Of a page on which something can be changed that is not sent at once. */
+  /** Only on pages whose changes are not sent at once. */
   editor?: Editor;
 }
 
@@ -99,7 +99,7 @@ export function App() {
   useEffect(() => {
     document.title = `${begin}${title} – ${application}`;
   }, [begin, title, application]);
-  // A screen reader goes on reading where the new page begins.
+  // A screen reader continues at the start of the new page.
   useEffect(() => {
     if (!isFirst.current) {
       heading.current?.focus();

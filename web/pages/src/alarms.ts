@@ -1,4 +1,4 @@
-// The instrument's alarms, which all pages and the sign in the top share.
+// The instrument's alarms, shared by all pages and the header.
 import { computed, effect, signal } from '@preact/signals';
 import { getReport, type Fault } from './api';
 import type { Alarm, Alarms } from './documents';
@@ -7,19 +7,19 @@ import { isStale, status } from './store';
 /** Milliseconds between two reports while an alarm is active. */
 const interval = 60_000;
 
-/** The latest report; it is dropped when the instrument says something else. */
+/** The latest report; dropped when the instrument or its overall alarm changes. */
 export const alarms = signal<Alarms | undefined>(undefined);
 /** Why there is no report, or no newer one. */
 export const alarmsFault = signal<Fault | undefined>(undefined);
-/** The only one of these requests whose answer still counts. */
+/** Number of the latest request; answers to earlier ones are ignored. */
 let latest = 0;
 
-/** The texts begin with their numbers, which say nothing to a reader. */
+/** Removes the number at the start of a text, which means nothing to the user. */
 function withoutNumber(text: string): string {
   return text.replace(/^-?\d+\. /, '');
 }
 
-/** What a person calls it. */
+/** The alarm's name for the user. */
 export function nameOf(alarm: Alarm): string {
   const group = withoutNumber(alarm.GroupStr);
   const parameter = alarm.ParamStr === '--' ? group : withoutNumber(alarm.ParamStr);
@@ -30,15 +30,15 @@ export const activeAlarms = computed(() =>
   (alarms.value?.rows ?? []).filter(({ Triggered }) => Triggered),
 );
 
-/** What sign and lists say: none of them looks at anything else. */
+/** What is known of the active alarms, for everything that names them. */
 export type AlarmSummary =
   | { kind: 'unknown' }
   | { kind: 'none' }
-  /** There is an alarm; which, is not known yet. */
+  /** There is an alarm; the report that names it has not arrived yet. */
   | { kind: 'asking' }
-  /** There is an alarm, and the report cannot be had. */
+  /** There is an alarm, but the report could not be read. */
   | { kind: 'unnamed'; fault: Fault }
-  /** There is an alarm; the table may name none of those that are active, and be an older one. */
+  /** There is an alarm; the report may be incomplete or out of date, so `names` may be empty. */
   | { kind: 'named'; names: string[]; isWhole: boolean; fault: Fault | undefined };
 
 export const alarmSummary = computed<AlarmSummary>(() => {
@@ -57,7 +57,7 @@ export const alarmSummary = computed<AlarmSummary>(() => {
   return { kind: 'named', names, isWhole: total <= rows.length, fault };
 });
 
-/** Asks for the report; undefined if it was not to be had. */
+/** Requests the report; undefined if it could not be read. */
 export async function loadAlarms(): Promise<Alarms | undefined> {
   const number = ++latest;
   const answer = await getReport<Alarms>('/api/alarms', 'total');
@@ -68,19 +68,19 @@ export async function loadAlarms(): Promise<Alarms | undefined> {
   return answer.ok ? answer.value : undefined;
 }
 
-/** What was reported is not so any more. */
+/** Drops the report, which no longer applies, and any answer still to come. */
 function forgetAlarms(): void {
   latest++;
   alarms.value = undefined;
   alarmsFault.value = undefined;
 }
 
-/** What the report belongs to. */
+/** The instrument and the alarm state that the report belongs to. */
 const subject = computed(() =>
   status.value ? `${status.value.Application} ${status.value.Alarm_overall}` : undefined,
 );
 
-/** Asks whenever there is reason to, until the returned function is called. */
+/** Requests the report whenever it may have changed, until the returned function is called. */
 export function watchAlarms(): () => void {
   let isFirst = true;
   const stop = effect(() => {
@@ -91,14 +91,14 @@ export function watchAlarms(): () => void {
     if (!isFirst) {
       forgetAlarms();
     }
-    // Nobody asks which alarms are not active, but who has the table in front.
+    // Without an alarm at the start, only the Alarms page needs the table, and requests it itself.
     if (isAlarm || !isFirst) {
       void loadAlarms();
     }
     isFirst = false;
   });
   const stopReturn = effect(() => {
-    // It was away, or this page was: what could not be had may be there again.
+    // The instrument answers again: retry a report that could not be read.
     if (!isStale.value && alarmsFault.peek()) {
       void loadAlarms();
     }

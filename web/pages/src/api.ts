@@ -1,32 +1,32 @@
-// Requests to the gateway, and in plain words what went wrong with one.
+// Requests to the gateway, and plain descriptions of what went wrong.
 import type { Verdict } from './documents';
 
-/** Why there is no good answer. */
+/** Why a request failed. */
 export interface Fault {
   /** HTTP status; 0 when there was no answer at all. */
   status: number;
-  /** What happened, as a sentence for the person in front. */
+  /** What happened, as a sentence for the user. */
   text: string;
   /** Details from the gateway or the instrument; may be empty. */
   detail: string;
-  /** The number with which the instrument, or its library, refused. */
+  /** The error number from the instrument or its library. */
   code?: number;
-  /** Whether a command may have been carried out all the same. */
+  /** Whether a command may have been carried out despite the fault. */
   isUnknown?: boolean;
 }
 
 export type Answer<T> = (
   { ok: true; value: T; ageSeconds: number } | { ok: false; fault: Fault }
 ) & {
-  /** How many commands were interrupted and nobody has taken note, if there are any. */
+  /** Number of interrupted commands that nobody has acknowledged, if any. */
   interrupted?: number;
-  /** Who has given the command, as the web server knows. */
+  /** Name of the user who gave the command, from the web server. */
   user?: string;
 };
 
 /**
- * Milliseconds that an answer may take: a little more than the gateway accepts at most to say that
- * there is none. For a status it waits 25 s for somebody else's and 20 s for its own.
+ * Milliseconds that an answer may take: slightly more than the gateway needs at most to report that
+ * there is none. For a status, it waits 25 s for another request's report and 20 s for its own.
  */
 export const timeLimits = { status: 48_000, report: 25_000, command: 152_000 } as const;
 
@@ -44,7 +44,7 @@ const textsOfStatus: Readonly<Record<number, string>> = {
   504: 'The instrument did not answer in time.',
 };
 
-/** A member of something that came from outside, if it is a text or a number. */
+/** A member of an unchecked value, if it is a string or a number. */
 function member(value: unknown, key: string): string | undefined {
   if (typeof value !== 'object' || value === null) {
     return undefined;
@@ -53,10 +53,10 @@ function member(value: unknown, key: string): string | undefined {
   return typeof found === 'string' || typeof found === 'number' ? String(found) : undefined;
 }
 
-/** What an answer that is no success means; `body` is its parsed document, if it is one. */
+/** Describes an unsuccessful answer; `body` is its parsed document, if it has one. */
 export function faultOf(status: number, body: unknown): Fault {
   if (member(body, 'outcome') === 'unknown') {
-    // No refusal: the instrument may be at work.
+    // Not a refusal: the instrument may still be carrying out the command.
     const parts = [member(body, 'detail'), member(body, 'message')];
     const text = 'The outcome of the command is not known.';
     return { status, text, detail: parts.filter(Boolean).join(' '), isUnknown: true };
@@ -67,7 +67,7 @@ export function faultOf(status: number, body: unknown): Fault {
   const details =
     code === undefined
       ? [member(body, 'title'), member(body, 'detail')]
-      : // A solution that was refused says "Accepted".
+      : // The verdict on a refused solution says "Accepted".
         [
           words === undefined || words === 'Accepted'
             ? `error ${code}`
@@ -83,13 +83,13 @@ export function faultOf(status: number, body: unknown): Fault {
   const number = Number(code ?? instrument);
   const known = Number.isNaN(number) ? {} : { code: number };
   if (status >= 500 && body === undefined) {
-    // The web server's own: the gateway has not come to its end.
+    // From the web server itself: the gateway did not finish.
     return { status, text, detail: '', isUnknown: true };
   }
   return { status, text, detail: details.filter(Boolean).join(': '), ...known };
 }
 
-/** The document of an answer; undefined where there is none. */
+/** The document of an answer; undefined if there is none. */
 function parsed(response: Response): Promise<unknown> {
   return response.json().catch(() => undefined);
 }
@@ -103,7 +103,7 @@ function readHeaders(headers: Headers): { interrupted?: number; user?: string } 
   };
 }
 
-/** A header's text, which is percent-encoded. */
+/** The text of a percent-encoded header. */
 function decoded(text: string): string {
   try {
     return decodeURIComponent(text);
@@ -147,7 +147,7 @@ async function request<T>(
   return { ok: true, value, ageSeconds: Math.max(0, age) || 0, ...fromHeaders };
 }
 
-/** Asks for a report; `key` is a member that tells its document from any other. */
+/** Requests a report; `key` is a member by which its document is recognized. */
 export function getReport<T extends object>(
   path: string,
   key: keyof T & string,
@@ -158,7 +158,10 @@ export function getReport<T extends object>(
   return request(path, { method: 'GET' }, limit, take, 'The web server does not answer.');
 }
 
-/** Gives a command, of which nobody knows what became when no answer comes. Only the HTTP status says whether it succeeded; a stream switch answers nothing. */
+/**
+ * Sends a command; without an answer, its outcome is unknown. Only the HTTP status says whether it
+ * succeeded: a stream switch is answered without a document.
+ */
 export async function sendCommand(
   method: 'POST' | 'PUT',
   name: string,

@@ -1,5 +1,5 @@
-// A clock for a page that nobody sees: browsers let a hidden window's own timers wait for a minute,
-// but not those of a worker.
+// A clock for hidden pages: browsers delay a hidden window's own timers by up to a minute, but not
+// those of a worker.
 
 /** Calls `tick` every few seconds, hidden or not. */
 export function everyFewSeconds(tick: () => void): void {

@@ -1,11 +1,11 @@
-// Tables as they were before downloads replaced them; the gateway keeps the last ones.
+// Tables that downloads have replaced; the gateway keeps the latest ones.
 import { getReport, type Fault } from './api';
 import type { BackupList } from './documents';
 import { readDocument } from './files';
 import type { Table } from './table';
 import type { TableKind } from './tables';
 
-/** What is shown of a table; it is found by its `number`, which is never used again. */
+/** What is shown of a table; its `number` identifies it and is never reused. */
 export type Backup = Pick<BackupList['backups'][number], 'number' | 'time' | 'user'>;
 
 export type Got<T> = { ok: true; value: T } | { ok: false; reason: string };
@@ -13,7 +13,7 @@ export type Got<T> = { ok: true; value: T } | { ok: false; reason: string };
 /** Where backups come from. */
 export interface Backups {
   list: () => Promise<Got<readonly Backup[]>>;
-  /** One of them, for the peaks or lines that the instrument has now. */
+  /** One of them, applied to the peaks or lines that the instrument has now. */
   table: (number: number, current: Table) => Promise<Got<Table>>;
 }
 
@@ -44,7 +44,7 @@ export function backupsOf(kind: TableKind, describe: (fault: Fault) => string): 
   };
 }
 
-/** When that was, and who did it. */
+/** When the table was replaced, and by whom. */
 export function backupName({ time, user }: Backup): string {
   const when = new Date(time);
   return `${Number.isNaN(when.getTime()) ? time : when.toLocaleString()}, by ${user}`;

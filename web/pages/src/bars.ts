@@ -1,12 +1,12 @@
-// Where an actual value lies between its setpoint and far away.
+// Where to draw an actual value on a bar with its setpoint in the middle.
 import type { SetpointAndActual } from './documents';
 
-/** So many tolerances away is the end of a bar. */
+/** Distance from the setpoint, in tolerances, at which a bar ends. */
 const farthest = 200;
 
 /**
- * Places a difference between -1 and 1. It is compressed: half a degree is as easy to see as the
- * way from the cold.
+ * Maps a difference to the range from -1 to 1. The scale is logarithmic: half a degree is as easy to
+ * see as a cold column.
  */
 function placeOf(difference: number, tolerance: number): number {
   const part = Math.log1p(Math.abs(difference) / tolerance) / Math.log1p(farthest);
@@ -14,9 +14,9 @@ function placeOf(difference: number, tolerance: number): number {
 }
 
 export interface Bar {
-  /** The actual value, from -1 far below the setpoint to 1 far above; undefined without a pair. */
+  /** The actual value, from -1 (far below the setpoint) to 1; undefined if a value is missing. */
   actual: number | undefined;
-  /** Half the width of what counts as reached. */
+  /** Half the width of the range that counts as at setpoint. */
   band: number;
 }
 

@@ -1,4 +1,4 @@
-// Which cell is meant: its name, its text, and where two drafts differ.
+// The names and texts of cells, the first difference between two drafts, and unusual values.
 import {
   textIn,
   type Cell,
@@ -13,25 +13,25 @@ function columnOf({ rowId, key }: Cell, layout: Layout): Column | undefined {
   return (rowId === null ? layout.header : layout.columns).find((column) => column.key === key);
 }
 
-/** As it is called on the page: `Flush time, line 2`; a row’s number is its place. */
+/** The cell's name on the page, with its row's place in the table: `Flush time, line 2`. */
 export function cellName(cell: Cell, draft: Draft, layout: Layout): string {
   const label = columnOf(cell, layout)?.label ?? cell.key;
   const index = draft.rows.findIndex(({ id }) => id === cell.rowId);
   return cell.rowId === null ? label : `${label}, ${layout.rowName} ${index + 1}`;
 }
 
-/** The text in it; undefined where there is no such row. */
+/** The cell's text; undefined if there is no such row. */
 export function cellText({ rowId, key }: Cell, draft: Draft): string | undefined {
   const cells = rowId === null ? draft.header : draft.rows.find((row) => row.id === rowId)?.cells;
   return cells && (cells[key] ?? '');
 }
 
-/** The column of a cell that holds a real number. */
+/** Whether the cell holds a real number. */
 export function isReal(cell: Cell, layout: Layout): boolean {
   return columnOf(cell, layout)?.kind === 'real';
 }
 
-/** A cell of the second draft that is not as in the first; undefined when all are. */
+/** A cell of the second draft at which it differs from the first; undefined if they are equal. */
 export function firstDifference(from: Draft, to: Draft, layout: Layout): Cell | undefined {
   const differs = (columns: readonly Column[], a: Cells, b: Cells): string | undefined =>
     columns.find((column) => textIn(a, column) !== textIn(b, column))?.key;
@@ -56,7 +56,7 @@ export function firstDifference(from: Draft, to: Draft, layout: Layout): Cell | 
 
 type Cells = Draft['header'];
 
-/** What is more than usual in a table, with its name: `Runs, line 2: 1200`. */
+/** Values above the usual range, each with its cell's name: `Runs, line 2: 1200`. */
 export function unusualValues(table: Table, layout: Layout): string[] {
   const of = (values: Values, columns: readonly Column[], where: string): string[] =>
     columns

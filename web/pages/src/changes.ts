@@ -1,4 +1,4 @@
-// How much an amount changes, in parts of what it was.
+// The relative change of an amount.
 import type { RowChange } from './diff';
 import type { Value } from './table';
 
@@ -15,12 +15,12 @@ export function changeText(before: Value | undefined, after: Value | undefined):
     return 'to 0';
   }
   const percent = ((after - before) / Math.abs(before)) * 100;
-  // Of a large change the size counts, not its digits.
+  // Three significant digits are enough, even for a large change.
   const size = Number(Math.abs(percent).toPrecision(digits));
   return `${percent > 0 ? '+' : '−'}${size} %`;
 }
 
-/** A column of the comparison before amounts are sent. */
+/** A column for comparisons of calibration tables. */
 export const amountChange = {
   label: 'Relative change',
   of: ({ before, after, keys }: RowChange): string =>

@@ -1,4 +1,4 @@
-// Ticks every 4 s, whether its page is seen or not.
+// Ticks every 4 s, whether its page is visible or not.
 setInterval(() => postMessage('tick'), 4000);
 
 export {};

@@ -1,4 +1,4 @@
-// Commands: which can be given, and what becomes of those that were.
+// Commands: which are possible now, and what became of those that were sent.
 import { computed, effect, signal } from '@preact/signals';
 import { sendCommand, type Answer } from './api';
 import { askNow, isAwaited, knownStatus, onAnswer, status } from './contact';
@@ -10,7 +10,7 @@ import { change, isAnyAwaited, missStatus, notices, say, takeStatus } from './no
 import { noteLogin } from './session';
 import { reasonAgainst, type Action } from './states';
 
-/** Milliseconds after which a command without an answer may be waiting for a password. */
+/** Milliseconds without an answer after which the browser may be asking for a password. */
 const patience = 3000;
 
 /** The commands that are being sent. */
@@ -27,8 +27,8 @@ const mayBegin = computed(
 );
 
 /**
- * Why the action cannot be taken now; empty when it can. What stops the instrument never waits, and
- * goes off only where it is certain that there is nothing to stop; a reset of alarms harms nothing.
+ * Why the action is not possible now; empty if it is. Stopping never waits for another command, and
+ * is disabled only when there is certainly nothing to stop. Resetting alarms is always harmless.
  */
 export function reasonNotTo(action: Action): string {
   const known = knownStatus.value;
@@ -47,7 +47,7 @@ export function reasonNotTo(action: Action): string {
   return known ? reasonAgainst(action, known) : '';
 }
 
-/** Sends a command; of one that may have been carried out, `follow` says what to wait for. */
+/** Sends a command; if it may have been carried out, `follow` says what to wait for. */
 export async function command(
   name: string,
   send: { method: 'POST' | 'PUT'; path: string; body: unknown },

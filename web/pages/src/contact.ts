@@ -1,4 +1,4 @@
-// The contact with the instrument: its status, how old that is, and its configuration.
+// Contact with the instrument: its status, the age of the status, and its configuration.
 import { computed, signal } from '@preact/signals';
 import { everyFewSeconds } from './background';
 import { getReport, timeLimits, type Answer, type Fault } from './api';
@@ -10,24 +10,24 @@ import { isOtherInstrument, isRunning } from './states';
 /** Seconds between two requests for the status. */
 const intervals = { running: 1, quiet: 5, hidden: 10 } as const;
 
-/** How many intervals, or requests, without a good answer make the values stale. */
+/** Number of intervals or requests without a good answer after which the values are stale. */
 const staleIntervals = 3;
 
 export const status = signal<Status | undefined>(undefined);
-/** When the shown status was true, in milliseconds; 0 before there is one. */
+/** When the status shown was read, in milliseconds; 0 before the first one. */
 export const statusTime = signal(0);
-/** What is wrong with the latest request for the status; the last values stay. */
+/** Why the latest request for the status failed; the last values stay. */
 export const statusFault = signal<Fault | undefined>(undefined);
-/** The present, in milliseconds, once a second; in a hidden page every few seconds. */
+/** The current time in milliseconds, updated every second, or every few seconds in a hidden page. */
 export const now = signal(Date.now());
 export const configuration = signal<Configuration | undefined>(undefined);
-/** Counts the samples in `history`, which is no signal itself. */
+/** Counts the samples added to `history`, which is not a signal itself. */
 export const samples = signal(0);
-/** At most one sample a second, and the gaps. */
+/** Room for one sample a second, and for the gaps. */
 export const history = new History(historySeconds + 400);
-/** Whether somebody waits for the effect of a command. */
+/** Whether the effect of a command is awaited. */
 export const isAwaited = signal(false);
-/** How often the instrument has come back after it, or the web server, was away. */
+/** How many times the instrument has come back after it, or the web server, was away. */
 export const returns = signal(0);
 
 const intervalSeconds = computed(() =>
@@ -40,16 +40,16 @@ export const ageSeconds = computed(() =>
   statusTime.value === 0 ? Infinity : Math.max(0, (now.value - statusTime.value) / 1000),
 );
 
-/** The interval that the latest answer was given for. */
+/** The interval chosen after the latest answer. */
 const planned = signal<number>(intervals.quiet);
 
 /**
- * How long the latest good answers took: where they are slow, values are not stale while the next
- * ones come. More than one, as the gateway gives the same answer again for a second.
+ * How long the latest good answers took: values are not stale while a slow answer is on its way.
+ * Several are kept, as the gateway repeats an answer for a second without any delay.
  */
 const answerSeconds = signal<readonly number[]>([]);
 
-/** How many requests in a row have brought no good answer. */
+/** Number of successive requests without a good answer. */
 const missed = signal(0);
 
 export const isStale = computed(
@@ -58,17 +58,17 @@ export const isStale = computed(
     ageSeconds.value > staleIntervals * planned.value + Math.max(0, ...answerSeconds.value),
 );
 
-/** When the last good answer was true, in milliseconds, once three answers were missed. */
+/** When the last good status was read, in milliseconds; undefined unless the values are stale. */
 export const lostSince = computed(() =>
   isStale.value && statusTime.value > 0 ? statusTime.value : undefined,
 );
 
-/** The status, while it may be relied on. */
+/** The status; undefined while it is stale. */
 export const knownStatus = computed(() => (isStale.value ? undefined : status.value));
 
 const listeners: ((answer: Answer<Status>) => void)[] = [];
 
-/** Tells of every answer to a request for the status, after the signals have it. */
+/** Reports every answer to a request for the status, after the signals are updated. */
 export function onAnswer(listener: (answer: Answer<Status>) => void): void {
   listeners.push(listener);
 }
@@ -95,7 +95,7 @@ function takeGood(current: Status, age: number, seconds: number): void {
   statusTime.value = now.value - age * 1000;
   statusFault.value = undefined;
   if (!configuration.value || wasLost) {
-    // The instrument may have been away when the page was opened, and may have come back changed.
+    // The instrument may have been away when the page was opened, or may have come back changed.
     void loadConfiguration();
   }
   if (wasLost) {
@@ -122,7 +122,7 @@ const poller = createPoller<{ answer: Answer<Status>; seconds: number }>({
   isHidden: () => document.hidden,
 });
 
-/** Asks for the status at once, unless nobody sees the page. */
+/** Requests the status at once, unless the page is hidden. */
 export const askNow = poller.wake;
 
 let configurationRequest: Promise<Fault | undefined> | undefined;
@@ -136,7 +136,7 @@ async function requestConfiguration(): Promise<Fault | undefined> {
   return answer.fault;
 }
 
-/** Who asks while a request is under way gets its answer. */
+/** Callers during a request share its answer. */
 export function loadConfiguration(): Promise<Fault | undefined> {
   configurationRequest ??= requestConfiguration().finally(() => {
     configurationRequest = undefined;
@@ -144,14 +144,14 @@ export function loadConfiguration(): Promise<Fault | undefined> {
   return configurationRequest;
 }
 
-/** Where this tab keeps the curves of an instrument while a page is loaded again. */
+/** The key under which this tab keeps an instrument's curves while a page is reloaded. */
 const placeOfHistory = (of: Status): string => `history of ${of.Application}`;
 
 function restoreHistory(of: Status): void {
   try {
     history.restore(sessionStorage.getItem(placeOfHistory(of)), Date.now() / 1000);
   } catch {
-    // The browser keeps nothing for pages.
+    // The browser does not let pages store anything.
   }
 }
 
@@ -161,12 +161,12 @@ function saveHistory(): void {
     try {
       sessionStorage.setItem(place, history.save());
     } catch {
-      // There is no room: the curves begin anew.
+      // There is no room: the curves start again.
     }
   }
 }
 
-/** Begins to ask for the status; called once. */
+/** Starts to request the status; called once. */
 export function beginContact(): void {
   document.addEventListener('visibilitychange', () => {
     now.value = Date.now();

@@ -1,4 +1,4 @@
-// What a run, a calibration or the automation has come to, once it has begun.
+// How a run, a calibration or the automation ended.
 import type { Status } from './documents';
 import { formatMoment, formatSpan } from './format';
 import { gcStateOf, isAtWork, isError, isIdle } from './states';
@@ -8,20 +8,20 @@ export interface Ending {
   text: string;
 }
 
-/** A status, and when it was true, in milliseconds. */
+/** A status, and when it was read, in milliseconds. */
 export interface Sight {
   status: Status;
   time: number;
 }
 
-/** What is said of what has ended: `last` is the latest sight of it before. */
+/** Describes an end, from the status that shows it and `last`, the one before. */
 type Course = (end: Sight, last: Sight | undefined) => Ending;
 export type { Course };
 
-/** Seconds without a sight after which nobody has seen the end. */
+/** Seconds between two statuses after which the time of the end is unknown. */
 const unseen = 20;
 
-/** Seconds that a run's clock and number may be late. */
+/** Seconds by which a run's clock and number may be late. */
 const slack = 3;
 
 export function isOver(status: Status): boolean {
@@ -34,7 +34,7 @@ function endedAt(end: Sight, last: Sight | undefined): string {
   return isSeen ? `ended at ${clock}` : `was over when the instrument was seen again at ${clock}`;
 }
 
-/** Seconds at which the run that was seen last was cut short; undefined when it was not, or nobody knows. */
+/** Seconds at which the last run seen was aborted; undefined if it was not, or if unknown. */
 function cutAt(end: Sight, last: Sight | undefined): number | undefined {
   if (!last || gcStateOf(last.status) !== 'Running') {
     return undefined;
@@ -78,7 +78,7 @@ export function singleRunCourse(stream: number, before: Status): Course {
   };
 }
 
-/** The gateway asks for two runs. */
+/** Runs that the gateway requests for a calibration. */
 const calibrationRuns = 2;
 
 export function calibrationCourse(stream: number, before: Status): Course {

@@ -1,4 +1,4 @@
-// Which curves there are of an instrument, and the spans of their axes.
+// The curves available for an instrument, and the spans of their axes.
 import { channelKeys, type Real, type Status, type Units } from './documents';
 import type { Points } from './history';
 import { quantities, sampleLine } from './quantities';
@@ -17,7 +17,7 @@ export interface Choice {
   curves: Curve[];
 }
 
-/** What can be shown of an instrument with these channels. */
+/** The choices for an instrument with the channels in this status. */
 export function choicesOf(status: Status): Choice[] {
   const installed = channelKeys
     .map((key, index) => ({ key, label: `Channel ${index + 1}` }))
@@ -75,7 +75,7 @@ export function choicesOf(status: Status): Choice[] {
   ];
 }
 
-/** The axis shows at least so much, however short the curves are. */
+/** The shortest span of the time axis. */
 const leastSeconds = 60;
 
 /** The span of the time axis; without samples it ends now. */
@@ -84,7 +84,7 @@ export function timeSpan(times: ArrayLike<number>, now: number): [number, number
   return [Math.min(times[0] ?? last, last - leastSeconds), last];
 }
 
-/** The span of the values, with room around them; steady values do not fill it with their noise. */
+/** The span of the value axis, with margins; it is never so small that noise fills it. */
 export function valueSpan(
   low: number | null,
   high: number | null,
@@ -104,7 +104,7 @@ export interface Summary {
   highest: Real;
 }
 
-/** A curve in three numbers. */
+/** Summarizes a curve in three numbers. */
 export function summaryOf({ values }: Points): Summary {
   const known = values.filter((value) => value !== null);
   return known.length === 0

@@ -1,4 +1,4 @@
-// What tells one table from another.
+// The differences between two tables.
 import type { Column, Layout, Table, Value, Values } from './table';
 
 export interface CellChange {
@@ -9,7 +9,7 @@ export interface CellChange {
 
 export interface RowChange {
   kind: 'added' | 'removed' | 'changed';
-  /** Places in the two tables, from 1; 0 where the row is not. */
+  /** Places in the two tables, from 1; 0 if the table does not have the row. */
   placeBefore: number;
   placeAfter: number;
   before?: Values;
@@ -23,7 +23,7 @@ export interface TableDiff {
   rows: RowChange[];
 }
 
-/** A real that has been to the instrument and back may have lost its last digits. */
+/** A real may lose its last digits when it is sent to the instrument and read back. */
 function isSameValue(a: Value | undefined, b: Value | undefined): boolean {
   if (typeof a === 'number' && typeof b === 'number') {
     return Math.abs(a - b) <= 1e-6 * Math.abs(a);
@@ -81,7 +81,7 @@ interface Place {
   place: number;
 }
 
-/** The differences; removed and added rows that stand at the same place count as changed. */
+/** The differences; a row removed and one added at the same place count as one changed row. */
 export function diffTables(before: Table, after: Table, layout: Layout): TableDiff {
   const header = layout.header
     .filter(({ key }) => !isSameValue(before.header[key], after.header[key]))

@@ -1,16 +1,16 @@
-// The documents of the gateway. Their types are made from its description, see interface.mjs.
+// The gateway's documents. Their types are generated from its description, see interface.mjs.
 import type { components } from './interface';
 
 type Schemas = components['schemas'];
 
-/** A real value of the instrument, or "-" when it has none. */
+/** A real value from the instrument, or "-" if it has none. */
 export type Real = Schemas['real'];
 export type SetpointAndActual = Schemas['setpointAndActual'];
 export type Channel = Schemas['channel'];
 export type Status = Schemas['status.schema'];
 export type ChannelConfiguration = Schemas['channelConfiguration'];
 export type Configuration = Schemas['configuration.schema'];
-/** Units of the reports, as far as the web server's owner names them. */
+/** Units in the reports, as far as the web server's owner has named them. */
 export type Units = NonNullable<Configuration['units']>;
 export type Alarm = Schemas['alarm'];
 export type Alarms = Schemas['alarms.schema'];
@@ -30,7 +30,7 @@ type SequenceReport = Schemas['sequence.schema'];
 export type Sequence = Pick<SequenceReport, 'Table_repeat' | 'total'> &
   Partial<Pick<SequenceReport, 'Continuous'>> & { rows?: SequenceLine[] };
 
-/** A calibrated peak; a file needs the first three members only. */
+/** A calibrated peak; a file needs only the first three members. */
 export type Peak = Pick<Schemas['peak'], 'Channel' | 'ID' | 'Level_amt'> & Partial<Schemas['peak']>;
 
 export type Calibration = Pick<Schemas['calibration.schema'], 'total'> & { rows?: Peak[] };

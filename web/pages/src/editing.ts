@@ -1,4 +1,4 @@
-// A table under edit: what the instrument had, what was made of it, and the way back.
+// A table being edited: the instrument's table, the edited draft, and undo.
 import { batch, computed, signal, type ReadonlySignal, type Signal } from '@preact/signals';
 import { cellText, firstDifference, isReal } from './cells';
 import { diffTables, isEmptyDiff, type TableDiff } from './diff';
@@ -18,14 +18,14 @@ import {
 import type { TableKind } from './tables';
 import { Undo, type Step } from './undo';
 
-/** What was undone or done again. */
+/** Says what was undone or redone. */
 export interface Said {
   text: string;
   /** Where the focus goes. */
   place: Cell | undefined;
 }
 
-/** What of a table outlives the page. */
+/** What is kept of a table when the page is reloaded. */
 export interface Unsent {
   base: Table;
   draft: Draft;
@@ -42,16 +42,16 @@ export class Editing {
   readonly said: Signal<Said | undefined> = signal(undefined);
   /** When the instrument's table was read, in milliseconds. */
   readonly readAt = signal(0);
-  /** What the instrument had before it refused a table of which it has taken a part. */
+  /** The instrument's table before it refused one, of which it may have stored a part. */
   readonly before: Signal<Table | undefined> = signal(undefined);
 
   readonly layout: ReadonlySignal<Layout>;
   readonly problems: ReadonlySignal<CellProblem[]>;
   readonly isDirty: ReadonlySignal<boolean>;
-  /** What is to outlive the page, if there is anything. */
+  /** What is to be kept when the page is reloaded, if anything. */
   readonly unsent: ReadonlySignal<Unsent | undefined>;
   readonly undos = new Undo();
-  /** The cell that is being typed into: all of it is one step. */
+  /** The cell being typed into: everything typed there is one step. */
   private visited: Cell | undefined;
 
   constructor(
@@ -77,7 +77,7 @@ export class Editing {
     });
   }
 
-  /** One step of a person; typing in one cell goes on with the step that it began. */
+  /** Makes one change; further typing in the same cell belongs to the same step. */
   change(draft: Draft, step: Step, isTyping = false): void {
     const before = this.draft.value!;
     const { place } = step;
@@ -93,7 +93,7 @@ export class Editing {
     this.touched();
   }
 
-  /** What was typed is complete. */
+  /** Completes what was typed. */
   leaveCell(): void {
     const place = this.visited;
     const draft = this.draft.value;
@@ -104,7 +104,7 @@ export class Editing {
     const text = cellText(place, draft) ?? '';
     const isComma = isReal(place, this.layout.value) && typeof valueOf(text, 'real') === 'number';
     if (isComma && text.includes(',')) {
-      // As it was understood.
+      // Shown as it is understood.
       this.draft.value = setCell(draft, place.rowId, place.key, text.replace(',', '.'));
     }
     const latest = this.undos.past.value.at(-1);
@@ -121,7 +121,7 @@ export class Editing {
     this.travel('Redone');
   }
 
-  /** Shows what the instrument has; what was edited can be had back. */
+  /** Shows the instrument's table; undo restores the edits. */
   show(table: Table): void {
     this.leaveCell();
     const base = this.base.value;
@@ -137,13 +137,13 @@ export class Editing {
     });
   }
 
-  /** Takes what the instrument has now for the ground of what is edited. */
+  /** Makes the instrument's present table the base of the edits. */
   rebase(table: Table): void {
     this.base.value = table;
     this.undos.forgetBases();
   }
 
-  /** Begins anew, with what another page of this instrument has left, or with nothing. */
+  /** Starts again, with the unsent edits kept for this instrument or with nothing. */
   reset(unsent?: Unsent): void {
     batch(() => {
       this.visited = undefined;
@@ -164,7 +164,7 @@ export class Editing {
     return diffTables(before, after, this.layout.value);
   }
 
-  /** Somebody has done something to the table. */
+  /** Called when the user has changed the table. */
   protected touched(): void {}
 
   private travel(how: 'Undone' | 'Redone'): void {

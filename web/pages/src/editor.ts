@@ -31,17 +31,17 @@ export interface Wanted {
 export type Review =
   /** What sending would change. */
   | { kind: 'send'; wanted: Wanted; diff: TableDiff }
-  /** What somebody else has changed since the table was loaded. */
+  /** What has changed on the instrument since the table was loaded. */
   | { kind: 'conflict'; wanted: Wanted; diff: TableDiff; theirs: Table }
-  /** What has been edited here and would go. */
+  /** Edits made here that would be lost. */
   | { kind: 'discard'; title: string; yes: string; diff: TableDiff; go: () => void };
 
 export class Editor extends Editing {
   readonly review: Signal<Review | undefined> = signal(undefined);
   readonly message: Signal<Message | undefined> = signal(undefined);
-  /** What is being done; empty when nothing is. */
+  /** The operation in progress; empty if there is none. */
   readonly busy = signal('');
-  /** Counts the instruments: an answer about another one than the present is not taken. */
+  /** Counts the instruments: answers about an earlier one are ignored. */
   readonly instruments = signal(0);
 
   constructor(
@@ -60,7 +60,7 @@ export class Editor extends Editing {
       const { before, draft } = this;
       const known = [before.value, before.value && draft.value && this.edited()];
       if (known.some((one) => one && isEmptyDiff(this.diff(one, table)))) {
-        // Nothing of what was refused is left, or all of it has been taken after all.
+        // The instrument has nothing of the refused table, or has stored all of it after all.
         before.value = undefined;
       }
       this.show(table);
@@ -68,7 +68,7 @@ export class Editor extends Editing {
     }
   }
 
-  /** The same, after a question if edits would go. */
+  /** The same, after a question if edits would be lost. */
   reload(): void {
     const title = 'Discard the changes made here?';
     this.ask(title, 'Discard and reload', () => void this.load());
@@ -85,7 +85,7 @@ export class Editor extends Editing {
     }
   }
 
-  /** Goes on with another table, after a question if edits would go. */
+  /** Edits another table, after a question if edits would be lost. */
   replace(table: Table, what: string, said: string): void {
     this.ask('Replace the changes made here?', 'Replace', () => {
       this.change(draftOf(table), { what });
@@ -93,7 +93,7 @@ export class Editor extends Editing {
     });
   }
 
-  /** Compares with what the instrument has now; the answer is in `review`. */
+  /** Compares with the instrument's present table; the result is in `review`. */
   async prepare(wanted: Wanted = { goal: 'edits', table: this.edited() }): Promise<void> {
     this.message.value = undefined;
     const fresh = await this.readNow('Comparing with the instrument');
@@ -102,7 +102,7 @@ export class Editor extends Editing {
     }
   }
 
-  /** Compares what was there before a table was refused halfway. */
+  /** Compares the table that the instrument had before one was refused halfway. */
   async prepareRestore(): Promise<void> {
     const { value: before } = this.before;
     if (before) {
@@ -122,14 +122,14 @@ export class Editor extends Editing {
     }
   }
 
-  /** Goes on with the same table, on top of what somebody else has changed. */
+  /** Compares the same table again, now based on what has changed on the instrument. */
   async keepEdits(theirs: Table, wanted?: Wanted): Promise<void> {
     this.rebase(theirs);
     this.review.value = undefined;
     await this.prepare(wanted);
   }
 
-  /** Sends, unless the instrument's table has changed while the person looked; then reads it back. */
+  /** Sends the table and reads it back, unless the instrument's table has changed meanwhile. */
   async send(wanted: Wanted = { goal: 'edits', table: this.edited() }): Promise<void> {
     this.review.value = undefined;
     const fresh = await this.readNow('Checking whether the table has changed');
@@ -170,7 +170,7 @@ export class Editor extends Editing {
     this.message.value = { ...outcome(goal, fault, found), time: Date.now() };
   }
 
-  /** Another instrument, or the same after the page was loaded again. */
+  /** Switches to another instrument, or to the same one after the page was reloaded. */
   takeOver(unsent?: Unsent): void {
     this.instruments.value++;
     this.busy.value = '';
@@ -183,12 +183,12 @@ export class Editor extends Editing {
     }
   }
 
-  /** The file of what is shown. */
+  /** The edited table as a file. */
   exported(): string {
     return this.kind.toFile(this.edited());
   }
 
-  /** What was good is not so any more when somebody goes on. */
+  /** A message of success no longer applies after further changes. */
   protected override touched(): void {
     if (this.message.value?.kind === 'good') {
       this.message.value = undefined;
@@ -209,7 +209,7 @@ export class Editor extends Editing {
     this.review.value = { kind: 'discard', title, yes, diff, go: done };
   }
 
-  /** The backup of this table; what this page has read itself where it is gone. Else the reason. */
+  /** The backup of this table, or `before` if it is gone; a reason if the list cannot be read. */
   private async findBackup(before: Table): Promise<Table | string> {
     const { backups } = this.instrument;
     const list = await backups.list();

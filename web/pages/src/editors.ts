@@ -1,4 +1,4 @@
-// The editors of the two tables; they keep what was edited while other pages are shown.
+// The editors of the two tables; they keep edits while other pages are shown.
 import { effect, signal, untracked } from '@preact/signals';
 import { getReport } from './api';
 import { backupsOf } from './backups';
@@ -27,7 +27,7 @@ export const sequenceEditor = create(sequenceKind);
 export const calibrationEditor = create(calibrationKind);
 const editors = [sequenceEditor, calibrationEditor];
 
-/** The browser asks before it throws away what was edited. */
+/** Makes the browser ask before edits are lost. */
 export function warnBeforeLeaving(): void {
   window.addEventListener('beforeunload', (event) => {
     if (editors.some(({ isDirty }) => isDirty.value)) {
@@ -37,8 +37,8 @@ export function warnBeforeLeaving(): void {
 }
 
 /**
- * Keeps what is edited beyond the page, until the returned function is called. What belongs to one
- * instrument is not shown for another.
+ * Keeps edits when the page is reloaded, until the returned function is called. Edits for one
+ * instrument are not shown for another.
  */
 export function keepUnsent(): () => void {
   const stops = editors.flatMap((editor) => {
@@ -48,7 +48,7 @@ export function keepUnsent(): () => void {
       if (place.value !== undefined || (unsent && !editor.isDirty.value)) {
         editor.takeOver(unsent);
       } else if (unsent) {
-        // Somebody was faster than the configuration: none of the two is lost.
+        // There were edits before the configuration arrived: neither they nor the kept ones are lost.
         editor.change(unsent.draft, { what: 'return to what was changed before' });
       }
       place.value = present;

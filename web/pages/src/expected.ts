@@ -1,13 +1,13 @@
-// When run and automation are expected to end, as all pages show it.
+// When the run and the automation are expected to end, for all pages.
 import { computed } from '@preact/signals';
 import { endOfAutomation, endOfRun, type End } from './schedule';
 import { sequence } from './sequence';
 import { configuration, status, statusTime } from './store';
 
-/** Milliseconds by which whole seconds and the way of an answer shift an end that is the same. */
+/** Milliseconds by which rounding and delayed answers shift an end that has not changed. */
 const jitter = 3000;
 
-/** Keeps a time as long as it stays about the same: one that alternates cannot be read. */
+/** Keeps the time shown while the next is nearly the same: a time that alternates is unreadable. */
 function steady(shown: End, next: End): End {
   return 'time' in shown &&
     'time' in next &&

@@ -1,14 +1,14 @@
-// Reading a file with a table, and saying in plain words what is wrong with one, and where.
+// Reads a table from a file, or says plainly what is wrong with the file, and where.
 import { fileLimit } from './limits';
 import { syntaxFaultOf } from './jsonPlace';
 import { problemsOf, type Problem } from './schema';
 import type { Table } from './table';
 import type { TableKind } from './tables';
 
-/** How many faults are told; more would not be read. */
+/** How many faults are listed; nobody would read more. */
 const mostFaults = 5;
 
-/** A JSON pointer as a person counts: `/rows/2/Stream` is `row 3, Stream`. */
+/** A JSON pointer in words, with rows counted from 1: `/rows/2/Stream` is `row 3, Stream`. */
 function placeOf(path: string): string {
   const [, list, index, ...rest] = path.split('/');
   return list === 'rows' && index !== undefined
@@ -36,7 +36,7 @@ function parse(octets: ArrayBuffer): unknown {
   }
 }
 
-/** A table from a document that comes from outside; throws an Error that says what is wrong with it. */
+/** Reads a table from an unchecked document; throws an Error that says what is wrong with it. */
 export function readDocument(document: unknown, kind: TableKind, current: Table): Table {
   const { schema } = kind.layout(undefined);
   const problems = problemsOf(document, schema, schema);

@@ -1,30 +1,30 @@
-// Follows a command to its effect, which the status shows a little later, and on to its end.
+// What to wait for after a command: its effect, which the status shows a little later, and its end.
 import { automationCourse, calibrationCourse, singleRunCourse, type Course } from './courses';
 import type { Status } from './documents';
 import { formatSpan } from './format';
 import { autoStateOf, gcStateOf, isAtWork, isError, isIdle } from './states';
 
 export interface Follow {
-  /** The command, as the person gave it. */
+  /** The command, as the user gave it. */
   name: string;
-  /** What is waited for, what is said when it came, and what when it did not come in time. */
+  /** What is awaited, and the texts for when it has happened and when it has not in time. */
   awaited: string;
-  /** `last` is the latest status before it came. */
+  /** `last` is the latest status before that. */
   done: (last: Status | undefined, status: Status) => string;
   notDone: string;
   isMet: (status: Status) => boolean;
-  /** Whether a new error of the instrument means that it will not come. */
+  /** Whether a new error of the instrument means that it will not happen. */
   endsWithError: boolean;
   limitSeconds: number;
-  /** Whether what was done still holds. */
+  /** Whether the effect still lasts. */
   holds: (status: Status) => boolean;
-  /** What has begun then, to be followed to its end. */
+  /** Describes the end of what has then begun. */
   course?: Course;
-  /** Whether it ends whatever else is followed. */
+  /** Whether it ends everything else that is followed. */
   endsOthers?: boolean;
 }
 
-/** A short run may be over before anybody looks: then the counter tells. */
+/** A short run may end before the next status: then the counter shows it. */
 function begins(
   name: string,
   what: string,
@@ -87,7 +87,7 @@ export function followAbortNow(): Follow {
   };
 }
 
-/** The present run may still take its whole time. */
+/** The present run may still take all the time that it has left. */
 export function followAbortAfterRun(before: Status | undefined): Follow {
   const left = before ? Math.max(0, before.Total_run_time - before.Run_time) : 3600;
   return {
@@ -134,7 +134,7 @@ export function followAlarmReset(): Follow {
   };
 }
 
-/** The state in words without its numbers: a screen reader would read each of them out. */
+/** The states without their numbers, each of which a screen reader would read out. */
 export function describeState(status: Status): string {
   return `state: ${gcStateOf(status)}; automation: ${autoStateOf(status)}`;
 }

@@ -1,4 +1,4 @@
-// Where a command stands that is followed: waited for, under way, over.
+// Follows a command: waiting for its effect, under way, over.
 import { isOver, type Sight } from './courses';
 import type { Status } from './documents';
 import { describeError, describeState, isNewError, type Follow } from './follow';
@@ -8,10 +8,10 @@ export interface Said {
   text: string;
 }
 
-/** Seconds for which the number of a run that is over is waited for. */
+/** Seconds to wait for the number of a run that is over. */
 const numberSeconds = 3;
 
-/** Seconds after which an effect that did not come in time is not looked for any more. */
+/** Seconds after which a late effect is no longer looked for. */
 const longestSeconds = 3600;
 
 export class Following {
@@ -20,8 +20,8 @@ export class Following {
   private overSince: number | undefined;
 
   /**
-   * `before`: the status when the command was given, at `since`. `doubt`: what is to be said of a
-   * command of which nobody knows whether the instrument got it; empty when it was accepted.
+   * `before`: the status when the command was given, at `since`. `doubt`: the text for a command
+   * that the instrument may not have received; empty if it was accepted.
    */
   constructor(
     readonly follow: Follow,
@@ -32,7 +32,7 @@ export class Following {
     this.last = before && { status: before, time: since };
   }
 
-  /** Whether there is nothing more to come. */
+  /** Whether nothing more will be reported. */
   get isOver(): boolean {
     return this.phase === 'over';
   }
@@ -42,12 +42,12 @@ export class Following {
     return this.phase === 'under way' || (this.phase === 'over' && this.overSince !== undefined);
   }
 
-  /** What is known before any status. */
+  /** What to say before the first status. */
   begin(): Said {
     return { kind: 'waiting', text: `${this.follow.name}: ${this.doubt || 'accepted.'}` };
   }
 
-  /** What a status tells. */
+  /** What to say after a status. */
   take(status: Status, time: number): Said {
     const said = this.phase === 'waiting' ? this.wait(status, time) : this.watch(status, time);
     if (this.overSince === undefined) {
@@ -56,7 +56,7 @@ export class Following {
     return said;
   }
 
-  /** The same while the instrument does not answer; a later answer may still show the effect. */
+  /** What to say without an answer; a later answer may still show the effect. */
   miss(time: number): Said {
     const { name, awaited, limitSeconds } = this.follow;
     if (this.phase === 'under way') {

@@ -1,9 +1,9 @@
-// Values as a person reads them.
+// Values as texts for the user.
 import type { Real, SetpointAndActual } from './documents';
 
 export const notAvailable = 'not available';
 
-/** A value with a fixed number of decimals; `-` is said in words. */
+/** A value with a fixed number of decimals; `-` is put into words. */
 export function formatReal(value: Real | undefined, decimals: number): string {
   return typeof value === 'number' ? value.toFixed(decimals).replace('-', '−') : notAvailable;
 }
@@ -13,7 +13,7 @@ export interface Deviation {
   text: string;
 }
 
-/** How an actual value stands to its setpoint; `tolerance` is what still counts as reached. */
+/** How an actual value compares with its setpoint; within `tolerance` it is at setpoint. */
 export function deviationOf(
   pair: SetpointAndActual,
   tolerance: number,
@@ -59,7 +59,7 @@ const months = [
   'December',
 ];
 
-/** A time of day in the browser's zone: `14:32:07`. */
+/** A time of day in the browser's time zone: `14:32:07`. */
 export function formatTime(time: number): string {
   return `${formatMinute(time)}:${two(new Date(time).getSeconds())}`;
 }
@@ -69,7 +69,7 @@ function formatMinute(time: number): string {
   return `${two(date.getHours())}:${two(date.getMinutes())}`;
 }
 
-/** Nothing of today, else the date: ` on 5 March`. */
+/** The date, such as ` on 5 March`; empty if it is today. */
 function formatDay(time: number, present: number): string {
   const date = new Date(time);
   const today = new Date(present);
@@ -90,7 +90,7 @@ export function formatInstant(time: number, present: number): string {
   return formatTime(time) + formatDay(time, present);
 }
 
-/** Where the automation stands; its three numbers are 0 when it is not under way. */
+/** The automation's position; its three numbers are 0 when it is not under way. */
 export function formatPosition(line: number, replicate: number, table: number): string {
   return line === 0 && replicate === 0 && table === 0
     ? 'not under way'

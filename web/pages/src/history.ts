@@ -8,7 +8,7 @@ const longestGap = 20;
 
 export type Points = { times: number[]; values: (number | null)[] };
 
-/** A ring of samples: the newest replaces the oldest when `capacity` is used up. */
+/** A ring buffer of samples: when it is full, the newest replaces the oldest. */
 export class History {
   private readonly times: Float64Array;
   private readonly series = new Map<string, Float64Array>();
@@ -19,9 +19,9 @@ export class History {
     this.times = new Float64Array(capacity);
   }
 
-  /** Adds a sample; `time` is in seconds, by a clock that people may set. */
+  /** Adds a sample; `time` is in seconds, by a clock that may be set back. */
   add(time: number, values: ReadonlyMap<string, Real>): void {
-    // After the clock was set back, samples of the future would stand in the way of the new ones.
+    // After the clock was set back, the latest samples would lie in the future.
     while (this.count > 0 && this.lastTime() > time) {
       this.count--;
     }
@@ -40,7 +40,7 @@ export class History {
     return this.recent(name, -Infinity);
   }
 
-  /** The same, but not what is older than `since`. */
+  /** The same, without samples older than `since`. */
   recent(name: string, since: number): Points {
     const column = this.series.get(name);
     const points: Points = { times: [], values: [] };
@@ -57,14 +57,14 @@ export class History {
     return points;
   }
 
-  /** All of it as a text, for the page that comes after this one. */
+  /** All samples as a text, for the page after a reload. */
   save(): string {
     const names = [...this.series.keys()];
     const series = names.map((name) => [name, this.points(name).values]);
     return JSON.stringify({ times: this.allTimes(), series });
   }
 
-  /** Takes up what `save` gave, up to the present; what is no such text is left. */
+  /** Adds the samples that `save` returned, up to the present; ignores any other text. */
   restore(text: string | null, now: number): void {
     try {
       const { times, series } = JSON.parse(String(text)) as {
@@ -72,13 +72,13 @@ export class History {
         series: [string, (number | null)[]][];
       };
       times.forEach((time, index) => {
-        // A clock that was put back would put these after those to come.
+        // If the clock was set back, these would come after new samples.
         if (time < now) {
           this.add(time, new Map(series.map(([name, values]) => [name, values[index] ?? '-'])));
         }
       });
     } catch {
-      // Without them the curves begin now.
+      // The curves begin now.
     }
   }
 
@@ -108,7 +108,7 @@ export class History {
     const place = this.place(this.count);
     this.times[place] = time;
     for (const [name, column] of this.series) {
-      // What is not available has no number.
+      // A value that is not available becomes NaN.
       column[place] = Number(values.get(name));
     }
     if (this.count < this.capacity) {

@@ -1,4 +1,4 @@
-// Commands that were interrupted, until somebody has taken note.
+// Interrupted commands that nobody has acknowledged yet.
 import { signal } from '@preact/signals';
 import { getReport, sendCommand, type Answer } from './api';
 import { onAnswer } from './contact';
@@ -16,11 +16,11 @@ async function load(): Promise<void> {
   }
 }
 
-/** Tells the gateway that somebody has taken note of an interrupted command. */
+/** Tells the gateway that the user has acknowledged an interrupted command. */
 export async function takeNote({ id }: BegunCommand): Promise<void> {
   const answer = await sendCommand('POST', 'seen', JSON.stringify({ id }));
   noteLogin(answer);
-  // Somebody else may have been faster.
+  // 404: another user has already acknowledged it.
   if (!answer.ok && answer.fault.status !== 404) {
     const text = `Interrupted command: ${describeFault(answer.fault)}`;
     say(`interrupted ${id}`, { kind: 'bad', text });

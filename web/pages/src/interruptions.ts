@@ -1,7 +1,7 @@
-// Commands of which nobody knows whether the instrument has carried them out, in words.
+// Describes interrupted commands, which the instrument may or may not have carried out.
 import type { BegunCommand } from './documents';
 
-/** By the tool's options; the number behind them is said too. */
+/** By the tool's options; a number after the options is added to the name. */
 const names: readonly [options: string, name: string][] = [
   ['-R single -v', 'Single run on stream'],
   ['-R calib -v', 'Calibration on stream'],
@@ -20,7 +20,7 @@ function nameOf(options: string): string {
   return found ? `${found[1]}${options.slice(found[0].length)}` : options;
 }
 
-/** What a person has to know of an interrupted command. */
+/** What the user must know about an interrupted command. */
 export function describeInterruption({ command, user, time }: BegunCommand): string {
   const when = new Date(time);
   const begun = Number.isNaN(when.getTime()) ? time : when.toLocaleString();

@@ -1,7 +1,7 @@
-// Where a text stops being JSON, and why, in words. Browsers say that in words of their own, if at all.
+// Finds where a text stops being JSON, and why. Browsers describe that differently, if at all.
 
 export interface SyntaxFault {
-  /** Both from 1. */
+  /** Both count from 1. */
   line: number;
   column: number;
   text: string;
@@ -10,10 +10,10 @@ export interface SyntaxFault {
 const space = /[ \t\n\r]*/y;
 const number = /-?(0|[1-9]\d*)(\.\d+)?([eE][+-]?\d+)?/y;
 const word = /true|false|null/y;
-/** Up to what ends it or may not be in it. */
+/** The inside of a string, up to its end or the first character that is not allowed. */
 const textPart = /([^"\\\u0000-\u001f]|\\(["\\/bfnrt]|u[0-9a-fA-F]{4}))*/y;
 
-/** Stops at the first fault. */
+/** Thrown at the first fault. */
 class Stop extends Error {}
 
 class Reader {
@@ -85,7 +85,7 @@ class Reader {
     this.at++;
   }
 
-  /** Whether there was something to skip. */
+  /** Skips what matches; returns whether anything did. */
   private skip(pattern: RegExp): boolean {
     pattern.lastIndex = this.at;
     const length = pattern.exec(this.text)?.[0].length ?? 0;
@@ -103,7 +103,7 @@ class Reader {
   }
 }
 
-/** The first fault of a text that is no JSON; undefined when none is found. */
+/** The first fault of a text that is not JSON; undefined if none is found. */
 export function syntaxFaultOf(text: string): SyntaxFault | undefined {
   const reader = new Reader(text);
   try {
@@ -111,7 +111,7 @@ export function syntaxFaultOf(text: string): SyntaxFault | undefined {
     return undefined;
   } catch (error) {
     if (!(error instanceof Stop)) {
-      // So many brackets that there is no room to follow them.
+      // The brackets are nested so deeply that the stack overflowed.
       return { line: 1, column: 1, text: 'there are too many brackets inside of brackets' };
     }
     const lines = text.slice(0, reader.at).split(/\r\n|\r|\n/);

@@ -12,11 +12,11 @@ export const lastStream = definitions.stream.maximum;
 /** Slots of solutions are 0 to this. */
 export const lastSlot = ofSolution.solution.maximum;
 
-/** How many lines a sequence has at most. */
+/** The most lines that a sequence can have. */
 export const sequenceLines = ofSequence.rows.maxItems;
 
 /** How many earlier tables of each kind the gateway keeps. */
 export const keptBackups = ofBackups.backups.maxItems;
 
-/** The longest file that the gateway takes, in octets. */
+/** The longest file that the gateway accepts, in octets. */
 export const fileLimit = __LONGEST_BODY__;

@@ -1,16 +1,16 @@
-// What became of commands, in lines under the top. A line goes when it stops being true.
+// Notices about commands, below the header. A notice is removed when it is no longer true.
 import { computed, signal } from '@preact/signals';
 import type { Status } from './documents';
 import type { Following, Said } from './following';
 
 export interface Notice extends Said {
   id: number;
-  /** What it is about: a later notice about the same replaces it. */
+  /** The subject: a later notice on the same subject replaces it. */
   about: string;
   /** When it was said, in milliseconds. */
   time: number;
   following?: Following;
-  /** Whether it still holds by a later status. */
+  /** Whether it is still true by a later status. */
   holds?: (status: Status) => boolean;
 }
 
@@ -19,7 +19,7 @@ export const notices = signal<readonly Notice[]>([]);
 /** The latest. */
 export const notice = computed(() => notices.value.at(-1));
 
-/** Whether an effect, or an end, is waited for. */
+/** Whether an effect or an end is awaited. */
 export const isAnyAwaited = computed(() => notices.value.some(({ kind }) => kind === 'waiting'));
 
 let count = 0;
@@ -28,14 +28,14 @@ function isGoingOn({ kind, following }: Notice): boolean {
   return kind === 'waiting' || (kind === 'good' && following !== undefined && !following.isOver);
 }
 
-/** Says something new; what is over, or about the same, is not shown any more. Returns its number. */
+/** Adds a notice and returns its number; removes those that are over or on the same subject. */
 export function say(about: string, said: Said, more: Partial<Notice> = {}): number {
   const stay = notices.value.filter((one) => isGoingOn(one) && one.about !== about);
   notices.value = [...stay, { ...said, ...more, id: ++count, about, time: Date.now() }];
   return count;
 }
 
-/** Says something else instead, if it is still shown. */
+/** Changes a notice that is still shown. */
 export function change(id: number, said: Said, more: Partial<Notice> = {}): void {
   const before = notices.value.find((one) => one.id === id);
   if (before && before.text !== said.text) {
@@ -49,7 +49,7 @@ export function dismiss(id: number): void {
   notices.value = notices.value.filter((one) => one.id !== id);
 }
 
-/** Takes what a status tells of all that is followed, and lets go what does not hold any more. */
+/** Updates the notices from a status, and removes those that are no longer true. */
 export function takeStatus(status: Status, time: number): void {
   for (const { id, following } of notices.value) {
     if (following && !following.isOver) {
@@ -70,7 +70,7 @@ export function takeStatus(status: Status, time: number): void {
   }
 }
 
-/** The same for a request without a good answer. */
+/** Updates the notices after a request without a good answer. */
 export function missStatus(time: number): void {
   for (const { id, following } of notices.value) {
     if (following && !following.isOver) {

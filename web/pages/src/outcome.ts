@@ -1,11 +1,11 @@
-// What became of a table that was sent, in words.
+// Describes what became of a table that was sent.
 import type { Fault } from './api';
 import { isEmptyDiff, type TableDiff } from './diff';
 
 export interface Message {
   kind: 'good' | 'bad';
   text: string;
-  /** When it was so, in milliseconds. */
+  /** When it was written, in milliseconds. */
   time: number;
   diff?: TableDiff;
 }
@@ -15,9 +15,9 @@ export type Goal = 'edits' | 'restore';
 
 /** How the instrument's table compares after sending. */
 export interface Found {
-  /** From what was sent to what the instrument has. */
+  /** From the table that was sent to the one that the instrument has. */
   toSent: TableDiff;
-  /** From what it had before. */
+  /** From the one that it had before. */
   toBefore: TableDiff;
 }
 
@@ -26,17 +26,17 @@ const same: Readonly<Record<Goal, string>> = {
   restore: 'The previous table is on the instrument again: sent, read back, and identical.',
 };
 
-/** Whether nobody knows that the instrument has finished with it. */
+/** Whether the instrument may still be at work on the table. */
 function isUnknown({ status, isUnknown: isSaid }: Fault): boolean {
   return isSaid === true || status === 0;
 }
 
-/** Whether the instrument has taken a part of the table and not the whole. */
+/** Whether the instrument has stored only a part of the table. */
 export function isHalfway(fault: Fault | undefined, found: Found): boolean {
   return fault !== undefined && !isEmptyDiff(found.toSent) && !isEmptyDiff(found.toBefore);
 }
 
-/** `fault`: of a table that was not accepted, with its description. */
+/** `fault`: why the table was not accepted, with its description. */
 export function outcome(
   goal: Goal,
   fault: (Fault & { description: string }) | undefined,

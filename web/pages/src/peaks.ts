@@ -1,4 +1,4 @@
-// The calibrated peaks of a table under edit, and what their amounts add up to.
+// The calibrated peaks of a table being edited, and the sums of their amounts.
 import { cellProblem, textIn, valueOf, type Draft, type Layout } from './table';
 
 export interface CalibratedPeak {
@@ -7,17 +7,17 @@ export interface CalibratedPeak {
   index: number;
   channel: string;
   name: string;
-  /** Undefined where the instrument has none. */
+  /** Undefined if the instrument has none. */
   time: number | undefined;
-  /** Undefined while its cell holds nothing that could be sent. */
+  /** Undefined while its cell is not valid. */
   amount: number | undefined;
 }
 
-/** What all amounts of a certified gas are, by a unit that says what they are parts of. */
+/** Sum of all amounts of a certified gas, by unit. */
 const wholes: Readonly<Record<string, number>> = { ppm: 1e6, ppb: 1e9 };
 const fewestDecimals = 2;
 const mostDecimals = 9;
-/** A real that has been to the instrument and back may have lost the digits after these. */
+/** Significant digits that a real keeps when it is sent to the instrument and read back. */
 const digits = 7;
 
 export function peaksOf(draft: Draft, layout: Layout): CalibratedPeak[] {
@@ -40,7 +40,7 @@ export function peaksOf(draft: Draft, layout: Layout): CalibratedPeak[] {
   });
 }
 
-/** The channels that have peaks, each with its own, in the order of the table. */
+/** The channels that have peaks, each with its peaks, in the order of the table. */
 export function channelsOf(
   peaks: readonly CalibratedPeak[],
 ): { channel: string; peaks: CalibratedPeak[] }[] {
@@ -55,7 +55,7 @@ function rounded(amount: number): number {
   return Number(amount.toPrecision(digits));
 }
 
-/** As many decimals as the amounts have that have the most of them. */
+/** The largest number of decimals that any of the amounts needs. */
 export function decimalsOf(peaks: readonly CalibratedPeak[]): number {
   let decimals = fewestDecimals;
   for (const { amount = 0 } of peaks) {
@@ -69,7 +69,7 @@ export function decimalsOf(peaks: readonly CalibratedPeak[]): number {
   return decimals;
 }
 
-/** What the amounts add up to; undefined as long as one of them is none. */
+/** The sum of the amounts; undefined while one of them is. */
 export function sumOf(peaks: readonly CalibratedPeak[]): number | undefined {
   return peaks.reduce<number | undefined>(
     (sum, { amount }) =>
@@ -78,12 +78,12 @@ export function sumOf(peaks: readonly CalibratedPeak[]): number | undefined {
   );
 }
 
-/** What a certified gas adds up to: 100 unless the unit says that it is something else. */
+/** The sum of a certified gas: 100 without a unit or in percent; undefined for unknown units. */
 export function wholeIn(unit: string): number | undefined {
   return unit === '' || unit.includes('%') ? 100 : wholes[unit];
 }
 
-/** How a sum stands to the whole: `0.05 above`. */
+/** How a sum compares with the whole: `0.05 above`. */
 export function differenceText(sum: number, whole: number, decimals: number): string {
   const difference = Number((sum - whole).toFixed(decimals));
   if (difference === 0) {
@@ -93,7 +93,7 @@ export function differenceText(sum: number, whole: number, decimals: number): st
   return `${Math.abs(difference).toFixed(decimals)} ${side}`;
 }
 
-/** Peaks that no picture can tell apart, for they have the same retention time. */
+/** Groups of peaks with the same retention time, which no picture can show apart. */
 export function togetherIn(peaks: readonly CalibratedPeak[]): CalibratedPeak[][] {
   const found = new Map<number, CalibratedPeak[]>();
   for (const peak of peaks) {
@@ -104,7 +104,7 @@ export function togetherIn(peaks: readonly CalibratedPeak[]): CalibratedPeak[][]
   return [...found.values()].filter(({ length }) => length > 1);
 }
 
-/** A value of the table with the digits that mean something. */
+/** A value of the table, rounded to its significant digits. */
 export function shortNumber(value: number): string {
   return String(rounded(value)).replace('-', '−');
 }

@@ -1,21 +1,24 @@
-// Asks again and again, and never twice at once.
+// Repeats a request, with never more than one under way.
 
 export interface PollerOptions<T> {
-  /** One request; it must end by itself, in success or not, and never reject. */
+  /** Makes one request; it must always end, with or without success, and never reject. */
   ask: () => Promise<T>;
   /** Takes the answer. */
   take: (answer: T) => void;
-  /** Milliseconds from the begin of one request to that of the next, asked after each answer. */
+  /** Milliseconds from the start of one request to that of the next; called after each answer. */
   interval: () => number;
   isHidden: () => boolean;
 }
 
 export interface Poller {
-  /** Begins: asks at once. */
+  /** Makes the first request. */
   begin: () => void;
-  /** Asks at once if no request is under way and somebody looks; to be called when the page is shown, too. */
+  /**
+   * Makes a request now, or as soon as the one under way has ended, unless the page is hidden. To be
+   * called when the page is shown, too.
+   */
   wake: () => void;
-  /** Asks if it is time: a hidden page's timers may be late. */
+  /** Makes a request if one is due: a hidden page's timers may be late. */
   check: () => void;
 }
 

@@ -1,8 +1,8 @@
-// The quantities with a setpoint: their names, decimals, and what counts as reached.
+// The quantities with a setpoint: their names, decimals and tolerances.
 import { channelKeys, type SetpointAndActual, type Status, type Units } from './documents';
 import { deviationOf, formatReal, type Deviation } from './format';
 
-/** What a value needs to be shown against its setpoint. */
+/** How a value is shown with its setpoint. */
 export interface Measure {
   decimals: number;
   /** In the instrument's own unit: half a degree, one kilopascal. */
@@ -13,7 +13,7 @@ export interface Measure {
 export interface Quantity extends Measure {
   key: 'Column_temp' | 'Injector_temp' | 'Column_press';
   label: string;
-  /** For where there is little room. */
+  /** For use where there is little room. */
   short: string;
 }
 
@@ -57,22 +57,22 @@ export interface Controlled {
   deviation: Deviation;
   pair: SetpointAndActual;
   measure: Measure;
-  /** Of the actual value in the history. */
+  /** Name of the actual value in the history. */
   name: string;
 }
 
-/** Name of the actual value in the history: of a channel's quantity, or of the sample line. */
+/** Name in the history of the actual value at a place such as `Channel1.Column_temp`. */
 export function seriesOf(place: string): string {
   return `${place}.Actual`;
 }
 
 export interface ControlledRow {
   label: string;
-  /** In the order of `quantities`; of the sample line the first only. */
+  /** In the order of `quantities`; the sample line has only one. */
   cells: Controlled[];
 }
 
-/** Everything that has a setpoint in this status, a row for each channel. */
+/** Everything with a setpoint in this status: a row for each channel and for the sample line. */
 export function controlledOf(status: Status): ControlledRow[] {
   const build = (pair: SetpointAndActual, measure: Measure, place: string): Controlled => ({
     actual: formatReal(pair.Actual, measure.decimals),

@@ -1,17 +1,17 @@
-// The numbers with which tool, client library and instrument refuse, as sentences.
+// Sentences for the error numbers of the tool, the client library and the instrument.
 
-/** A sentence without its full stop, for each number that is known. */
+/** A sentence without its full stop for each known number. */
 type Sentences = Readonly<Record<number, string>>;
 
-/** Of every instrument: the tool's own, and what the library's documentation tells. */
+/** For every instrument: the tool's own numbers, and those that the library documents. */
 const everywhere: Sentences = {
   1: 'The instrument’s client library did not start',
   28: 'Part of what was requested could not be read',
 };
 
 /**
- * Of the simulated instrument alone: its statuses are its own, and another maker's number may mean
- * something else. Whoever knows an instrument's numbers adds them above.
+ * For the simulated instrument only: the same number may mean something else on another one. Numbers
+ * known for every instrument belong above.
  */
 const simulated: Sentences = {
   104: 'The controller refused the connection',
@@ -29,7 +29,7 @@ const simulated: Sentences = {
   209: 'The instrument has no such object',
 };
 
-/** The sentence with the number behind it; undefined for a number that nobody knows. */
+/** The sentence followed by the number; undefined for an unknown number. */
 export function describeRefusal(code: number, isSimulated: boolean): string | undefined {
   const sentence = everywhere[code] ?? (isSimulated ? simulated[code] : undefined);
   return sentence && `${sentence} (error ${code})`;

@@ -1,9 +1,9 @@
-// When a run and the automation will end, as far as status and sequence tell.
+// Predicts the end of the run and of the automation from status and sequence.
 import type { Real, Sequence, Status } from './documents';
 import { formatMoment } from './format';
 import { autoStateOf, gcStateOf, isIdle } from './states';
 
-/** Seconds that a unit of time stands for, by the names an owner may give it. */
+/** Seconds in a unit of time, by the names that an owner may give it. */
 const secondsOfUnit: ReadonlyMap<string | undefined, number> = new Map([
   ['s', 1],
   ['sec', 1],
@@ -14,7 +14,7 @@ const secondsOfUnit: ReadonlyMap<string | undefined, number> = new Map([
   ['hours', 3600],
 ]);
 
-/** A time of the instrument in seconds; undefined if its unit, or itself, is not known. */
+/** An instrument's time in seconds; undefined if the time or its unit is unknown. */
 export function secondsOf(time: Real | undefined, unit: string | undefined): number | undefined {
   if (time === 0) {
     return 0;
@@ -23,18 +23,18 @@ export function secondsOf(time: Real | undefined, unit: string | undefined): num
   return typeof time === 'number' && factor ? Math.max(0, time) * factor : undefined;
 }
 
-/** A line's part of a pass through the table: flushing, and after it the runs. */
+/** A line's part of a pass through the table: flushing, then its runs. */
 export interface Block {
-  /** Counts from 1, as the status does. */
+  /** Counted from 1, as in the status. */
   line: number;
-  /** Seconds; undefined if nobody knows. */
+  /** Seconds; undefined if unknown. */
   flush: number | undefined;
   runs: number;
-  /** Seconds of all its runs; delays between them are in no report. */
+  /** Seconds for all its runs, without the delays between them, which no report gives. */
   seconds: number;
 }
 
-/** What a pass through the table consists of, without skipped lines. */
+/** The blocks of a pass through the table, without skipped lines. */
 export function blocksOf(sequence: Sequence, runSeconds: number, flushUnit?: string): Block[] {
   return (sequence.rows ?? []).flatMap(({ Repeat: runs = 0, Flush_time }, index) =>
     runs > 0
@@ -49,23 +49,23 @@ export function blocksOf(sequence: Sequence, runSeconds: number, flushUnit?: str
 }
 
 export type End =
-  /** There is nothing that could end. */
+  /** Nothing is under way. */
   | { kind: 'none' }
   | { kind: 'at'; time: number }
-  /** The least: something on the way takes a time that nobody knows. */
+  /** The earliest time: some step takes an unknown time. */
   | { kind: 'not-before'; time: number; why: string }
-  /** It goes on until somebody stops it. */
+  /** It continues until it is stopped. */
   | { kind: 'never' }
   | { kind: 'unknown'; why: string };
 
-/** Seconds that the present run has left; undefined when there is none. */
+/** Seconds that the present run has left; undefined if there is none. */
 function runLeft(status: Status): number | undefined {
   return gcStateOf(status) === 'Running'
     ? Math.max(0, status.Total_run_time - status.Run_time)
     : undefined;
 }
 
-/** When the present run ends; `time` is that of the status, in milliseconds. */
+/** When the present run ends; `time` is when the status was read, in milliseconds. */
 export function endOfRun(status: Status, time: number): End {
   const left = runLeft(status);
   if (left === undefined) {
@@ -81,27 +81,27 @@ export function endOfRun(status: Status, time: number): End {
 
 /** What comes after the present run. */
 export interface Remaining {
-  /** Runs in all, and lines in the present pass that have one of them. */
+  /** All runs, and the lines of the present pass that have any of them. */
   runs: number;
   lines: number;
   /** Passes through the table after the present one. */
   passes: number;
-  /** Seconds of all that, as far as it is known. */
+  /** Seconds for all of it, as far as known. */
   seconds: number;
-  /** Whether a flush time on the way is of unknown length. */
+  /** Whether any flush time still to come is of unknown length. */
   hasUnknownFlush: boolean;
-  /** Whether the table goes on beyond the rows that are known. */
+  /** Whether the table has more rows than are known. */
   isCut: boolean;
 }
 
-/** The instrument counts no further; assumed, as no report tells. */
+/** The highest pass that the instrument counts; assumed, as no report says. */
 const lastPass = 999;
 
 const sum = (blocks: readonly Block[], of: (block: Block) => number): number =>
   blocks.reduce((total, block) => total + of(block), 0);
 const secondsIn = (block: Block): number => (block.flush ?? 0) + block.seconds;
 
-/** What is left after the present run; undefined if status and sequence do not fit together. */
+/** What is left after the present run; undefined if status and sequence do not match. */
 export function remainingOf(
   status: Status,
   sequence: Sequence,
@@ -129,17 +129,17 @@ export function remainingOf(
   };
 }
 
-/** Seconds before the next run begins, if one is waited for; what is not counted is 0. */
+/** Seconds until the next run begins, if one is awaited; 0 if the instrument gives none. */
 function waitOf(status: Status): { seconds: number; isExact: boolean } | undefined {
   const [, seconds] = /^(?:Run Delay|Flushing Stream) (\d+)s$/.exec(status.Auto_state) ?? [];
   const state = autoStateOf(status);
   return ['Run Delay', 'Flushing Stream'].includes(state)
-    ? // Flushing is counted in whole minutes.
+    ? // The time left for flushing is given in whole minutes.
       { seconds: Number(seconds ?? 0), isExact: state === 'Run Delay' }
     : undefined;
 }
 
-/** Seconds until the present run, or the one that is waited for, is over. */
+/** Seconds until the present run, or the one awaited, is over. */
 function presentLeft(status: Status): { seconds: number; isExact: boolean } {
   const left = runLeft(status);
   if (left !== undefined) {
@@ -151,7 +151,7 @@ function presentLeft(status: Status): { seconds: number; isExact: boolean } {
     : { seconds: 0, isExact: false };
 }
 
-/** When the automation ends, if nobody stops it; `time` is that of the status, in milliseconds. */
+/** When the automation ends by itself; `time` is when the status was read, in milliseconds. */
 export function endOfAutomation(
   status: Status,
   sequence: Sequence | undefined,
@@ -164,7 +164,7 @@ export function endOfAutomation(
   const present = presentLeft(status);
   const after = (seconds: number): number => time + seconds * 1000;
   if (status.Seq_line < 1) {
-    // Runs that were started one by one: a calibration's replicates are in no report.
+    // Runs outside the sequence: no report gives the number of runs of a calibration.
     return autoStateOf(status) === 'Running - Single Run'
       ? endOfRun(status, time)
       : { kind: 'not-before', time: after(present.seconds), why: 'more runs may follow' };
@@ -191,10 +191,10 @@ export function endOfAutomation(
     : { kind: 'not-before', time: end, why: reasons.join('; ') };
 }
 
-/** Milliseconds in which the end of anything is worth a time of day. */
+/** Milliseconds beyond which an end is not given as a time of day. */
 const farthest = 366 * 24 * 3600 * 1000;
 
-/** In a few words; empty when there is nothing that could end. */
+/** An end in a few words; empty if nothing is under way. */
 export function describeEnd(end: End, present: number): string {
   switch (end.kind) {
     case 'none':

@@ -1,4 +1,4 @@
-// Checks values by the JSON Schemas of the files, as far as those schemas go.
+// Checks values against the files' JSON Schemas; supports only the keywords that these use.
 
 export interface Schema {
   $ref?: string;
@@ -14,7 +14,7 @@ export interface Schema {
 }
 
 export interface Problem {
-  /** Where in the value, as a JSON pointer; empty for the value itself. */
+  /** Place in the value, as a JSON pointer; empty for the value itself. */
   path: string;
   text: string;
 }
@@ -55,7 +55,7 @@ export function schemaAt(root: Schema, reference: string): Schema {
   return node as Schema;
 }
 
-/** What is wrong with the value by the schema, which is a part of `root`; empty when nothing is. */
+/** The faults of a value by its schema, which is a part of `root`; empty if there are none. */
 export function problemsOf(value: unknown, schema: Schema, root: Schema, path = ''): Problem[] {
   if (schema.$ref !== undefined) {
     return problemsOf(value, schemaAt(root, schema.$ref), root, path);

@@ -1,4 +1,4 @@
-// The way of the gas through what is fitted, as configuration and status tell of it.
+// The gas flow through the fitted parts, from configuration and status.
 import {
   channelKeys,
   type Channel,
@@ -10,16 +10,16 @@ import {
 import { deviationOf, formatReal, notAvailable } from './format';
 import { quantities, sampleLine, type Measure } from './quantities';
 
-/** `good` is quiet; `off` needs somebody's attention; `none` is not there, or not known. */
+/** `good` is as it should be; `off` needs attention; `none` is absent, unknown or disabled. */
 export type Level = 'good' | 'off' | 'none';
 
-/** One thing that a part shows. */
+/** One value shown for a part. */
 export interface Reading {
-  /** What it is, where that does not go without saying. */
+  /** The quantity, where it is not obvious. */
   label?: string;
   value: string;
   unit?: Measure['unit'] | 'auto_zero';
-  /** How it stands; empty where nothing is to be said. */
+  /** Its state in words; empty if there is nothing to say. */
   state: string;
   level: Level;
 }
@@ -32,18 +32,18 @@ export interface Part {
 
 export interface Branch {
   title: string;
-  /** What its column is, and the carrier gas. */
+  /** The column's description, the carrier gas, and whether the channel is disabled. */
   note: string;
   isDisabled: boolean;
-  /** In the order that the gas takes. */
+  /** In the order of the gas flow. */
   parts: Part[];
 }
 
 export interface Schematic {
-  /** What all channels share, in the order that the gas takes. */
+  /** The parts that all channels share, in the order of the gas flow. */
   inlet: Part[];
   branches: Branch[];
-  /** What cannot be drawn. */
+  /** What the drawing cannot show. */
   remarks: string[];
 }
 
@@ -142,7 +142,7 @@ function branchOf(key: ChannelKey, channel: Channel, known: Configuration | unde
   };
 }
 
-/** Nobody has to see to what is switched off on purpose. */
+/** A part that was disabled on purpose needs no attention. */
 function quiet(part: Part): Part {
   return { ...part, readings: part.readings.map((one) => ({ ...one, level: 'none' })) };
 }

@@ -1,24 +1,24 @@
-// The sequence as the instrument has it, while an automation is under way.
+// The instrument's sequence, while an automation is under way.
 import { computed, effect, signal } from '@preact/signals';
 import { getReport, type Fault } from './api';
 import type { Sequence } from './documents';
 import { isStale, status } from './store';
 import { isIdle } from './states';
 
-/** Milliseconds after which it is asked for again when it was not to be had. */
+/** Milliseconds after which a failed request is repeated. */
 const interval = 60_000;
 
 export const sequence = signal<Sequence | undefined>(undefined);
 export const sequenceFault = signal<Fault | undefined>(undefined);
-/** The only one of these requests whose answer still counts. */
+/** Number of the latest request; answers to earlier ones are ignored. */
 let latest = 0;
 
-/** Asks for it anew. */
+/** Requests the sequence again. */
 export async function loadSequence(): Promise<void> {
   const number = ++latest;
   const answer = await getReport<Sequence>('/api/sequence', 'Table_repeat');
   if (number === latest) {
-    // An older one may be another's.
+    // An older sequence may belong to another instrument.
     sequence.value = answer.ok ? answer.value : undefined;
     sequenceFault.value = answer.ok ? undefined : answer.fault;
   }
@@ -29,11 +29,14 @@ const subject = computed(() =>
   status.value && !isIdle(status.value) ? status.value.Application : undefined,
 );
 
-/** Asks when an automation begins and when the instrument comes back, until the returned function is called. */
+/**
+ * Requests the sequence when an automation begins and when the instrument comes back, until the
+ * returned function is called.
+ */
 export function watchSequence(): () => void {
   const stop = effect(() => {
     if (subject.value === undefined) {
-      // It may be changed from now on.
+      // From now on the sequence may be changed.
       latest++;
       sequence.value = undefined;
       sequenceFault.value = undefined;

@@ -1,11 +1,11 @@
-// Who gives commands from this page, and of which version the web server's side is.
+// The user who gives commands from this page, and the version of the web server's side.
 import { signal } from '@preact/signals';
 import { getReport, sendCommand, type Answer } from './api';
 import type { About } from './documents';
 import { describeFault } from './faults';
 import { say } from './notices';
 
-/** Where this tab keeps the name while a page is loaded again. */
+/** The key under which this tab keeps the name while a page is reloaded. */
 const place = 'user';
 
 function remembered(): string | undefined {
@@ -16,9 +16,9 @@ function remembered(): string | undefined {
   }
 }
 
-/** The name that the web server knows; undefined when it has not told one. */
+/** The user's name, as the web server knows it; undefined if it has given none. */
 export const user = signal<string | undefined>(remembered());
-/** Whether the web server has let this page give a command. */
+/** Whether the web server has accepted a command from this page. */
 export const isSignedIn = signal(user.value !== undefined);
 
 function remember(name: string | undefined): void {
@@ -30,11 +30,11 @@ function remember(name: string | undefined): void {
       sessionStorage.setItem(place, name);
     }
   } catch {
-    // The browser keeps nothing for pages.
+    // The browser does not let pages store anything.
   }
 }
 
-/** What an answer to a command tells of who asks. */
+/** Notes from the answer to a command whether the user is signed in, and the name. */
 export function noteLogin(answer: Answer<unknown>): void {
   if (!answer.ok && answer.fault.status === 0) {
     return;
@@ -43,7 +43,7 @@ export function noteLogin(answer: Answer<unknown>): void {
   remember(isSignedIn.value ? (answer.user ?? user.value) : undefined);
 }
 
-/** Lets the browser ask for the password before it matters. */
+/** Makes the browser ask for the password before it is needed. */
 export async function signIn(): Promise<void> {
   say('session', { kind: 'waiting', text: 'Signing in. The browser asks who you are.' });
   const answer = await sendCommand('POST', 'login', '{}');
@@ -56,7 +56,7 @@ export async function signIn(): Promise<void> {
   );
 }
 
-/** Lets the browser forget the password; that the web server then knows nobody is what is wanted. */
+/** Makes the browser forget the password; an answer of 401 is then a success. */
 export async function signOut(): Promise<void> {
   const answer = await sendCommand('POST', 'logout', '{}');
   const isOut = !answer.ok && answer.fault.status === 401;

@@ -1,4 +1,4 @@
-// A sound for trouble, which somebody has to switch on in each browser.
+// A warning sound, which must be switched on in each browser.
 import { effect, signal } from '@preact/signals';
 import { now } from './contact';
 import { troubles } from './watch';
@@ -8,7 +8,7 @@ const place = 'sound';
 /** Milliseconds after which it sounds again while the trouble lasts. */
 const again = 60_000;
 
-/** Seconds, and the tones of one sound in hertz. */
+/** Seconds for each tone, and the tones of one sound in hertz. */
 const toneSeconds = 0.25;
 const tones = [880, 660, 880] as const;
 
@@ -21,7 +21,7 @@ function remembered(): boolean {
 }
 
 export const isSoundOn = signal(remembered());
-/** Whether the browser lets it be heard; it does only after somebody has touched the page. */
+/** Whether the browser allows sound, which it does only after the user has touched the page. */
 export const isAudible = signal(false);
 
 let context: AudioContext | undefined;
@@ -48,13 +48,13 @@ function play(): void {
   });
 }
 
-/** To be called by what somebody has clicked: sounds once, so that one knows it. */
+/** To be called on a click; sounds once when switched on, so that the user knows the sound. */
 export async function switchSound(isOn: boolean): Promise<void> {
   isSoundOn.value = isOn;
   try {
     localStorage.setItem(place, isOn ? 'on' : 'off');
   } catch {
-    // It is on until the page is left.
+    // The choice holds until the page is left.
   }
   if (isOn) {
     await open();

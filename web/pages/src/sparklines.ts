@@ -4,28 +4,28 @@ import type { Real } from './documents';
 
 export const sparkSeconds = 600;
 
-/** Seconds that share a point: a line that is drawn anew every second must not tremble. */
+/** Seconds that share a point: a line that is redrawn every second must not jitter. */
 const stepSeconds = 5;
 /** Steps without a value after which the line is broken. */
 const longestGap = 4;
 
-/** Sides of the picture. */
+/** Size of the picture. */
 export const sparkWidth = sparkSeconds / stepSeconds;
 export const sparkHeight = 24;
 
-/** At least so many tolerances fill the height: steady values do not fill it with their noise. */
+/** The least span of the height, in tolerances, so that noise does not fill it. */
 const leastTolerances = 8;
 
 export interface Spark {
-  /** The line, as SVG takes it. */
+  /** The line as an SVG path. */
   path: string;
-  /** Top and height of what counts as reached; undefined without a setpoint. */
+  /** Top and height of the range that counts as at setpoint; undefined without a setpoint. */
   band: { top: number; height: number } | undefined;
 }
 
 type Place = { x: number; value: number };
 
-/** Stretches without a gap, with at most one point a step: the latest. */
+/** Stretches without a gap, with at most one point for each step: its latest. */
 function stretchesOf({ times, values }: Points, begin: number): Place[][] {
   const stretches: Place[][] = [];
   let open: Place[] | undefined;
@@ -49,7 +49,7 @@ function stretchesOf({ times, values }: Points, begin: number): Place[][] {
   return stretches;
 }
 
-/** `now` is in seconds: where the line ends before the right edge, values are missing. */
+/** `now` is in seconds; if the line ends before the right edge, values are missing. */
 export function sparkOf(points: Points, now: number, setpoint: Real, tolerance: number): Spark {
   const begin = (Math.floor(now / stepSeconds) + 1) * stepSeconds - sparkSeconds;
   const stretches = stretchesOf(points, begin);
@@ -68,7 +68,7 @@ export function sparkOf(points: Points, now: number, setpoint: Real, tolerance: 
     tenths((0.5 - (0.9 * (value - middle)) / span) * sparkHeight);
   const draw = (stretch: readonly Place[]): string =>
     stretch.length === 1
-      ? // A point would not be seen.
+      ? // A single point would be invisible.
         `M${stretch[0]!.x} ${y(stretch[0]!.value)}h1`
       : stretch.map(({ x, value }, index) => `${index === 0 ? 'M' : 'L'}${x} ${y(value)}`).join('');
   const top = typeof setpoint === 'number' ? y(setpoint + tolerance) : 0;

@@ -1,4 +1,4 @@
-// What the texts of the status say about the instrument, and which action that allows.
+// The instrument's state from the texts of the status, and the actions that it allows.
 import { channelKeys, type Status } from './documents';
 
 /** The states of `GC_state` without their numbers; `Unknown` for any other text. */
@@ -28,12 +28,12 @@ export function autoStateOf(status: Status): string {
   return status.Auto_state.replace(/ \d+s$/, '');
 }
 
-/** A text of the status as it is shown: a countdown that stands at nothing counts nothing down. */
+/** A text of the status as it is shown: without a countdown of zero or less. */
 export function withoutNothing(text: string): string {
   return text.replace(/ (-\d+|0)(s| min)$/, '');
 }
 
-/** Whether the instrument is in a run, or prepares one. */
+/** Whether the instrument is in a run, or is preparing one. */
 export function isAtWork(status: Status): boolean {
   return ['Flushing', 'Running'].includes(gcStateOf(status));
 }
@@ -46,7 +46,7 @@ export function isIdle(status: Status): boolean {
   return status.Auto_state === 'Idle';
 }
 
-/** Whether something goes on that ends by itself, and that a person waits for. */
+/** Whether something is under way that ends by itself and that the user waits for. */
 export function isRunning(status: Status): boolean {
   return isAtWork(status) || !isIdle(status);
 }
@@ -55,7 +55,7 @@ export function isSimulated(status: Status): boolean {
   return status.Application.includes('(simulated)');
 }
 
-/** Whether what answers now may be configured otherwise than what answered before. */
+/** Whether the instrument that answers now may be configured differently from the one before. */
 export function isOtherInstrument(before: Status, after: Status): boolean {
   return (
     before.Application !== after.Application ||
@@ -75,18 +75,18 @@ export const actions = [
 ] as const;
 export type Action = (typeof actions)[number];
 
-/** What an action needs that the instrument takes only while the automation is idle. */
+/** The condition for an action that the instrument accepts only while the automation is idle. */
 interface Rule {
-  /** States in which the instrument takes it. */
+  /** States in which the instrument accepts it. */
   states: readonly GcState[];
-  /** Why not, when the state is another one. */
+  /** Why not, in any other state. */
   reason: string;
 }
 
 const quiet: readonly GcState[] = ['Stabilizing', 'Ready', 'Not Ready', 'Wait Ext Rdy'];
 const settings: readonly GcState[] = [...quiet, 'Error', 'Recoverable Error'];
 
-/** A state that nobody knows forbids what starts something, and never what stops it. */
+/** Actions without a rule are possible in every state; an unknown state forbids all others. */
 const rules: Readonly<Record<Action, Rule | undefined>> = {
   'start-run': { states: ['Ready'], reason: 'A run starts only from Ready.' },
   'start-automation': { states: ['Ready'], reason: 'The automation starts only from Ready.' },
@@ -104,7 +104,7 @@ const rules: Readonly<Record<Action, Rule | undefined>> = {
   },
 };
 
-/** Why the instrument would not take the action now; empty when it would. */
+/** Why the instrument would not accept the action now; empty if it would. */
 export function reasonAgainst(action: Action, status: Status): string {
   const state = gcStateOf(status);
   if (action === 'abort-after-run' && isIdle(status)) {

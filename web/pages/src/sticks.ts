@@ -1,22 +1,22 @@
-// Where the sticks of a chromatogram and their names stand, in parts of the picture or in its units.
+// Positions of a chromatogram's sticks and their names, as fractions or in the picture's units.
 
-/** Zero stands apart from the logarithmic scale, by this part of the height. */
+/** Fraction of the height between zero and the logarithmic scale. */
 export const zeroGap = 0.17;
 
-/** Decades that are always shown, so that the scale stays while somebody types. */
+/** Decades that are always shown, so that the scale does not change with every key typed. */
 const usual = { low: -2, high: 2 };
-/** Times that differ by less are all at one place. */
+/** Times that differ by less count as equal. */
 const leastSpan = 1e-6;
-/** More marks than these are too many for the height. */
+/** The most marks that the height has room for. */
 const mostMarks = 7;
 
-/** A scale from 10 to the `low` to 10 to the `high`. */
+/** A scale from 10^low to 10^high. */
 export interface Decades {
   low: number;
   high: number;
 }
 
-/** The decades of all amounts above zero. */
+/** The decades that include all amounts above zero. */
 export function decadesOf(amounts: readonly (number | undefined)[]): Decades {
   const logs = amounts.filter((amount) => amount !== undefined && amount > 0) as number[];
   return {
@@ -25,13 +25,13 @@ export function decadesOf(amounts: readonly (number | undefined)[]): Decades {
   };
 }
 
-/** How high a stick is, from 0 to 1: 0 for nothing, the gap at least for whatever there is. */
+/** Height of a stick, from 0 to 1: 0 for an amount of 0, otherwise at least the gap. */
 export function heightOf(amount: number, { low, high }: Decades): number {
   const part = amount > 0 ? (Math.log10(amount) - low) / (high - low) : -1;
   return amount > 0 ? zeroGap + (1 - zeroGap) * part : 0;
 }
 
-/** The amounts that the scale has marks for. */
+/** The amounts marked on the scale. */
 export function marksOf({ low, high }: Decades): number[] {
   const step = Math.ceil((high - low + 1) / mostMarks);
   const marks: number[] = [];
@@ -47,7 +47,7 @@ export interface TimeAxis {
   marks: number[];
 }
 
-/** A time axis for all of these that begins at zero, with round marks, at most so many steps. */
+/** A time axis from zero for all these times, with round marks and at most `mostSteps` steps. */
 export function timeAxisOf(times: readonly number[], mostSteps: number): TimeAxis {
   const low = Math.min(0, ...times);
   const highest = Math.max(0, ...times);
@@ -64,15 +64,15 @@ export function timeAxisOf(times: readonly number[], mostSteps: number): TimeAxi
 }
 
 export interface Wish {
-  /** Where the name would best stand. */
+  /** The best place for the name. */
   at: number;
-  /** The greater, the sooner it gets its place. */
+  /** Names with a greater weight are placed first. */
   weight: number;
 }
 
-/** Moves places, in their order, as little as possible to be that far from each other. */
+/** Moves places as little as possible to be that distance apart, in the same order. */
 function spread(places: readonly number[], distance: number, from: number, to: number): number[] {
-  // Places less their distances need only not to descend: neighbours that do are put together.
+  // With the distances subtracted, places must only not descend: neighbours that do are merged.
   const groups: { sum: number; count: number }[] = [];
   places.forEach((place, n) => {
     let group = { sum: place - n * distance, count: 1 };
@@ -94,8 +94,8 @@ function spread(places: readonly number[], distance: number, from: number, to: n
 }
 
 /**
- * Where names stand so that none is nearer than `distance` to another, nor further than `farthest`
- * from where it belongs; undefined for those that there is no room for.
+ * Places for names, at least `distance` apart and at most `farthest` from where they belong;
+ * undefined for those without room.
  */
 export function placeNames(
   wishes: readonly Wish[],
@@ -123,16 +123,16 @@ export function placeNames(
   return wishes.map((_, n) => placed.get(n));
 }
 
-/** Letters that take the room of two: of East Asia, full width, and pictures. */
+/** Letters as wide as two: East Asian, full-width, and pictographs. */
 const wide =
   /[\u1100-\u115f\u2e80-\ua4cf\uac00-\ud7a3\uf900-\ufaff\ufe30-\ufe6f\uff00-\uff60]|\p{Extended_Pictographic}/u;
 
-/** How many narrow letters the name is wide. */
+/** The width of a name, in narrow letters. */
 export function widthOf(name: string): number {
   return [...name].reduce((sum, letter) => sum + (wide.test(letter) ? 2 : 1), 0);
 }
 
-/** A name that is not wider than so many narrow letters. */
+/** A name, shortened to at most `most` narrow letters. */
 export function shortened(name: string, most: number): string {
   if (widthOf(name) <= most) {
     return name;

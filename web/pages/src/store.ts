@@ -1,4 +1,4 @@
-// What all pages share, in one place to get it from.
+// What all pages share, exported from one place.
 import { beginContact } from './contact';
 import './interrupted';
 import { loadAbout } from './session';
@@ -10,7 +10,7 @@ export { interruptions, takeNote } from './interrupted';
 export { dismiss, notice, notices } from './notices';
 export { isSignedIn, serverVersion, signIn, signOut, user } from './session';
 
-/** Begins to ask for the status; called once. */
+/** Starts to request the status; called once. */
 export function start(): void {
   beginContact();
   void loadAbout();

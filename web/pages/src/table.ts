@@ -1,10 +1,10 @@
-// A table that is being edited: texts in cells, what is wrong with them, and the operations on rows.
+// A table being edited: the texts of its cells, their faults, and operations on rows.
 import { problemsOf, schemaAt, type Schema } from './schema';
 
 export type Value = string | number | boolean;
 export type Values = Readonly<Record<string, Value>>;
 
-/** A table with its values, as the instrument has it or shall get it. */
+/** A table's values, as the instrument has them or as they are to be sent. */
 export interface Table {
   header: Values;
   rows: readonly Values[];
@@ -15,34 +15,34 @@ export interface Column {
   label: string;
   kind: 'integer' | 'real' | 'choice' | 'flag' | 'text';
   isEditable: boolean;
-  /** Whether a difference in it counts; what the instrument computes itself does not. */
+  /** Whether a difference counts; not for what the instrument computes itself. */
   isCompared: boolean;
-  /** Where the file's schema has it; only of what is editable. */
+  /** Place in the file's schema; only for editable columns. */
   schema?: string;
   choices?: readonly string[];
-  /** What the instrument is known to take: a row that it refuses leaves half a table behind. */
+  /** What the instrument is known to accept: a row that it refuses leaves half a table behind. */
   minimum?: number;
   maximum?: number;
-  /** What is more than this may be meant, but is perhaps refused. */
+  /** A larger value may be intended, but the instrument may refuse it. */
   usual?: number;
 }
 
-/** What makes one kind of table. */
+/** The structure of one kind of table. */
 export interface Layout {
   schema: Schema;
   header: readonly Column[];
   columns: readonly Column[];
-  /** How many rows there can be; rows cannot be added, removed or moved when both are the same. */
+  /** The fewest and most rows that editing may leave; `mostRows` is 0 if the rows are fixed. */
   leastRows: number;
   mostRows: number;
   /** What one row is called. */
   rowName: string;
-  /** What a new row holds. */
+  /** The values of a new row. */
   emptyRow: Values;
 }
 
 export interface Row {
-  /** Stays with the row wherever it moves. */
+  /** Stays the same when the row moves. */
   id: number;
   cells: Readonly<Record<string, string>>;
 }
@@ -75,10 +75,10 @@ export function draftOf(table: Table): Draft {
   };
 }
 
-/** With one point or one comma before the decimals, and nothing between thousands. */
+/** With a decimal point or comma, and without thousands separators. */
 const real = /^[+-]?(\d+[.,]?\d*|[.,]\d+)(e[+-]?\d+)?$/i;
 
-/** The value that a cell's text stands for; a text that stands for none is given back as it is. */
+/** The value of a cell's text; a text without a valid value is returned unchanged. */
 export function valueOf(text: string, kind: Column['kind']): Value {
   const trimmed = text.trim();
   switch (kind) {
@@ -98,19 +98,19 @@ function notNumber(text: string, kind: 'integer' | 'real'): string {
     return 'empty';
   }
   const fault = kind === 'integer' ? 'not a whole number' : 'not a number';
-  // "1,234.5" could be meant in two ways.
+  // "1,234.5" is ambiguous.
   const isGrouped = /^[+-]?\d+([.,'’\s]\d+){2,}$|^[+-]?\d+['’\s]\d/.test(text.trim());
   return isGrouped ? `${fault}: leave out what separates thousands` : fault;
 }
 
-/** What is wrong with a cell's text; empty when nothing is. */
+/** The fault of a cell's text; empty if there is none. */
 export function cellProblem(text: string, column: Column, schema: Schema): string {
   if (column.schema === undefined) {
     return '';
   }
   const value = valueOf(text, column.kind);
   if (column.kind === 'real' || column.kind === 'integer') {
-    // The schema lets "-" pass, with which the instrument would be left without the value.
+    // The schema allows "-", which would leave the instrument without a value.
     const fault = typeof value === 'number' ? '' : notNumber(text, column.kind);
     if (fault) {
       return fault;
@@ -134,7 +134,7 @@ export function cellProblem(text: string, column: Column, schema: Schema): strin
 
 type Cells = Readonly<Record<string, string>>;
 
-/** A cell that is not there is empty. */
+/** A missing cell counts as empty. */
 export function textIn(cells: Cells, { key }: Column): string {
   return cells[key] ?? '';
 }
@@ -154,7 +154,7 @@ export function problemsOfDraft(draft: Draft, layout: Layout): CellProblem[] {
   ];
 }
 
-/** The values of a draft without problems. */
+/** The values of a draft; texts without a valid value stay as they are. */
 export function tableOf(draft: Draft, layout: Layout): Table {
   const values = (cells: Cells, columns: readonly Column[]): Values =>
     Object.fromEntries(
@@ -188,7 +188,7 @@ export function addRow(draft: Draft, layout: Layout): Draft {
     : insertAt(draft, draft.rows.length, textsOf(layout.emptyRow));
 }
 
-/** Puts a copy of a row below it. */
+/** Inserts a copy of a row below it. */
 export function duplicateRow(draft: Draft, layout: Layout, rowId: number): Draft {
   const index = draft.rows.findIndex(({ id }) => id === rowId);
   const row = draft.rows[index];
@@ -201,7 +201,7 @@ export function removeRow(draft: Draft, layout: Layout, rowId: number): Draft {
     : { ...draft, rows: draft.rows.filter(({ id }) => id !== rowId) };
 }
 
-/** Moves a row up (-1) or down (1); at the end it stays. */
+/** Moves a row up (-1) or down (1), but not beyond either end. */
 export function moveRow(draft: Draft, rowId: number, by: -1 | 1): Draft {
   const from = draft.rows.findIndex(({ id }) => id === rowId);
   const to = from + by;

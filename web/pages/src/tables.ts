@@ -1,4 +1,4 @@
-// The two tables of the instrument: their layouts, and their documents to and from a table.
+// The instrument's two tables: their layouts, and conversion from and to documents.
 import calibrationSchema from '../../../docs/schemas/calibration-file.schema.json';
 import sequenceSchema from '../../../docs/schemas/sequence-file.schema.json';
 import type { Calibration, Configuration, Sequence } from './documents';
@@ -6,17 +6,17 @@ import { lastSlot, lastStream, sequenceLines } from './limits';
 import type { Schema } from './schema';
 import type { Column, Layout, Table, Values } from './table';
 
-/** One kind of table, with its way to and from the gateway. */
+/** One kind of table, and its conversion from and to the gateway's documents. */
 export interface TableKind {
   name: 'sequence' | 'calibration';
   title: string;
-  /** What sending does besides what the differences show, and what a refusal leaves behind. */
+  /** What sending does beyond the differences shown, and what a refusal leaves behind. */
   effects: readonly string[];
   layout: (configuration: Configuration | undefined) => Layout;
   fromReport: (document: object) => Table;
-  /** The file that the gateway takes, and that is exported. */
+  /** The file that the gateway accepts, and that is exported. */
   toFile: (table: Table) => string;
-  /** A table from a file’s document, by its schema; `current` is what the instrument has. */
+  /** A table from a file’s document, checked by its schema; `current` is the instrument’s. */
   fromFile: (document: unknown, current: Table) => Table;
 }
 
@@ -104,7 +104,7 @@ function sequenceLayout(configuration: Configuration | undefined): Layout {
   };
 }
 
-/** Members that are left out count as the tool counts them. */
+/** Missing members have the tool's defaults. */
 function sequenceTable(document: Sequence): Table {
   const rows = (document.rows ?? []).slice(0, Math.max(0, document.total));
   return {
@@ -119,7 +119,7 @@ function sequenceTable(document: Sequence): Table {
   };
 }
 
-/** One row a line: people read and compare these files. */
+/** Writes each row on one line: people read and compare these files. */
 function writeFile(members: Record<string, unknown>, rows: readonly Values[]): string {
   const head = Object.entries({ ...members, total: rows.length })
     .map(([key, value]) => `  ${JSON.stringify(key)}: ${JSON.stringify(value)},\n`)
@@ -128,7 +128,7 @@ function writeFile(members: Record<string, unknown>, rows: readonly Values[]): s
   return `{\n${head}  "rows": [\n${body}\n  ]\n}\n`;
 }
 
-/** The instrument would take no more rows than the total says: somebody has forgotten one of the two. */
+/** The instrument would store only as many rows as the total says, so a mismatch is a mistake. */
 function checkTotal({ rows = [], total }: { rows?: readonly unknown[]; total: number }): void {
   if (total !== rows.length) {
     const count = rows.length === 1 ? 'there is 1 row' : `there are ${rows.length} rows`;
@@ -204,7 +204,7 @@ export const calibrationKind: TableKind = {
     })),
   }),
   toFile: (table) => writeFile({}, table.rows),
-  // A download clears all amounts first: peaks that the file does not name keep what they have.
+  // A download clears all amounts first, so peaks missing from the file are sent with theirs.
   fromFile: (document, current) => {
     const { rows = [] } = document as Calibration;
     checkTotal(document as Calibration);

@@ -1,13 +1,13 @@
-// A sequence as a bar over time: where each line begins, and where the automation stands.
+// A sequence as a bar over time: where each line begins, and the automation's position.
 import type { Sequence, Status } from './documents';
 import { formatSpan } from './format';
 import { secondsOf } from './schedule';
 import { autoStateOf, gcStateOf } from './states';
 import type { Table } from './table';
 
-/** A line of the table, with what is known of it while it is edited. */
+/** A line of the table, as far as it is known during editing. */
 export interface Line {
-  /** Counts from 1, as the status does. */
+  /** Counted from 1, as in the status. */
   line: number;
   type: string;
   stream: string;
@@ -16,37 +16,37 @@ export interface Line {
   flush: number | undefined;
 }
 
-/** The part of a line; lengths are seconds, or runs as long as nobody knows how long one is. */
+/** A line's part of the bar; lengths are in seconds, or in runs while the run time is unknown. */
 export interface Stretch extends Line {
   runs: number;
   from: number;
   flushing: number;
   running: number;
-  /** Whether the length of its flushing is not known; it is drawn all the same. */
+  /** Whether the length of its flushing is unknown; it is drawn nevertheless. */
   isFlushUnknown: boolean;
 }
 
 export interface Timeline {
   stretches: Stretch[];
   length: number;
-  /** Of one run; undefined if no status tells it. */
+  /** Seconds for one run; undefined if no status gives it. */
   runSeconds: number | undefined;
   runs: number;
-  /** Of one pass through the table, without what is not known. */
+  /** Seconds for one pass through the table, without unknown lengths. */
   seconds: number | undefined;
   /** Lines with 0 runs, which are skipped. */
   passedOver: number[];
-  /** Lines whose runs are no number, as they are drawn: as one run. */
+  /** Lines without a valid number of runs, which are drawn as one run. */
   unclear: number[];
-  /** Whether the length of some flushing is not known. */
+  /** Whether the length of any flushing is unknown. */
   isFlushUnknown: boolean;
 }
 
-/** Flushing of unknown length is drawn like this part of a run. */
+/** Flushing of unknown length is drawn as this fraction of a run. */
 const flushPart = 0.3;
 const isCount = (value: unknown): value is number => Number.isInteger(value) && Number(value) >= 0;
 
-/** The lines of a table under edit, whose values may be anything. */
+/** The lines of a table being edited, whose values may be invalid. */
 export function linesOf({ rows }: Table): Line[] {
   return rows.map(({ Type, Repeat, Stream, Flush_time: flush }, index) => ({
     line: index + 1,
@@ -94,7 +94,7 @@ export function timelineOf(
   };
 }
 
-/** Where so many seconds have gone, not counting what has no known length. */
+/** The place after so many seconds, not counting unknown lengths. */
 export function placeAfter({ stretches, length }: Timeline, seconds: number): number {
   let left = seconds;
   for (const { from, flushing, running, isFlushUnknown } of stretches) {
@@ -108,7 +108,7 @@ export function placeAfter({ stretches, length }: Timeline, seconds: number): nu
   return length;
 }
 
-/** Where the automation stands, from the begin of the pass; undefined if it fits no line. */
+/** The automation's position from the start of the pass; undefined if it matches no line. */
 export function positionIn(
   { stretches, runSeconds }: Timeline,
   status: Status,
@@ -121,7 +121,7 @@ export function positionIn(
   const begin = stretch.from + stretch.flushing;
   const [, left] = /^Flushing Stream (\d+)s$/.exec(status.Auto_state) ?? [];
   if (autoStateOf(status) === 'Flushing Stream') {
-    // What is left is told in whole minutes, and nothing in the last of them.
+    // The time left is given in whole minutes, and not at all in the last one.
     return stretch.isFlushUnknown
       ? stretch.from
       : Math.max(stretch.from, begin - Number(left ?? 0));
@@ -131,7 +131,7 @@ export function positionIn(
   return begin + (replicate - 1) * run + (isOn ? Math.min(run, Math.max(0, elapsed)) : 0);
 }
 
-/** Where the automation stands, in words. */
+/** The automation's position in words. */
 export function positionText(status: Status, of: Sequence | undefined): string {
   const { Seq_line: line, Line_replicate: replicate, Seq_replicate: pass } = status;
   if (line < 1) {
@@ -195,10 +195,10 @@ export function describeStretch(stretch: Stretch, timeline: Timeline): string {
   return parts.join(', ');
 }
 
-/** Seconds that may lie between two marks. */
+/** Possible distances between two marks, in seconds. */
 const steps: readonly number[] = [1, 5, 10, 30, 60, 120, 300, 600, 1800, 3600, 7200, 21600, 86400];
 
-/** Marks of a time axis, at most so many steps. */
+/** Marks of a time axis, with at most `mostSteps` steps. */
 export function timeMarks(seconds: number, mostSteps: number): number[] {
   const days = 86400 * Math.ceil(seconds / mostSteps / 86400);
   const step = steps.find((one) => seconds / one <= mostSteps) ?? days;
@@ -221,7 +221,7 @@ export function markText(seconds: number): string {
   return `${Math.floor(seconds / 3600)}${minutes > 0 ? `:${String(minutes).padStart(2, '0')}` : ''} h`;
 }
 
-/** The longest of the texts that is not wider than so many letters. */
+/** The first of the texts that fits; empty if none does. */
 export function fitting(texts: readonly string[], letters: number): string {
   return texts.find((text) => text.length <= letters) ?? '';
 }

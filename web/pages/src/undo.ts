@@ -1,22 +1,22 @@
-// What was done to a table, in the order it was done, to go back and forth in.
+// Undo and redo: the changes to a table, in order.
 import { signal } from '@preact/signals';
 import type { Cell, Draft, Table } from './table';
 
-/** How far back one can go. */
+/** The most steps that can be undone. */
 const mostSteps = 200;
 
-/** What can be gone back to. */
+/** A state that can be restored. */
 export interface Moment {
   draft: Draft;
-  /** The instrument's table as it was read, where the step was reading it anew. */
+  /** The instrument's table as it was read before, if the step was reading it again. */
   base?: Table;
 }
 
-/** One thing that was done. */
+/** One change. */
 export interface Step {
   /** As a noun: `Runs, line 2`. */
   what: string;
-  /** Where the person goes on, if that is not where the two tables differ. */
+  /** Where the user continues, if not where the two tables differ. */
   place?: Cell;
 }
 
@@ -26,28 +26,28 @@ export class Undo {
   readonly past = signal<readonly Kept[]>([]);
   readonly future = signal<readonly Kept[]>([]);
 
-  /** Remembers how the table was before the step. */
+  /** Keeps the state before the step. */
   record(step: Step, before: Moment): void {
     this.past.value = [...this.past.value, { ...step, moment: before }].slice(-mostSteps);
     this.future.value = [];
   }
 
-  /** How the table was before the latest step; `present` is how it is. */
+  /** Undoes the latest step: returns the state before it. `present` is the state now. */
   back(present: Required<Moment>): Kept | undefined {
     return this.move(this.past, this.future, present);
   }
 
-  /** How the table was before the latest step back. */
+  /** Redoes the step undone last: returns the state before it was undone. */
   forth(present: Required<Moment>): Kept | undefined {
     return this.move(this.future, this.past, present);
   }
 
-  /** The latest step has changed nothing. */
+  /** Forgets the latest step, which has changed nothing. */
   forgetLatest(): void {
     this.past.value = this.past.value.slice(0, -1);
   }
 
-  /** What was read from the instrument has been replaced there: only what was edited comes back. */
+  /** After the instrument's table was replaced, undo restores edits only, not what was read. */
   forgetBases(): void {
     for (const steps of [this.past, this.future]) {
       steps.value = steps.value.map((step) => ({ ...step, moment: { draft: step.moment.draft } }));

@@ -1,8 +1,8 @@
-// Edits that were not sent, kept in this tab while a page is loaded again. Each instrument has its own.
+// Unsent edits, kept in this tab while a page is reloaded, separately for each instrument.
 import type { Unsent } from './editing';
 import type { TableKind } from './tables';
 
-/** What tells one instrument from another. */
+/** What identifies an instrument. */
 interface Identity {
   Inst_name: string;
   Inst_serial: number;
@@ -15,7 +15,7 @@ export function placeOf(
   return `unsent ${kind.name} of ${JSON.stringify([name, serial])}`;
 }
 
-/** Keeps it, or forgets what was kept. */
+/** Keeps the edits, or forgets those that were kept. */
 export function keep(place: string, unsent: Unsent | undefined): void {
   try {
     if (unsent) {
@@ -24,7 +24,7 @@ export function keep(place: string, unsent: Unsent | undefined): void {
       sessionStorage.removeItem(place);
     }
   } catch {
-    // The browser keeps nothing for pages, or there is no room: it asks before the page is left.
+    // Pages may not store anything, or there is no room: the browser asks before the page is left.
   }
 }
 

@@ -1,4 +1,4 @@
-// What a person must know who does not look: an alarm, an error, an instrument that does not answer.
+// What users must notice without looking at the page: an alarm, an error, or no answer.
 import { computed, effect } from '@preact/signals';
 import { isError } from './states';
 import { isStale, status, statusFault } from './contact';
@@ -11,7 +11,7 @@ const words: Readonly<Record<Trouble, string>> = {
   alarm: 'ALARM',
 };
 
-/** The worst first; of an instrument that does not answer nothing else is known. */
+/** The worst first; while there is no answer, nothing else is known. */
 export const troubles = computed<readonly Trouble[]>(() => {
   const current = status.value;
   if (isStale.value) {
@@ -23,12 +23,12 @@ export const troubles = computed<readonly Trouble[]>(() => {
   ];
 });
 
-/** Before the title of any page; empty when all is well. */
+/** Put before the title of every page; empty when all is well. */
 export const titleBegin = computed(() =>
   troubles.value.length > 0 ? `${troubles.value.map((one) => words[one]).join(', ')} – ` : '',
 );
 
-/** Lets the icon of the page show the worst. */
+/** Shows the worst trouble in the page's icon, until the returned function is called. */
 export function watchIcon(): () => void {
   return effect(() => {
     const icon = document.querySelector<HTMLLinkElement>('link[rel="icon"]');

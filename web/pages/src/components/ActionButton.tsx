@@ -1,5 +1,5 @@
-// A button for an action of the instrument: off, with the reason in words, when it cannot be taken.
-// It stays focusable then, so that the focus is not lost with every command and the reason is found.
+// A button for an action of the instrument. When the action is not possible, it is disabled, with the
+// reason, but stays focusable: the focus is not lost with every command, and the reason can be read.
 import { useId } from 'preact/hooks';
 import type { Action } from '../states';
 import { reasonNotTo } from '../store';
@@ -8,9 +8,9 @@ interface Props {
   action: Action;
   label: string;
   kind?: 'primary' | 'danger';
-  /** Shows the reason as a tooltip only, where there is no room for it. */
+  /** Shows the reason only as a tooltip, where there is no room for it. */
   isCompact?: boolean;
-  /** Another reason of the page's own. */
+  /** A further reason, given by the page. */
   reason?: string;
   onClick: () => void;
 }

@@ -1,8 +1,8 @@
-// The active alarms by name, or why they have none.
+// The names of the active alarms, or why they are not known.
 import { alarmSummary } from '../alarms';
 import { describeFault } from '../store';
 
-/** Nothing while there is no alarm: the sign says that. `most`: names there is room for. */
+/** Empty while there is no alarm, as the alarm sign says so. `most`: names there is room for. */
 export function ActiveAlarms({ most = Infinity }: { most?: number }) {
   const summary = alarmSummary.value;
   switch (summary.kind) {

@@ -1,10 +1,10 @@
-// What the amounts add up to, of each channel and of all.
+// The sums of the amounts, for each channel and for all.
 import { decimalsOf, differenceText, sumOf, wholeIn, type CalibratedPeak } from '../peaks';
 
 interface Props {
   channels: readonly { channel: string; peaks: readonly CalibratedPeak[] }[];
   peaks: readonly CalibratedPeak[];
-  /** Empty when nobody has named it. */
+  /** Empty if the owner has not named it. */
   unit: string;
 }
 

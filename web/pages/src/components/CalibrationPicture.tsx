@@ -1,4 +1,4 @@
-// What the amounts of a calibration add up to, and its peaks as they come out of each channel.
+// The sums of a calibration's amounts, and each channel's peaks over time.
 import { useLayoutEffect, useRef, useState } from 'preact/hooks';
 import type { Editor } from '../editor';
 import { channelsOf, peaksOf, shortNumber, togetherIn, type CalibratedPeak } from '../peaks';
@@ -13,7 +13,7 @@ function goToCell({ rowId }: CalibratedPeak): void {
   document.querySelector<HTMLElement>(`[data-row="${rowId}"][data-key="Level_amt"]`)?.focus();
 }
 
-/** Lets the peak be seen, where the picture itself can be scrolled. */
+/** Scrolls to the peak, where the picture itself can be scrolled. */
 function showIn(picture: HTMLElement, rowId: number): void {
   const stick = picture.querySelector(`[data-peak="${rowId}"]`)?.closest('section');
   if (stick) {

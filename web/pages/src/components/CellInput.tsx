@@ -1,7 +1,7 @@
-// One cell of a table under edit.
+// One cell of a table being edited.
 import type { Column } from '../table';
 
-/** Which cell that is, for who looks for it. */
+/** Identifies the cell in the document. */
 export interface Place {
   rowId: number;
   key: string;

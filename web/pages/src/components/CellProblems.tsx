@@ -1,4 +1,4 @@
-// What is wrong with a table, all in one place, with the way to each cell.
+// All faults of a table in one list, each leading to its cell.
 import { cellName } from '../cells';
 import type { Editor } from '../editor';
 import type { Cell } from '../table';

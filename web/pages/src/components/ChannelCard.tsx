@@ -1,4 +1,4 @@
-// A channel in numbers, each with its bar and its last ten minutes.
+// A channel's values, each with its bar and its last ten minutes.
 import type { Channel, SetpointAndActual } from '../documents';
 import { deviationOf, formatReal, notAvailable } from '../format';
 import { quantities, seriesOf, type Measure } from '../quantities';
@@ -70,7 +70,7 @@ export function ChannelCard(props: { number: number; channel: Channel; note: str
     <section class="card" aria-labelledby={id}>
       <h2 id={id}>
         Channel {number}
-        {/* The space is for who hears it. */}
+        {/* The space is for screen readers. */}
         {note && (
           <>
             {' '}

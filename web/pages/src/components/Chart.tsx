@@ -1,4 +1,4 @@
-// Curves of the last hour, and the same in numbers for whoever does not see them.
+// Curves of the last hour, and the same in numbers for users who cannot see them.
 import { useEffect, useLayoutEffect, useRef, useState } from 'preact/hooks';
 import uPlot from 'uplot';
 import 'uplot/dist/uPlot.min.css';
@@ -10,9 +10,9 @@ import { history, samples } from '../store';
 import { nameWithUnit, unitOf } from '../units';
 
 const height = 240;
-/** Seconds that may lie between two marks of the axis. */
+/** Possible distances between two marks of the time axis, in seconds. */
 const timeSteps = [10, 30, 60, 120, 300, 600, 900, 1800];
-/** Line styles, so that curves are told apart without colour too. */
+/** Line styles, so that curves can be told apart without colour. */
 const dashes = [[], [10, 4], [3, 3], [12, 3, 3, 3]];
 
 function colour(name: string): string {
@@ -33,7 +33,7 @@ function optionsOf(choice: Choice, width: number): uPlot.Options {
     legend: { show: false },
     cursor: { show: false },
     scales: {
-      // By itself uPlot would make a day of a single sample.
+      // By default, uPlot would show a whole day for a single sample.
       x: { range: ({ data: [times] }) => timeSpan(times, Date.now() / 1000) },
       y: { range: (_, low, high) => valueSpan(low, high, choice.decimals) },
     },
@@ -58,7 +58,7 @@ function dataOf(curves: readonly Points[]): uPlot.AlignedData {
   return [curves[0]?.times ?? [], ...curves.map(({ values }) => values)];
 }
 
-/** Whether the browser asks for dark colours; the curves are drawn anew when it changes. */
+/** Whether the browser asks for dark colours; the curves are redrawn when this changes. */
 function useIsDark(): boolean {
   const query = matchMedia('screen and (prefers-color-scheme: dark)');
   const [isDark, setIsDark] = useState(query.matches);

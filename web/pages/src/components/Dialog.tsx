@@ -1,4 +1,4 @@
-// A modal dialog: focus goes in, stays in, and comes back to where it was.
+// A modal dialog: the focus moves into it, stays there, and returns to where it was.
 import type { ComponentChildren } from 'preact';
 import { useId, useLayoutEffect, useRef } from 'preact/hooks';
 import type { Action } from '../states';
@@ -35,8 +35,8 @@ export function Dialog({ title, onClose, actions, children }: Props) {
 }
 
 /**
- * A dialog with one question: yes does it, no and Escape do nothing. The state may change while the
- * person thinks: then yes is off, and says why.
+ * A dialog with one question; Cancel and Escape do nothing. If the state changes before the answer,
+ * the other button may become disabled, and says why.
  */
 export function Confirm(props: {
   title: string;

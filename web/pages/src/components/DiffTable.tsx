@@ -25,10 +25,10 @@ function Cell({ change, name }: { change: RowChange; name: string }) {
   );
 }
 
-/** A column of a table's own, beside those of its layout. */
+/** An additional column, after those of the layout. */
 export interface ExtraColumn {
   label: string;
-  /** What it says of a row; empty when nothing. */
+  /** Its text for a row; may be empty. */
   of: (change: RowChange) => string;
 }
 

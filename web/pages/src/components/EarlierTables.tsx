@@ -1,4 +1,4 @@
-// Tables that were replaced on the instrument: when, by whom, how they differ, and the way back to one.
+// Tables that were replaced on the instrument: when, by whom, their differences, and a way back.
 import { useEffect, useState } from 'preact/hooks';
 import { backupName, type Backup, type Got } from '../backups';
 import { isEmptyDiff, type TableDiff } from '../diff';
@@ -8,15 +8,15 @@ import type { Table } from '../table';
 import { Dialog } from './Dialog';
 import { DiffTable, type ExtraColumn } from './DiffTable';
 
-/** What has come so far. */
+/** What has been read so far. */
 interface Found {
   list?: Got<readonly Backup[]>;
-  /** The instrument's table at present. */
+  /** The instrument's present table. */
   present?: Got<Table>;
   tables: Readonly<Record<number, Got<Table>>>;
 }
 
-/** Asks for all of it, one after the other. */
+/** Reads all of it, one request after the other. */
 function useEarlier(editor: Editor, attempt: number): Found {
   const [found, setFound] = useState<Found>({ tables: {} });
   useEffect(() => {

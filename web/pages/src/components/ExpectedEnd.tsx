@@ -1,10 +1,10 @@
-// When run and automation are expected to end, as terms and what is said of them.
+// When the run and the automation are expected to end, as terms with descriptions.
 import type { ReadonlySignal } from '@preact/signals';
 import { expectedAutomationEnd, expectedRunEnd } from '../expected';
 import { describeEnd, type End } from '../schedule';
 import { now } from '../store';
 
-/** What is said of an end; `isBrief` where there is no room for reasons. */
+/** An end in words; `isBrief` where there is no room for the reason. */
 export function EndText({ of, isBrief }: { of: ReadonlySignal<End>; isBrief?: boolean }) {
   const end = of.value;
   const hasReason = !isBrief && 'why' in end;
@@ -16,7 +16,7 @@ export function EndText({ of, isBrief }: { of: ReadonlySignal<End>; isBrief?: bo
   );
 }
 
-/** For the inside of a `dl`; always both, as what comes and goes would move what is below. */
+/** For use in a `dl`; always shows both, so that nothing below moves. */
 export function ExpectedEnd({ isBrief }: { isBrief?: boolean }) {
   return (
     <>

@@ -1,10 +1,10 @@
-// A value against its setpoint, and its last ten minutes: for the eye, as the numbers stand beside.
+// A value against its setpoint, and its last ten minutes; screen readers read the numbers instead.
 import { barOf } from '../bars';
 import type { SetpointAndActual } from '../documents';
 import { sparkHeight, sparkOf, sparkSeconds, sparkWidth } from '../sparklines';
 import { history, now, samples } from '../store';
 
-/** Half of the bar's width in its own measure, and its height. */
+/** Half of the bar's width and its height, in the picture's units. */
 const half = 50;
 const height = 10;
 
@@ -42,7 +42,7 @@ export function Bar({ pair, tolerance }: { pair: SetpointAndActual; tolerance: n
 
 export function Sparkline(props: { name: string; pair: SetpointAndActual; tolerance: number }) {
   const { name, pair, tolerance } = props;
-  // The history is no signal itself.
+  // The history is not a signal itself.
   void samples.value;
   const seconds = now.value / 1000;
   const points = history.recent(name, seconds - sparkSeconds);

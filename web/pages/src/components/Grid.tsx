@@ -1,4 +1,4 @@
-// The cells of a table being edited, and moving about in them with the keyboard.
+// The cells of a table being edited, and keyboard navigation between them.
 import { useLayoutEffect, useRef } from 'preact/hooks';
 import { formatReal } from '../format';
 import {
@@ -23,13 +23,13 @@ interface Props {
   draft: Draft;
   problems: readonly CellProblem[];
   onChange: (draft: Draft, step: Step, isTyping?: boolean) => void;
-  /** What was typed into a cell is complete. */
+  /** Called when typing into a cell is complete. */
   onLeaveCell?: () => void;
-  /** Told the row that the focus is in, or that it is in none. */
+  /** Called with the row that has the focus, or undefined when none has. */
   onFocusRow?: ((rowId: number | undefined) => void) | undefined;
 }
 
-/** Shows a value that cannot be edited; reals come with more digits than mean something. */
+/** The text of a value that cannot be edited; leaves out the insignificant digits of reals. */
 function plain(text: string, column: Column): string {
   if (column.kind !== 'real') {
     return text;
@@ -37,7 +37,7 @@ function plain(text: string, column: Column): string {
   return text === '-' ? formatReal('-', 0) : String(Number(Number(text).toPrecision(6)));
 }
 
-/** Whether the caret stands where an arrow key would leave the text. */
+/** Whether an arrow key would move the caret out of the text. */
 function isAtEdge(element: HTMLInputElement | HTMLSelectElement, isLeft: boolean): boolean {
   if (element instanceof HTMLSelectElement) {
     return true;
@@ -72,7 +72,7 @@ export function Grid(props: Props) {
   const nameOf = (rowId: number): string => name(draft.rows.findIndex(({ id }) => id === rowId));
   const first = editable[0] ?? '';
 
-  /** Changes the rows, and puts the focus where the person goes on. */
+  /** Changes the rows, and puts the focus where the user continues. */
   const change = (changed: Draft, step: Step, rowId: number, key: string): void => {
     if (changed !== draft) {
       wanted.current = { rowId, key };

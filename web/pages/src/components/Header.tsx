@@ -1,4 +1,4 @@
-// What is always visible: which instrument, what it does, how old that is, alarms, and the way to stop.
+// What is always visible: the instrument, its state, the age of the data, alarms, and how to stop.
 import type { Status } from '../documents';
 import { formatInstant, formatSpan } from '../format';
 import { describeInterruption } from '../interruptions';
@@ -48,7 +48,7 @@ export function AlarmSign() {
   );
 }
 
-/** Tells a screen reader when the state changes, but not each second of it. */
+/** Announces to a screen reader when the state changes, but not every second of it. */
 function StateAnnouncer() {
   const current = status.value;
   const text =
@@ -110,7 +110,7 @@ function Interruptions() {
   );
 }
 
-/** What the instrument does; named by its time when it does not answer any more. */
+/** The instrument's state; when it no longer answers, with the time of the last answer. */
 function State({ current }: { current: Status }) {
   const since = lostSince.value;
   return (

@@ -1,8 +1,8 @@
-// That there is no answer, in letters as large as the state's.
+// The message that there is no answer, in letters as large as the state's.
 import { formatInstant } from '../format';
 import { lostSince, now } from '../store';
 
-/** Nothing while answers come; what is shown below is then the present. */
+/** Empty while answers come and the values below are current. */
 export function Lost({ look }: { look: string }) {
   const since = lostSince.value;
   return since === undefined ? null : (

@@ -1,4 +1,4 @@
-// What the instrument does at present, in one line where there is room for it.
+// The instrument's present state, in one line where there is room for it.
 import type { Status } from '../documents';
 import { withoutNothing } from '../states';
 import { Progress } from './Progress';

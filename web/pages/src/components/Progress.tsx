@@ -1,4 +1,4 @@
-// How far the run is: elapsed of total.
+// The run's progress: elapsed and total time.
 import { formatSpan } from '../format';
 import type { Status } from '../documents';
 import { gcStateOf } from '../states';

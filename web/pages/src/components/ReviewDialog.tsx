@@ -1,4 +1,4 @@
-// What is asked before a table is sent, restored, or replaced here.
+// The questions before a table is sent, restored, or replaced in the editor.
 import { unusualValues } from '../cells';
 import { isEmptyDiff } from '../diff';
 import type { Editor, Review } from '../editor';

@@ -1,4 +1,4 @@
-// What is asked before a run, the automation or a solution is begun, and what is sent then.
+// The questions before a run or the automation starts or a solution is loaded, and their commands.
 import type { Sequence } from '../documents';
 import { sequenceEditor } from '../editors';
 import { followAutomation, followRun } from '../follow';
@@ -7,7 +7,7 @@ import { command, status } from '../store';
 import { Confirm } from './Dialog';
 import { SequenceLines } from './SequenceLines';
 
-/** What is asked before it is done. */
+/** What the user is asked to confirm. */
 export type Question =
   | { kind: 'single' | 'calibration'; stream: number }
   | { kind: 'automation'; sequence: Sequence }

@@ -1,20 +1,20 @@
-// The way of the gas as a drawing: lists for who hears it, lines and symbols between for who sees it.
+// The gas flow as a drawing: lists for screen readers, with lines and symbols between their items.
 import type { ComponentChildren } from 'preact';
 import type { Status } from '../documents';
 import { schematicOf, type Branch, type Part, type Reading } from '../schematic';
 import { configuration } from '../store';
 import { valueWithUnit } from '../units';
 
-/** More ports than that cannot be told apart. */
+/** More ports than this cannot be told apart. */
 const mostPorts = 12;
 
-/** Where the n-th of so many ports is, from the top on, clockwise. */
+/** Place of a port, counted clockwise from the top. */
 function portAt(number: number, count: number): { x: number; y: number } {
   const angle = (2 * Math.PI * (number - 1)) / count - Math.PI / 2;
   return { x: 20 + 13 * Math.cos(angle), y: 20 + 13 * Math.sin(angle) };
 }
 
-/** The valve stands on its stream, where that is one of its ports. */
+/** The valve, pointing to its stream if that is one of its ports. */
 function Valve({ stream }: { stream: number }) {
   const { Stream_configured: isFitted, Stream_max: max = 0 } = configuration.value ?? {};
   const count = isFitted && max <= mostPorts ? Math.max(0, max) : 0;

@@ -1,4 +1,4 @@
-// The lines of a sequence, to be read.
+// The lines of a sequence, for reading only.
 import { formatReal } from '../format';
 import type { Sequence } from '../documents';
 import { nameWithUnit } from '../units';

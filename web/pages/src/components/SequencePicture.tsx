@@ -1,4 +1,4 @@
-// The sequence over time: what it takes, and during an automation where it stands.
+// The sequence over time: how long it takes and, during an automation, its position.
 import { diffTables, isEmptyDiff } from '../diff';
 import type { Editor } from '../editor';
 import { expectedAutomationEnd } from '../expected';

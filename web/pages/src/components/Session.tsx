@@ -1,7 +1,7 @@
-// Who is signed in here, and the versions of the pages and of the web server's side.
+// The user signed in here, and the versions of the pages and of the web server's side.
 import { isSignedIn, serverVersion, signIn, signOut, user } from '../store';
 
-/** Put in when the pages are built. */
+/** Inserted when the pages are built. */
 declare const __VERSION__: string;
 
 export function Session() {
@@ -22,7 +22,7 @@ export function Session() {
   );
 }
 
-/** Says so when this page is older than what it talks to: one that is left open is. */
+/** Also says when the two versions differ, as they do in a page left open during an upgrade. */
 export function Versions() {
   const server = serverVersion.value;
   const isOld = server !== undefined && server !== __VERSION__;

@@ -1,4 +1,4 @@
-// Whether this browser sounds when there is trouble.
+// The switch for this browser's warning sound.
 import { isAudible, isSoundOn, switchSound } from '../sound';
 
 export function SoundSwitch() {

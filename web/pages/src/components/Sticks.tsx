@@ -1,4 +1,4 @@
-// The peaks of a channel as sticks: where they come, how much there is of each, what they are called.
+// The peaks of a channel as sticks, with their retention times, amounts and names.
 import { shortNumber, type CalibratedPeak } from '../peaks';
 import { heightOf, marksOf, placeNames, shortened, type Decades, type TimeAxis } from '../sticks';
 import { useRoving } from './useRoving';
@@ -7,11 +7,11 @@ import { useWidth } from './useWidth';
 /** Lengths in pixels. */
 const names = { letter: 7.2, most: 20, distance: 14, farthest: 45 };
 const plot = { left: 48, right: 14, height: 120, above: 8 };
-/** Below the line: times, and what they are. */
+/** Room below the line, for times and their label. */
 const foot = 38;
-/** What a finger or a mouse meets as a stick. */
+/** Width of the area in which a stick can be clicked. */
 const reach = 12;
-/** How many sticks are too many to be thick. */
+/** With more sticks than this, they are drawn thin. */
 const crowd = 40;
 
 export type TimedPeak = CalibratedPeak & { time: number };
@@ -25,13 +25,13 @@ interface Props {
   peaks: readonly TimedPeak[];
   decades: Decades;
   axis: TimeAxis;
-  /** How many letters wide. */
+  /** Width of the longest name, in letters. */
   longestName: number;
   timeLabel: string;
   describe: (peak: CalibratedPeak) => string;
   focusedRow: number | undefined;
   onChoose: (peak: CalibratedPeak) => void;
-  /** Told the peak that is reached by the keyboard. */
+  /** Called with the peak that has the focus, or undefined when none has. */
   onReach: (peak: CalibratedPeak | undefined) => void;
 }
 
@@ -71,7 +71,7 @@ export function Sticks(props: Props) {
   const isCrowded = peaks.length > crowd;
   const unnamed = places.filter((one) => one === undefined).length;
 
-  /** How far down a stick is met: to where a shorter one stands before it. */
+  /** How far down a stick can be clicked: to the top of a shorter one close to it. */
   const reachedTo = (peak: TimedPeak): number =>
     Math.min(
       floor + 6,

@@ -1,4 +1,4 @@
-// The way to stop: never in the way of itself, and never off while anything may be running.
+// The stop buttons: neither blocks the other, and neither is disabled while anything may be running.
 import { useState } from 'preact/hooks';
 import type { Status } from '../documents';
 import { followAbortAfterRun, followAbortNow } from '../follow';
@@ -21,7 +21,7 @@ function stop(when: When): void {
   void command(names[when], send, follow);
 }
 
-/** A stop after the run ends everything at once where there is no run. */
+/** Without a run, a stop after the run ends everything at once. */
 function isAtOnce(known: Status | undefined): boolean {
   return known === undefined || gcStateOf(known) !== 'Running';
 }

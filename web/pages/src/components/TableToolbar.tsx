@@ -1,4 +1,4 @@
-// What can be done with a table as a whole.
+// The actions on a table as a whole.
 import { useRef } from 'preact/hooks';
 import type { Editor } from '../editor';
 import { configuration } from '../store';
@@ -13,7 +13,7 @@ function save(name: string, text: string): void {
   URL.revokeObjectURL(url);
 }
 
-/** Why the table cannot be sent now, besides the instrument's state. */
+/** Why the table cannot be sent now, apart from the instrument's state. */
 function reasonNotToSend(editor: Editor): string {
   const count = editor.problems.value.length;
   if (count > 0) {

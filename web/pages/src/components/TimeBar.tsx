@@ -1,4 +1,4 @@
-// A pass through the sequence as a bar over time: of each line its flushing and its runs.
+// A pass through the sequence as a bar over time: each line's flushing and runs.
 import {
   describeStretch,
   fitting,
@@ -15,19 +15,19 @@ import { useWidth } from './useWidth';
 const bar = { left: 10, right: 24, top: 22, height: 34 };
 const bottom = bar.top + bar.height;
 const total = bottom + 42;
-/** A letter of a label, and the least width at which runs are told apart. */
+/** Width of a letter of a label, and the least width at which runs are drawn separately. */
 const letter = 7.2;
 const least = 5;
-/** The room of a mark's text. */
+/** Width reserved for a mark's text. */
 const markWidth = 70;
 
 interface Props {
   label: string;
   timeline: Timeline;
   focusedLine?: number | undefined;
-  /** Where the automation stands, in the lengths of the timeline. */
+  /** The automation's position, in the units of the timeline. */
   position?: number | undefined;
-  /** What leads to a line; without it the bar is only looked at. */
+  /** Called when a line is chosen; without it, nothing in the bar can be chosen. */
   onChoose?: (stretch: Stretch) => void;
 }
 

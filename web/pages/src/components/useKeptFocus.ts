@@ -1,8 +1,8 @@
-// The cursor stays in its cell while a table is read anew: its cells are off meanwhile, and browsers
-// take the focus from what is off.
+// Keeps the focus in its cell while a table is read again: the cells are disabled meanwhile, and
+// browsers take the focus from disabled elements.
 import { useLayoutEffect, useRef } from 'preact/hooks';
 
-/** Handlers for the fieldset that is off while `isBusy`. */
+/** Handlers for the fieldset that is disabled while `isBusy`. */
 export function useKeptFocus(isBusy: boolean): {
   onFocusIn: (event: FocusEvent) => void;
   onFocusOut: (event: FocusEvent) => void;

@@ -1,7 +1,7 @@
-// One stop of the tabulator for many things; the arrow keys lead from one to the next.
+// One tab stop for many items; the arrow keys move from one to the next.
 import { useState } from 'preact/hooks';
 
-/** For each of `count` things, in their order: what its element needs. */
+/** Returns the attributes for the element of the n-th of `count` items. */
 export function useRoving(
   count: number,
   onChoose: (n: number) => void,
@@ -9,7 +9,7 @@ export function useRoving(
 ) {
   const [reached, setReached] = useState(0);
   return (n: number) => ({
-    // Elements of a drawing know attributes only, in small letters.
+    // SVG elements know only attributes, in lower case.
     tabindex: n === Math.min(reached, count - 1) ? 0 : -1,
     'data-stop': n,
     onFocus: () => {
@@ -17,7 +17,7 @@ export function useRoving(
       onReach?.(n);
     },
     onBlur: () => onReach?.(undefined),
-    // The mouse chooses: what it presses must not move away before it is let go.
+    // Focus on mouse down could move the element away before the button is released.
     onMouseDown: (event: MouseEvent) => event.preventDefault(),
     onClick: () => onChoose(n),
     onKeyDown: (event: KeyboardEvent) => {

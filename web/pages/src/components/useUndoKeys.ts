@@ -1,10 +1,10 @@
-// Undo and redo by the keyboard, for the table as a whole and not for the text of one cell.
+// Undo and redo by keyboard, for the whole table instead of the text of one cell.
 import { useEffect } from 'preact/hooks';
 import type { Editor } from '../editor';
 
 type Action = 'undo' | 'redo';
 
-/** What the keys mean, wherever they are on the keyboard. */
+/** The action of a key, on any keyboard layout. */
 function actionOf(event: KeyboardEvent): Action | undefined {
   const isPressed = (event.ctrlKey || event.metaKey) && !event.altKey;
   const isLatin = /^[a-z]$/i.test(event.key);
@@ -15,7 +15,7 @@ function actionOf(event: KeyboardEvent): Action | undefined {
   return isPressed && letter === 'y' && !event.shiftKey ? 'redo' : undefined;
 }
 
-/** What a browser would do to the text of a cell, by its menu for instance. */
+/** What the browser itself would do to the text of a cell, for example from its menu. */
 const natives: Readonly<Record<string, Action>> = { historyUndo: 'undo', historyRedo: 'redo' };
 
 export function useUndoKeys(editor: Editor): void {

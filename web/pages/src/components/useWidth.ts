@@ -1,8 +1,8 @@
-// How wide an element is, so that what is drawn in it fits.
+// The width of an element, so that a drawing in it fits.
 import { useLayoutEffect, useRef, useState } from 'preact/hooks';
 import type { RefObject } from 'preact';
 
-/** What is assumed where nothing is laid out. */
+/** Assumed where there is no layout. */
 const usual = 640;
 
 export function useWidth<T extends Element>(): [RefObject<T>, number] {

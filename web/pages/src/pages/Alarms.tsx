@@ -11,7 +11,7 @@ import { command, describeFault, knownStatus, returns, statusFault } from '../st
 
 const resetName = 'Reset of all alarms';
 
-/** Milliseconds between two looks at the table while nothing else asks for one. */
+/** Milliseconds between two requests for the table. */
 const interval = 15_000;
 
 function AlarmTable({ id, title, alarms }: { id: string; title: string; alarms: Alarm[] }) {
@@ -50,7 +50,7 @@ function AlarmTable({ id, title, alarms }: { id: string; title: string; alarms: 
   );
 }
 
-/** Only what status and report both say is certain. */
+/** That no alarm is active is certain only if status and report both say so. */
 function reasonAgainstReset(): string {
   if (!knownStatus.value || knownStatus.value.Alarm_overall || activeAlarms.value.length > 0) {
     return '';
@@ -99,7 +99,7 @@ export function AlarmsPage() {
     }
   };
 
-  // Now and then, and when the instrument was away; `alarms` itself asks when the sign changes.
+  // Regularly, and when the instrument comes back; alarms.ts does so when the alarm sign changes.
   useEffect(() => {
     void loadAlarms();
     const timer = setInterval(() => {
@@ -114,12 +114,12 @@ export function AlarmsPage() {
   const fault = alarmsFault.value;
   const rows = report?.rows ?? [];
   const active = activeAlarms.value;
-  // The sign knows of one that the report, which is older, does not name.
+  // The status shows an alarm that the older report does not name.
   const isBehind = knownStatus.value?.Alarm_overall === true && active.length === 0;
   return (
     <>
       <div role="alert">
-        {/* The top says what is wrong when the status is not to be had either. */}
+        {/* If the status cannot be read either, the header says why. */}
         {fault && !statusFault.value && <p class="message bad">{describeFault(fault)}</p>}
       </div>
       <div class="toolbar">

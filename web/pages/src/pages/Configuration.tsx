@@ -1,4 +1,4 @@
-// What the instrument consists of.
+// The instrument's configuration.
 import { useState } from 'preact/hooks';
 import type { Fault } from '../api';
 import { useLoad } from '../comeback';

@@ -55,7 +55,7 @@ export function RunPage() {
   const [valveStream, setValveStream] = useState<number>();
   const [slot, setSlot] = useState(0);
   const [sequenceFault, setSequenceFault] = useState('');
-  // It was so while the instrument was away.
+  // The fault dates from before the instrument came back.
   useEffect(() => setSequenceFault(''), [returns.value]);
   const current = status.value;
   if (!current) {

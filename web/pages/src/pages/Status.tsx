@@ -21,7 +21,7 @@ const units: readonly (keyof Units)[] = [
   'auto_zero',
 ];
 
-/** The column's description, and that the channel is switched off. */
+/** The column's description, and whether the channel is disabled. */
 function noteOf(key: (typeof channelKeys)[number]): string {
   const channel = configuration.value?.[key];
   return [channel?.Description, channel?.Disabled && 'disabled'].filter(Boolean).join(', ');

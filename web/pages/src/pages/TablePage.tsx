@@ -81,25 +81,25 @@ function State({ editor }: { editor: Editor }) {
     <p role="status" data-testid="table-state">
       {editor.isDirty.value ? 'Changed here, not sent.' : 'As on the instrument when it was read.'}{' '}
       {read > 0 && <span class="dim">Read at {formatTime(read)}.</span>}{' '}
-      {/* The same words twice are said twice. */}
+      {/* The key makes a screen reader announce the same words again. */}
       <span key={said}>{said?.text}</span>
     </p>
   );
 }
 
-/** What shows the table as a picture; `focusedRow` counts from 0. */
+/** Shows the table as a picture; `focusedRow` counts from 0. */
 export type TablePicture = ComponentType<{ editor: Editor; focusedRow: number | undefined }>;
 
 interface Props {
   editor: Editor;
   hint: string;
-  /** Beside the table. */
+  /** Shown beside the table. */
   picture?: TablePicture;
-  /** In the comparisons. */
+  /** An additional column in comparisons. */
   extra?: ExtraColumn;
 }
 
-/** Reads the table when there is none, and when the instrument comes back, but never over edits. */
+/** Reads the table if there is none, and when the instrument comes back, but never over edits. */
 function useReload(editor: Editor): void {
   const isFirst = useRef(true);
   useLoad(() => {
@@ -109,7 +109,7 @@ function useReload(editor: Editor): void {
       void editor.load();
     }
   }, !editor.draft.value);
-  // Another instrument has taken the place of the one whose table was shown.
+  // Another instrument has replaced the one whose table was shown.
   useEffect(() => {
     if (!editor.draft.value && !editor.busy.value) {
       void editor.load();

@@ -1,4 +1,4 @@
-// The state of the instrument in large letters, for a display that nobody touches.
+// The instrument's state in large letters, for a display that nobody operates.
 import { ActiveAlarms } from '../components/ActiveAlarms';
 import { ExpectedEnd } from '../components/ExpectedEnd';
 import { Bar, Sparkline } from '../components/Gauges';
@@ -12,7 +12,7 @@ import { controlledOf, quantities, type Controlled } from '../quantities';
 import { isError, withoutNothing } from '../states';
 import { nameWithUnit, valueWithUnit } from '../units';
 
-/** There is no room for the names of more. */
+/** The most alarms that there is room for by name. */
 const mostAlarms = 3;
 
 function Age() {
@@ -43,7 +43,7 @@ function Cell({ cell, isAlone }: { cell: Controlled; isAlone: boolean }) {
   );
 }
 
-/** The measured values, and how each stands to its setpoint. */
+/** The measured values, and how each compares with its setpoint. */
 function Values({ current }: { current: Status }) {
   return (
     <table class="wall-values">
@@ -72,7 +72,7 @@ function Values({ current }: { current: Status }) {
   );
 }
 
-/** What the instrument does, or that nobody knows; then what is known last, small and named as such. */
+/** The instrument's state, or that it is unknown, with the last known state in small letters. */
 function State({ current }: { current: Status }) {
   const isLost = lostSince.value !== undefined;
   const error = isError(current) ? `Error ${current.Error_code}: ${current.Error_str}` : '';
