@@ -32,16 +32,6 @@ class Aborted : public Bench {
     return process;
   }
 
-  /// Returns once a process waits for a lock, so its request has arrived.
-  static void whenItWaits(pid_t aProcess) {
-    std::string state;
-    while (state.find("locks_lock") == std::string::npos &&
-           state.find("flock") == std::string::npos) {
-      std::ifstream file("/proc/" + std::to_string(aProcess) + "/wchan");
-      std::getline(file, state);
-    }
-  }
-
   static void expectGoodEnd(pid_t aProcess) {
     int status = -1;
     EXPECT_EQ(::waitpid(aProcess, &status, 0), aProcess);
@@ -160,6 +150,10 @@ TEST_F(Aborted, IsEndedWhenTheInstrumentDoesNotAnswer) {
   EXPECT_EQ(answer.status, 504);
   EXPECT_STREQ(answer.document()["outcome"].GetString(), "unknown");
   EXPECT_EQ(answer.detail().rfind("The instrument did not answer in time.", 0), 0U);
+  // Not by the alarm clock that ends it when nobody attends to it.
+  EXPECT_EQ(std::string(logged("ended").at(0)["document"]["detail"].GetString())
+                .rfind("The tool was killed by signal 9.", 0),
+            0U);
   limits = Limits();
   toolDoes(std::string("out ") + cAccepted);
   EXPECT_EQ(command("POST", "/abort", cNow).status, 200);

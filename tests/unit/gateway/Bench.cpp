@@ -7,6 +7,7 @@
 #include <sys/wait.h>
 
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -63,6 +64,10 @@ std::string Received::detail() const {
 
 Bench::Bench() {
   ::prctl(PR_SET_CHILD_SUBREAPER, 1);
+  // As a web server starts its programs; a command in this process leaves them ignored.
+  for (const int number : {SIGPIPE, SIGTERM, SIGINT, SIGHUP}) {
+    std::signal(number, SIG_DFL);
+  }
   EXPECT_EQ(::mkdir(path("data").c_str(), 0700), 0);
   input.variables = {{"GC_WEB_TOOL", GC_FAKE_TOOL}, {"GC_WEB_STATE", path("")},
                      {"GC_WEB_LOG", path("log")},   {"GC_WEB_SCHEMAS", GC_SCHEMAS},
@@ -84,6 +89,18 @@ std::string Bench::contentOf(const std::string& aName) const {
 
 void Bench::write(const std::string& aName, const std::string& aContent) const {
   std::ofstream(path(aName), std::ios::binary) << aContent;
+}
+
+void Bench::whenItWaits(pid_t aProcess) {
+  std::string state;
+  while (state.find("locks_lock") == std::string::npos &&
+         state.find("flock") == std::string::npos) {
+    std::ifstream file("/proc/" + std::to_string(aProcess) + "/wchan");
+    std::getline(file, state);
+    siginfo_t end = {};
+    ::waitid(P_PID, static_cast<id_t>(aProcess), &end, WEXITED | WNOHANG | WNOWAIT);
+    ASSERT_EQ(end.si_pid, 0) << "it has ended";
+  }
 }
 
 std::string Bench::fifo(const std::string& aName) const {

@@ -4,6 +4,7 @@
 #include <cgicc/CgiInput.h>
 #include <gtest/gtest.h>
 #include <rapidjson/document.h>
+#include <sys/types.h>
 
 #include <map>
 #include <string>
@@ -63,6 +64,8 @@ class Bench : public ::testing::Test {
   /// Returns once a tool has opened the FIFO, with the end from which it awaits an octet.
   static Descriptor whenAwaited(const std::string& aFifo);
   static void letGoOn(const Descriptor& aEnd);
+  /// Returns once a child process waits for a lock, so its request has arrived.
+  static void whenItWaits(pid_t aProcess);
 
   Received report(const std::string& aPath, const std::string& aMethod = "GET");
   /// A report between commands; their input stays unchanged.

@@ -1,6 +1,7 @@
 // Commands exclude each other, and survive the browser's disconnection and every signal.
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -76,6 +77,7 @@ TEST_F(CarriedOut, WaitsForAnotherToEnd) {
   toolDoes(std::string("out ") + cAccepted);
   setCommand("POST", "/alarm-reset", "{}");
   const pid_t second = doElsewhere();
+  whenItWaits(second);
   letGoOn(end);
   for (const pid_t process : {first, second}) {
     int status = -1;
@@ -126,6 +128,27 @@ TEST_F(CarriedOut, GoesOnAfterTheAnswerWhenItTakesLong) {
   EXPECT_EQ(ended[0]["status"], 504);
   EXPECT_EQ(ended[0]["document"]["ErrorCode"], 0);
   EXPECT_TRUE(FileLock(path("command.lock")).tryLock());
+}
+
+TEST_F(CarriedOut, StaysUnfinishedIfItsEndCannotBeLogged) {
+  const std::string open = fifo("open");
+  toolDoes("await " + open + "\nout " + cAccepted);
+  limits.command = std::chrono::milliseconds(30);
+  rlimit before = {};
+  ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+  const auto action = std::signal(SIGXFSZ, SIG_IGN);
+  testing::internal::CaptureStderr();
+  answerCommand(input, limits, [&](const std::string&) {
+    letGoOn(whenAwaited(open));
+    // Enough for what is captured, less than the log has.
+    const rlimit small = {100, before.rlim_max};
+    EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+  });
+  ::setrlimit(RLIMIT_FSIZE, &before);
+  std::signal(SIGXFSZ, action);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "The end of a command could not be written to the command log.\n");
+  EXPECT_EQ(filesIn("data/begun").size(), 1U);
 }
 
 TEST_F(CarriedOut, OutlivesTheBrowserAndTheServersSignal) {

@@ -6,7 +6,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
+#include <iterator>
 
 #include "BegunCommands.h"
 #include "Bench.h"
@@ -127,7 +129,9 @@ TEST_F(Interrupted, IsNotSeenWhileItGoesOn) {
   Descriptor end;
   interrupt(end, fifo("open"));
   const std::string id = logged("begun").at(0)["id"].GetString();
-  EXPECT_EQ(command("POST", "/seen", R"({"id": ")" + id + "\"}").status, 409);
+  const Received answer = command("POST", "/seen", R"({"id": ")" + id + "\"}");
+  EXPECT_EQ(answer.status, 409);
+  EXPECT_EQ(answer.detail(), "The command is still in progress.");
   EXPECT_TRUE(logged("seen").empty());
   letGoOn(end);
 }
@@ -150,6 +154,17 @@ TEST_F(Interrupted, AreSeveralInTheirOrder) {
   const auto interrupted = findUnfinished(path("data")).interrupted;
   EXPECT_EQ(interrupted, (std::vector<std::string>{"{\"time\":\"1\"}\n", "{\"time\":\"2\"}\n",
                                                    "{\"time\":\"3\"}\n"}));
+}
+
+TEST_F(Interrupted, AreToldInTheirOrderWhileTheyGoOn) {
+  // Whatever order the folder has: the names are in another one than the times.
+  const BegunCommand commands[] = {{path("data"), "b", "{\"time\":\"3\"}\n"},
+                                   {path("data"), "d", "{\"time\":\"1\"}\n"},
+                                   {path("data"), "a", "{\"time\":\"2\"}\n"},
+                                   {path("data"), "c", "{\"time\":\"4\"}\n"}};
+  const auto goingOn = findUnfinished(path("data")).goingOn;
+  ASSERT_EQ(goingOn.size(), std::size(commands));
+  EXPECT_TRUE(std::is_sorted(goingOn.begin(), goingOn.end()));
 }
 
 TEST_F(Interrupted, IsNoneThatNeverBegan) {
@@ -211,7 +226,12 @@ TEST_F(Interrupted, HasAFileOfItsOwn) {
 }
 
 /// What a service manager sends to all processes of a service.
-TEST_F(Interrupted, IsNotByASignalToAll) {
+class SignalToAll : public Interrupted, public testing::WithParamInterface<const char*> {};
+
+TEST_P(SignalToAll, InterruptsNothing) {
+  if (std::string(GetParam()) == "/abort") {
+    setCommand("POST", "/abort", R"({"when": "now"})");
+  }
   const std::string open = fifo("open");
   toolDoes("say-pid " + path("pid") + "\nawait " + open + "\nout " + cAccepted);
   const pid_t gateway = doElsewhere();
@@ -225,8 +245,12 @@ TEST_F(Interrupted, IsNotByASignalToAll) {
     letGoOn(end);
   }
   EXPECT_EQ(::waitpid(gateway, nullptr, 0), gateway);
-  EXPECT_EQ(logged("ended").at(0)["status"], 200);
+  const auto ended = logged("ended");
+  ASSERT_EQ(ended.size(), 1U);
+  EXPECT_EQ(ended[0]["status"], 200);
 }
+
+INSTANTIATE_TEST_SUITE_P(Commands, SignalToAll, testing::Values("/run", "/abort"));
 
 }  // namespace
 

@@ -106,6 +106,14 @@ TEST_F(ToolRun, OfACommandHasNothingButItsFileAndTheLocks) {
   EXPECT_EQ(std::string(born["files"][5].GetString()).rfind(path("data/begun/"), 0), 0U);
 }
 
+TEST_F(ToolRun, OfACommandWithoutAFileHasTheLocksOnly) {
+  toolDoes("describe 0");
+  const rapidjson::Document born = command("POST", "/alarm-reset", "{}").document();
+  ASSERT_EQ(born["descriptors"].Size(), 5U);
+  EXPECT_EQ(born["files"][3].GetString(), path("command.lock"));
+  EXPECT_EQ(std::string(born["files"][4].GetString()).rfind(path("data/begun/"), 0), 0U);
+}
+
 /// A command that has begun must finish, even if a service manager signals every process.
 TEST_F(ToolRun, OfACommandIgnoresWhatEndsAService) {
   // It may be ignored if the tests were started in the background.
