@@ -96,6 +96,8 @@ TEST_F(LogOfCommands, HasALineHoweverItWent) {
   EXPECT_EQ(ended[1]["document"]["status"], 502);
   EXPECT_EQ(ended[2]["status"], 502);
   EXPECT_EQ(ended[3]["document"].GetStringLength(), 2000U);
+  EXPECT_EQ(ended[3]["document"].GetString()[0], '{');
+  EXPECT_EQ(ended[3].MemberCount(), ended[0].MemberCount());
   EXPECT_TRUE(ended[4]["document"].IsNull());
   const auto begun = logged("begun");
   ASSERT_EQ(begun.size(), 5U);

@@ -110,6 +110,9 @@ TEST_F(Told, IsWhatIsWrongWithABody) {
             "GC_WEB_SCHEMAS has no schema calibration-file.");
   EXPECT_EQ(command("PUT", "/sequence", R"({"total": 0})").detail(),
             "GC_WEB_SCHEMAS has no schema sequence-file.");
+  write("command-nothing.schema.json", "[]");
+  EXPECT_EQ(command("POST", "/alarm-reset", "{}").detail(),
+            "GC_WEB_SCHEMAS has no schema command-nothing.");
 }
 
 TEST_F(Told, IsWhatIsInTheWay) {
