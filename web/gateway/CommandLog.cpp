@@ -143,26 +143,13 @@ CommandLog::CommandLog(const std::string& aPath)
     : mPath(aPath), mFile(::open(aPath.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC, 0640)) {}
 
 bool CommandLog::add(const std::string& aLine) const {
-  if (isRotated()) {
-    // The old file may be in the middle of compression; lines added to it would be removed with it.
-    const CommandLog present(mPath);
-    if (present.isOpen() && present.write(aLine, 0)) {
-      return true;
-    }
-  }
-  return write(aLine, 0);
+  // By its name: after a rotation the open file may be in the middle of compression, and lines
+  // added to it would be removed with it.
+  return CommandLog(mPath).write(aLine, 0) || write(aLine, 0);
 }
 
 bool CommandLog::addFirstOfTwo(const std::string& aLine) const {
   return write(aLine, aLine.size() + cRoomForTheEnd);
-}
-
-/// Whether the log's name no longer refers to the open file.
-bool CommandLog::isRotated() const {
-  struct stat opened = {};
-  struct stat named = {};
-  return ::fstat(mFile.get(), &opened) != 0 || ::stat(mPath.c_str(), &named) != 0 ||
-         opened.st_dev != named.st_dev || opened.st_ino != named.st_ino;
 }
 
 bool CommandLog::write(const std::string& aLine, std::size_t aRoom) const {

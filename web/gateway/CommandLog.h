@@ -44,9 +44,8 @@ class CommandLog {
   bool addFirstOfTwo(const std::string& aLine) const;
 
  private:
+  /// Also false if the file is not open.
   bool write(const std::string& aLine, std::size_t aRoom) const;
-
-  bool isRotated() const;
 
   std::string mPath;
   Descriptor mFile;

@@ -50,12 +50,15 @@ TEST_F(LogOfCommands, HasALineBeforeAndALineAfter) {
 TEST_F(LogOfCommands, KnowsEveryCommandByANumberOfItsOwn) {
   std::set<std::string> ids;
   std::set<char> digits;
+  std::set<char> lastDigits;
   for (int i = 0; i < 1000; ++i) {
     const std::string id = newCommandId();
     EXPECT_EQ(id.size(), 16U);
     EXPECT_TRUE(ids.insert(id).second) << id;
     digits.insert(id.begin(), id.end());
+    lastDigits.insert(id.back());
   }
+  EXPECT_EQ(lastDigits, digits);
   EXPECT_EQ(std::string(digits.begin(), digits.end()), "0123456789abcdef");
 }
 
@@ -173,6 +176,12 @@ TEST_F(LogOfCommands, BeginsALineBehindATornOne) {
   EXPECT_EQ(lines[0], "{\"time\":\"2026-11-2");
   EXPECT_EQ(lines[1].front(), '{');
   EXPECT_EQ(lines[1].back(), '}');
+}
+
+TEST_F(LogOfCommands, BeginsALineBehindASingleCharacter) {
+  write("log", "x");
+  EXPECT_TRUE(CommandLog(path("log")).add("one\n"));
+  EXPECT_EQ(contentOf("log"), "x\none\n");
 }
 
 TEST_F(LogOfCommands, HasNoEmptyLine) {
