@@ -41,8 +41,8 @@ afterEach(async () => {
   await clear();
 });
 
-describe('the report of alarms', () => {
-  it('is asked for when an alarm comes and goes, and not for every status', async () => {
+describe('the alarm report', () => {
+  it('is requested when an alarm comes and goes, but not for every status', async () => {
     stop = watchAlarms();
     await settle();
     expect(asked()).toBe(0);
@@ -59,7 +59,7 @@ describe('the report of alarms', () => {
     expect(asked()).toBe(2);
   });
 
-  it('is asked for at once by who comes to an alarm, and of another instrument', async () => {
+  it('is requested at once if an alarm is already active, and again for another instrument', async () => {
     await setStatus(alarmed);
     stop = watchAlarms();
     await settle();
@@ -70,7 +70,7 @@ describe('the report of alarms', () => {
     expect(asked()).toBe(2);
   });
 
-  it('is asked for every minute while an alarm is active, seen or not', async () => {
+  it('is requested every minute while an alarm is active, even in a hidden page', async () => {
     vi.useFakeTimers();
     await setStatus(alarmed);
     stop = watchAlarms();
@@ -87,7 +87,7 @@ describe('the report of alarms', () => {
     expect(asked()).toBe(3);
   });
 
-  it('is asked for again when the instrument comes back, if it was not to be had', async () => {
+  it('is requested again when the instrument comes back, if it could not be read', async () => {
     gateway.answer('/api/alarms', {}, 503);
     await setStatus(alarmed);
     stop = watchAlarms();
@@ -102,7 +102,7 @@ describe('the report of alarms', () => {
     expect(alarmsFault.value).toBeUndefined();
   });
 
-  it('is the one that was asked for last, whichever is answered last', async () => {
+  it('is the one requested last, whichever is answered last', async () => {
     const answer = gateway.hold('/api/alarms');
     const first = loadAlarms();
     gateway.answer('/api/alarms', activeAt(0));
@@ -112,7 +112,7 @@ describe('the report of alarms', () => {
     expect(alarms.value).toEqual(activeAt(0));
   });
 
-  it('does not outlive the alarm that it was asked for', async () => {
+  it('is dropped when its alarm ends, even if the answer is still to come', async () => {
     const answer = gateway.hold('/api/alarms');
     await setStatus(alarmed);
     stop = watchAlarms();
@@ -125,7 +125,7 @@ describe('the report of alarms', () => {
   });
 });
 
-describe('a name', () => {
+describe('the name of an alarm', () => {
   it.each([
     ['8. GC Status', '12. Instrument Error', 'GC Status: Instrument Error'],
     ['10. Any Alarm', '--', 'Any Alarm'],
@@ -137,8 +137,8 @@ describe('a name', () => {
   });
 });
 
-describe('what is watched', () => {
-  it('is not watched any more after its end', async () => {
+describe('watching the alarms', () => {
+  it('ends when it is stopped', async () => {
     gateway.answer('/api/alarms', {}, 503);
     await setStatus(alarmed);
     stop = watchAlarms();
@@ -150,7 +150,7 @@ describe('what is watched', () => {
     expect(asked()).toBe(1);
   });
 
-  it('is summed up as one', async () => {
+  it('is summarized for the lists', async () => {
     expect(alarmSummary.value).toEqual({ kind: 'none' });
     await setStatus(alarmed);
     expect(alarmSummary.value).toEqual({ kind: 'asking' });
@@ -166,8 +166,8 @@ describe('what is watched', () => {
   });
 });
 
-describe('active alarms', () => {
-  it('are none while there is no alarm, whatever a report says', async () => {
+describe('the list of active alarms', () => {
+  it('is empty while there is no alarm, whatever a report says', async () => {
     alarms.value = activeAt(1);
     await show(<ActiveAlarms />);
     expect(textOf(document.body)).toBe('');
@@ -175,7 +175,7 @@ describe('active alarms', () => {
     expect(textOf(document.body)).toBe('');
   });
 
-  it('are named', async () => {
+  it('names them', async () => {
     await setStatus(alarmed);
     await show(<ActiveAlarms />);
     expect(textOf(document.body)).toBe('Reading which alarms are active.');
@@ -183,7 +183,7 @@ describe('active alarms', () => {
     expect(textsOf('li')).toEqual(['GC Status: Cabinet Temperature', 'NORM Amounts: Methane']);
   });
 
-  it('keep their names while a newer report is not to be had, and say so if there is none', async () => {
+  it('keeps the names while a newer report cannot be read, and says so if there is none', async () => {
     gateway.answer('/api/alarms', { title: 'No way' }, 503);
     await setStatus(alarmed);
     await show(<ActiveAlarms />);
@@ -203,7 +203,7 @@ describe('active alarms', () => {
     ]);
   });
 
-  it('are never said to be none under the sign', async () => {
+  it('never says that there is none while the alarm sign is on', async () => {
     gateway.answer('/api/alarms', activeAt());
     await setStatus(alarmed);
     await show(<ActiveAlarms />);

@@ -43,8 +43,8 @@ async function reset(after: Alarms): Promise<void> {
   await settle();
 }
 
-describe('the alarms', () => {
-  it('are shown, the active ones first', async () => {
+describe('the alarms page', () => {
+  it('shows the alarms, the active ones first', async () => {
     await open(withActive(1, 3));
     expect(textsOf('h2')).toEqual(['Active (2)', 'Not active (3)']);
     const head = ['State', 'Group', 'Alarm', 'Runs watched'];
@@ -64,14 +64,14 @@ describe('the alarms', () => {
     expect(textsOf('p')).toEqual([]);
   });
 
-  it('without any active have one table', async () => {
+  it('shows one table when none is active', async () => {
     await open();
     expect(textsOf('h2')).toEqual(['Active (0)', 'Not active (5)']);
     expect(document.querySelectorAll('table')).toHaveLength(1);
     expect(reasonOf('Reset all alarms…')).toBe('No alarm is active.');
   });
 
-  it('may name a parameter that there is not', async () => {
+  it('shows an alarm whose parameter does not exist', async () => {
     await open({ total: 1, rows: [{ ...example.rows![0]!, ParamStr: '--' }] });
     expect(textsOf('td.text')).toEqual(['no such parameter']);
   });
@@ -85,13 +85,13 @@ describe('the alarms', () => {
       ['The instrument has 2 alarms; the first 1 are shown.'],
     ],
     [example, []],
-  ])('in number: %#', async (alarms, texts) => {
+  ])('says how many there are: %#', async (alarms, texts) => {
     await open(alarms);
     expect(textsOf('p')).toEqual(texts);
     expect(textsOf('h2')).toHaveLength('rows' in alarms && alarms.rows!.length > 0 ? 2 : 0);
   });
 
-  it('are not there before the first answer', async () => {
+  it('shows none before the first answer', async () => {
     gateway.hold('/api/alarms');
     await show(<AlarmsPage />);
     await settle();
@@ -99,8 +99,8 @@ describe('the alarms', () => {
   });
 });
 
-describe('asking for alarms', () => {
-  it('happens every 15 s while the page is seen', async () => {
+describe('requesting alarms', () => {
+  it('happens every 15 s while the page is visible', async () => {
     await open();
     expect(gateway.requests).toEqual([{ method: 'GET', path: '/api/alarms' }]);
     await act(async () => void (await vi.advanceTimersByTimeAsync(30_000)));
@@ -124,7 +124,7 @@ describe('asking for alarms', () => {
     expect(asked()).toBe(2);
   });
 
-  it('that fails leaves the last ones, and says why', async () => {
+  it('keeps the last ones when it fails, and says why', async () => {
     await open();
     gateway.answer('/api/alarms', {}, 503);
     await act(async () => void (await loadAlarms()));
@@ -140,7 +140,7 @@ describe('asking for alarms', () => {
     expect(textsOf('[role=alert] p')).toEqual([]);
   });
 
-  it('takes no other document for it', async () => {
+  it('accepts no other document', async () => {
     await open({ rows: [] });
     expect(textsOf('[role=alert] p')).toEqual([
       'The answer is not what was requested. /api/alarms.',
@@ -148,7 +148,7 @@ describe('asking for alarms', () => {
   });
 });
 
-describe('a sign that knows more than the report', () => {
+describe('an alarm sign that is ahead of the report', () => {
   it('is not contradicted', async () => {
     await setStatus(statusWith({ Alarm_overall: true }));
     await open();
@@ -175,7 +175,7 @@ describe('a sign that knows more than the report', () => {
 describe('the reset', () => {
   const outcome = (): string | undefined => said()?.text;
 
-  it('is off only where status and report say that there is nothing to reset', async () => {
+  it('is disabled only if status and report say that there is nothing to reset', async () => {
     const answer = gateway.hold('/api/alarms');
     await show(<AlarmsPage />);
     expect(reasonOf('Reset all alarms…')).toBe('The alarms are being read.');
@@ -190,7 +190,7 @@ describe('the reset', () => {
     expect(reasonOf('Reset all alarms…')).toBe('');
   });
 
-  it('can be given when the report cannot be had', async () => {
+  it('is possible when the report cannot be read', async () => {
     gateway.answer('/api/alarms', {}, 502);
     await show(<AlarmsPage />);
     await settle();
@@ -202,7 +202,7 @@ describe('the reset', () => {
     ]);
   });
 
-  it('asks, and names what will be reset', async () => {
+  it('asks first, and names what will be reset', async () => {
     const odd = [
       { ...example.rows![0]!, GroupStr: '-1. Odd', ParamStr: '--', Triggered: true },
       { ...example.rows![0]!, GroupStr: '3. Same', ParamStr: '0. Same', Triggered: true },
@@ -222,7 +222,7 @@ describe('the reset', () => {
     expect(gateway.of('/api/command/alarm-reset')).toEqual([]);
   });
 
-  it('is sent, followed, and the alarms asked for again', async () => {
+  it('is sent and followed, and the alarms are requested again', async () => {
     await setStatus(statusWith({ Alarm_overall: true }));
     await open(withActive(1));
     await reset(withActive());
@@ -235,12 +235,12 @@ describe('the reset', () => {
     const moment = Date.now();
     await act(() => takeStatus(statusWith(), moment));
     expect(said()).toEqual({ kind: 'good', text: 'Reset of all alarms: no alarm is active.' });
-    // It goes as soon as another one comes.
+    // Removed as soon as there is another notice.
     await act(() => takeStatus(statusWith({ Alarm_overall: true }), moment));
     expect(said()).toBeUndefined();
   });
 
-  it('names the alarms that came back, until they go', async () => {
+  it('names the alarms that came back, until they end', async () => {
     await setStatus(statusWith({ Alarm_overall: true }));
     await open(withActive(1, 3));
     await reset(withActive(1, 3));
@@ -254,7 +254,7 @@ describe('the reset', () => {
     expect(outcome()).toBeUndefined();
   });
 
-  it('of which nobody knows what came back claims nothing', async () => {
+  it('claims nothing if it is unknown which alarms came back', async () => {
     await open(withActive(1));
     await press('Reset all alarms…');
     gateway.lose('/api/alarms');
@@ -263,7 +263,7 @@ describe('the reset', () => {
     expect(outcome()).toBe('Reset of all alarms: accepted.');
   });
 
-  it('that was refused says so, and the alarms are asked for all the same', async () => {
+  it('reports a refusal, and the alarms are requested nevertheless', async () => {
     await open(withActive(1));
     gateway.answer('/api/command/alarm-reset', {}, 409);
     await reset(withActive(1));

@@ -16,9 +16,9 @@ afterEach(() => {
 });
 
 describe('time limits', () => {
-  it('let the gateway say that the instrument does not answer', () => {
-    // It takes 20 s for a report, 25 s for a status that somebody else asks for, 120 s for a command,
-    // which may have waited 29 s for its beginning.
+  it('leave the gateway time to say that the instrument does not answer', () => {
+    // It takes 20 s for a report, 25 s for a status that another request is waiting for, and 120 s for a
+    // command, which may have waited 29 s to begin.
     expect(timeLimits.report).toBeGreaterThan(20_000);
     expect(timeLimits.status).toBeGreaterThan(25_000);
     expect(timeLimits.command).toBeGreaterThan(149_000);
@@ -31,7 +31,7 @@ describe('reports', () => {
     expect(await getStatus()).toEqual({ ok: true, value: { GC_state: 'Ready' }, ageSeconds: 2 });
   });
 
-  it('tell how many commands were interrupted', async () => {
+  it('carry the number of interrupted commands', async () => {
     answerWith(200, '{"GC_state": "Ready"}', { 'X-GC-Interrupted': '2' });
     expect((await getStatus()).interrupted).toBe(2);
     answerWith(503, '{}', { 'X-GC-Interrupted': '1' });
@@ -46,13 +46,13 @@ describe('reports', () => {
     ['0.5', 0.5],
     ['-3', 0],
     ['long ago', 0],
-  ])('with Age: %s are %d s old', async (age, seconds) => {
+  ])('have an age by the Age header: %s is %d s', async (age, seconds) => {
     answerWith(200, '{"GC_state": "Ready"}', age === undefined ? {} : { Age: age });
     const answer = await getStatus();
     expect(answer.ok && answer.ageSeconds).toBe(seconds);
   });
 
-  it('come from the gateway itself, whatever the browser remembers', async () => {
+  it('come from the gateway itself, never from the browser cache', async () => {
     const fetched = answerWith(200, '{"GC_state": "Ready"}');
     await getStatus();
     const [path, init] = fetched.mock.calls[0]!;
@@ -63,7 +63,7 @@ describe('reports', () => {
   it.each([
     new DOMException('Gone', 'AbortError'),
     Object.assign(new Error('Late'), { name: 'TimeoutError' }),
-  ])('that fail otherwise than by their time are lost: %s', async (error) => {
+  ])('that fail for other reasons than time are lost: %s', async (error) => {
     vi.stubGlobal('fetch', async () => {
       throw error;
     });
@@ -71,7 +71,7 @@ describe('reports', () => {
     expect(!answer.ok && answer.fault.detail).toBe('The connection failed');
   });
 
-  it.each(['<html>', '{"other": 1}', '[]', 'null', ''])('are not %j', async (body) => {
+  it.each(['do not accept %j', '{"other": 1}', '[]', 'null', ''])('are not %j', async (body) => {
     answerWith(200, body);
     expect(await getStatus()).toEqual({
       ok: false,
@@ -92,7 +92,7 @@ describe('reports', () => {
     });
   });
 
-  it('say that nobody answers', async () => {
+  it('say that there is no answer', async () => {
     vi.stubGlobal('fetch', async () => {
       throw new TypeError('Failed to fetch');
     });
@@ -106,7 +106,7 @@ describe('reports', () => {
     });
   });
 
-  it('are given up after their time', async () => {
+  it('are aborted after their time limit', async () => {
     vi.stubGlobal('fetch', (_: string, { signal }: RequestInit) => {
       return new Promise((_done, fail) =>
         signal!.addEventListener('abort', () => fail(signal!.reason)),
@@ -124,7 +124,7 @@ describe('reports', () => {
 });
 
 describe('a command without an outcome', () => {
-  it('was not refused', () => {
+  it('does not count as refused', () => {
     const detail = 'No answer from the instrument: the connection was lost.';
     expect(faultOf(504, { title: 'Gateway Timeout', detail, outcome: 'unknown' })).toEqual({
       status: 504,
@@ -140,7 +140,7 @@ describe('a command without an outcome', () => {
 });
 
 describe('commands', () => {
-  it('carry what the gateway wants of them', async () => {
+  it('have the headers that the gateway requires', async () => {
     const fetched = answerWith(200, '{"ErrorCode": 0, "Msg": "Accepted"}');
     await sendCommand('POST', 'run', '{"type":"single","stream":2}');
     const [path, init] = fetched.mock.calls[0]!;
@@ -150,7 +150,7 @@ describe('commands', () => {
     expect(init.headers).toEqual({ 'Content-Type': 'application/json', 'X-GC-Request': '1' });
   });
 
-  it('succeed by the HTTP status, whatever the words', async () => {
+  it('succeed by HTTP status, whatever the text', async () => {
     answerWith(200, '{"ErrorCode": 0, "Msg": "Refused"}');
     expect(await sendCommand('PUT', 'solution', '{"solution":1}')).toEqual({
       ok: true,
@@ -230,7 +230,7 @@ describe('faults', () => {
   });
 });
 
-describe('the number of a refusal', () => {
+describe('the number of an error', () => {
   it.each([
     [{ ErrorCode: 207, Msg: 'Refused' }, 207],
     [{ ErrorCode: 0, Msg: 'Format Invalid' }, 0],
@@ -242,7 +242,7 @@ describe('the number of a refusal', () => {
   });
 });
 
-describe('an answer that is not the gateway’s', () => {
+describe('an answer that does not come from the gateway', () => {
   it.each([
     [500, undefined, true],
     [502, undefined, true],
@@ -257,13 +257,13 @@ describe('a command', () => {
   it.each([
     ['J%C3%BCrgen', 'Jürgen'],
     ['100%', '100%'],
-  ])('tells who is asked for it: %s', async (header, user) => {
+  ])('knows the user name from its answer: %s', async (header, user) => {
     const response = new Response('{}', { status: 200, headers: { 'X-GC-User': header } });
     vi.stubGlobal('fetch', async () => response);
     expect((await sendCommand('POST', 'login', '{}')).user).toBe(user);
   });
 
-  it('without an answer is of unknown outcome, and one that was refused is not', async () => {
+  it('has an unknown outcome without an answer, but not if it was refused', async () => {
     vi.stubGlobal('fetch', async () => {
       throw new TypeError('Failed to fetch');
     });

@@ -29,7 +29,7 @@ afterEach(async () => {
   }
 });
 
-/** As a link of the navigation does. */
+/** Goes to an address, as a link of the navigation does. */
 async function go(hash: string): Promise<void> {
   await act(async () => {
     location.hash = hash;
@@ -47,7 +47,7 @@ async function open(hash: string): Promise<void> {
 const current = (): string[] => textsOf('nav [aria-current=page]');
 
 describe('the pages', () => {
-  it('have an address each, and a link to it', async () => {
+  it('have an address each, with a link to it', async () => {
     await open('');
     const links = [...document.querySelectorAll('nav a')];
     expect(links.map((link) => [textOf(link), link.getAttribute('href')])).toEqual([
@@ -81,7 +81,7 @@ describe('the pages', () => {
     expect(textsOf('.message.bad')).toEqual([]);
   });
 
-  it('tell how to move in a table', async () => {
+  it('explain keyboard navigation in a table', async () => {
     await open('#/sequence');
     const moving =
       'Enter and Shift+Enter go down and up; arrow keys go to the next cell (up and down choose in a list).';
@@ -95,7 +95,7 @@ describe('the pages', () => {
     expect(gateway.requests.map(({ path }) => path)).toEqual(['/api/sequence', '/api/calibration']);
   });
 
-  it('keep what was edited while others are shown', async () => {
+  it('keep edits while another page is shown', async () => {
     await open('#/sequence');
     await act(() => {
       sequenceEditor.draft.value = setCell(sequenceEditor.draft.value!, 0, 'Repeat', '77');
@@ -106,7 +106,7 @@ describe('the pages', () => {
     expect(field('Runs, line 1').value).toBe('77');
   });
 
-  it('are marked while they have what is not sent', async () => {
+  it('are marked while they have unsent changes', async () => {
     const marked = (): string[] => textsOf('nav a:has(.unsent)');
     await open('#/sequence');
     expect(marked()).toEqual([]);
@@ -125,7 +125,7 @@ describe('the pages', () => {
     expect(marked()).toEqual(['Calibration● (changes not sent)']);
   });
 
-  it('begin with their heading for who does not see them', async () => {
+  it('give screen readers their heading first', async () => {
     await open('#/status');
     expect(document.activeElement).not.toBe(find('h1'));
     expect(scrolled).not.toHaveBeenCalled();
@@ -137,7 +137,7 @@ describe('the pages', () => {
     expect(scrolled).toHaveBeenCalledTimes(1);
   });
 
-  it('can be reached past the top', async () => {
+  it('can be reached by skipping the header', async () => {
     await open('#/status');
     const skip = find<HTMLAnchorElement>('a.skip');
     expect(textOf(skip)).toBe('Skip to the page');
@@ -147,14 +147,14 @@ describe('the pages', () => {
     expect(document.activeElement).toBe(find('h1'));
   });
 
-  it('are grey while their values are old', async () => {
+  it('are grey while the values are stale', async () => {
     await open('#/status');
     expect(find('main').className).toBe('');
     await setAge(60);
     expect(find('main').className).toBe('stale');
   });
 
-  it('have the wall without anything around it', async () => {
+  it('show the wall view without header and navigation', async () => {
     await open('#/wall');
     expect(document.querySelector('nav, header')).toBeNull();
     expect(textsOf('.wall-state')).toEqual(['Ready']);
@@ -163,7 +163,7 @@ describe('the pages', () => {
     expect(textsOf('h1')).toEqual(['Status']);
   });
 
-  it('are not what an address says that nobody knows', async () => {
+  it('do not exist at an unknown address', async () => {
     await open('#/nothing');
     expect(textsOf('h1')).toEqual(['Unknown page']);
     expect(textsOf('main p')).toEqual(['There is no such page.']);
@@ -171,7 +171,7 @@ describe('the pages', () => {
     expect(document.title).toBe('Unknown page – Natural gas C6+ (simulated)');
   });
 
-  it('are called by what they will show before there is an answer', async () => {
+  it('have a general title before the first answer', async () => {
     await setStatus(undefined);
     await open('#/run');
     expect(document.title).toBe('Run – Gas chromatograph');
@@ -181,7 +181,7 @@ describe('the pages', () => {
     expect(document.title).toBe('Run – Gas chromatograph');
   });
 
-  it('listen to the address only while they are there', async () => {
+  it('follow the address only while they are shown', async () => {
     await open('#/status');
     await show(null);
     const remove = vi.spyOn(window, 'removeEventListener');

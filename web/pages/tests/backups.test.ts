@@ -33,7 +33,7 @@ describe('backups', () => {
     });
   });
 
-  it('are tables', async () => {
+  it('are read as tables', async () => {
     gateway.answer('/api/backups/sequence/7', JSON.parse(sequenceKind.toFile(sequence)));
     expect(await ofSequence.table(7, sequence)).toEqual({ ok: true, value: sequence });
     const rows = [{ Channel: 1, ID: 2, Level_amt: 80 }];
@@ -44,7 +44,7 @@ describe('backups', () => {
     ]);
   });
 
-  it('may be gone, out of reach, or of other peaks', async () => {
+  it('may be gone, unreachable, or for other peaks', async () => {
     gateway.answer('/api/backups/sequence/7', { title: 'No' }, 404);
     expect(await ofSequence.table(7, sequence)).toEqual({
       ok: false,

@@ -1,4 +1,4 @@
-// Backups of tables for tests that are about something else.
+// Backups of tables, for tests of something else.
 import type { Backups } from '../src/backups';
 
 export const noBackups: Backups = {

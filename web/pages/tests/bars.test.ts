@@ -2,11 +2,11 @@ import { describe, expect, it } from 'vitest';
 import { barOf } from '../src/bars';
 
 describe('a bar', () => {
-  it('is in its middle at the setpoint', () => {
+  it('is at its middle at the setpoint', () => {
     expect(barOf({ Setpoint: 60, Actual: 60 }, 0.5).actual).toBe(0);
   });
 
-  it('grows to both sides, and ends far away', () => {
+  it('grows to both sides, up to its ends', () => {
     const at = (Actual: number): number => barOf({ Setpoint: 60, Actual }, 0.5).actual!;
     const places = [-200, -40, 20, 50, 59, 59.9, 60, 60.1, 61, 70, 160, 500].map(at);
     expect(places).toEqual([...places].sort((a, b) => a - b));
@@ -16,7 +16,7 @@ describe('a bar', () => {
     expect(at(-200)).toBe(-1);
   });
 
-  it('shows where its band ends', () => {
+  it('shows the limits of its band', () => {
     const edge = barOf({ Setpoint: 180, Actual: 181 }, 1);
     expect(edge.actual).toBe(edge.band);
     expect(edge.band).toBeCloseTo(Math.log(2) / Math.log(201), 12);

@@ -33,7 +33,7 @@ function editorOf(rows: readonly Values[]): Editor {
   return made;
 }
 
-/** The table as the page shows it, with a cell for each row to which one can go. */
+/** The table as the page shows it, with a cell in each row that can have the focus. */
 function Page({ focusedRow }: { focusedRow?: number | undefined }) {
   return (
     <>
@@ -75,7 +75,7 @@ beforeEach(async () => void (await arrange()));
 afterEach(clear);
 
 describe('sums of the amounts', () => {
-  it('are there as one types', async () => {
+  it('follow typing', async () => {
     await open();
     expect(sums()).toEqual({
       'Sum of channel 1': '96.45',
@@ -94,7 +94,7 @@ describe('sums of the amounts', () => {
     expect(sums()['Compared with 100']).toBe('0.45 below');
   });
 
-  it('are not known while a cell holds no number', async () => {
+  it('are unknown while a cell holds no number', async () => {
     await open();
     await type(4, '2.x');
     expect(sums()).toEqual({
@@ -105,7 +105,7 @@ describe('sums of the amounts', () => {
     });
   });
 
-  it('have the unit that is named, and are compared with what it says', async () => {
+  it('have the unit that the owner has named, and are compared with its whole', async () => {
     await open();
     await named({ amount: '%' });
     expect(sums()['Sum of all']).toBe('100.05 %');
@@ -116,7 +116,7 @@ describe('sums of the amounts', () => {
 });
 
 describe('a stick chromatogram', () => {
-  it('lists the peaks of each channel as they come', async () => {
+  it('lists the peaks of each channel in order of time', async () => {
     await open(change(0, { Ret_time: 30 }));
     expect(labels(1)).toEqual([
       'Methane: retention time 28.2, amount 84.95',
@@ -144,7 +144,7 @@ describe('a stick chromatogram', () => {
     expect(number(10, 'line', 'x1')).toBeGreaterThan(number(9, 'line', 'x1'));
   });
 
-  it('shows small amounts, and zero as nothing', async () => {
+  it('shows small amounts, and zero on the line', async () => {
     await open(change(1, { Level_amt: 0 }));
     const floor = number(0, 'line', 'y1');
     expect(number(1, 'line', 'y2')).toBe(floor);
@@ -154,7 +154,7 @@ describe('a stick chromatogram', () => {
     expect(number(0, 'line', 'y2')).toBeLessThan(number(7, 'line', 'y2'));
   });
 
-  it('has a question mark for an amount that is not known yet', async () => {
+  it('shows a question mark for an amount that is not known yet', async () => {
     await open();
     await type(1, '');
     expect(textOf(stick(1).querySelector('.mark'))).toBe('?');
@@ -162,7 +162,7 @@ describe('a stick chromatogram', () => {
     expect(labels(1)[1]).toBe('Methane: retention time 28.2, amount not known yet');
   });
 
-  it('does not draw what has no retention time, and says so', async () => {
+  it('does not draw peaks without a retention time, and says so', async () => {
     await open(change(1, { Ret_time: '-' }));
     expect(labels(1)).toHaveLength(3);
     expect(textsOf('section section p')).toEqual(['Without a retention time, not drawn: Methane.']);
@@ -173,7 +173,7 @@ describe('a stick chromatogram', () => {
     expect(readout()).toBe('Methane: no retention time, amount 84.95');
   });
 
-  it('tells peaks that come at the same time, and lets one reach both', async () => {
+  it('names peaks with the same time, and gives access to both', async () => {
     await open(change(0, { Ret_time: 28.2 }));
     expect(textsOf('section section p')).toEqual([
       'At the same retention time: Nitrogen, Methane.',
@@ -188,7 +188,7 @@ describe('a stick chromatogram', () => {
     expect(placeOf(0)).not.toBe(placeOf(1));
   });
 
-  it('of a hundred peaks names those that there is room for, and says how many not', async () => {
+  it('names as many of a hundred peaks as there is room for, and counts the others', async () => {
     const rows = Array.from({ length: 100 }, (_, n) => ({
       ...table.rows[0]!,
       ID: n + 1,
@@ -206,21 +206,21 @@ describe('a stick chromatogram', () => {
     expect(document.querySelector('.crowded')).not.toBeNull();
   });
 
-  it('has the names of as many as there are', async () => {
+  it('shows the names of all peaks if there is room', async () => {
     await open();
     expect(textsOf('.name').sort()).toEqual(table.rows.map(({ PkName }) => PkName).sort());
     expect(textsOf('.axes > text').filter((text) => text.includes('room'))).toEqual([]);
     expect(document.querySelector('.crowded')).toBeNull();
   });
 
-  it('is not there without peaks', async () => {
+  it('is not shown without peaks', async () => {
     await open([]);
     expect(textsOf('section')).toEqual([]);
   });
 });
 
-describe('the cursor', () => {
-  it('in the table is shown in the picture', async () => {
+describe('the focus', () => {
+  it('is shown in the picture when it is in the table', async () => {
     await open();
     expect(readout()).toBe('No peak is selected.');
     await show(<Page focusedRow={2} />);
@@ -232,7 +232,7 @@ describe('the cursor', () => {
     expect(textsOf('.focused, .pointer, [aria-current]')).toEqual([]);
   });
 
-  it('goes to the cell of a stick', async () => {
+  it('moves to the cell of a stick', async () => {
     await open();
     await act(() => {
       stick(7).dispatchEvent(new MouseEvent('click', { bubbles: true }));
@@ -240,7 +240,7 @@ describe('the cursor', () => {
     expect(document.activeElement).toBe(cell(7));
   });
 
-  it('goes from stick to stick with the arrow keys, and to its cell with Enter', async () => {
+  it('moves between sticks with the arrow keys, and to the cell with Enter', async () => {
     await open(change(0, { Ret_time: 30 }));
     const press = (key: string) =>
       act(() => {

@@ -10,7 +10,7 @@ import { load, statusWith } from './documents';
 import { choose, field, find, rowsOf, show, textOf, textsOf } from './dom';
 import { arrange, clear, exampleConfiguration } from './world';
 
-/** What was drawn; drawing itself needs a browser. */
+/** The plots that were made; real drawing needs a browser. */
 class Plot {
   static readonly all: Plot[] = [];
   isDestroyed = false;
@@ -40,7 +40,7 @@ vi.mock('uplot', () => ({
   default: vi.fn((...given: ConstructorParameters<typeof Plot>) => new Plot(...given)),
 }));
 
-/** What is told when something changes its size. */
+/** Called when an element changes its size. */
 const observers = new Set<() => void>();
 class Observer {
   constructor(private readonly tell: () => void) {}
@@ -97,7 +97,7 @@ describe('the chart', () => {
     expect(textsOf('p')).toEqual(['Kept in this browser tab while it is open.']);
   });
 
-  it('shows what has been measured, and goes on with each sample', async () => {
+  it('shows what has been measured, and continues with each sample', async () => {
     await show(<Chart status={statusWith()} />);
     await sample();
     const before = plot();
@@ -119,7 +119,7 @@ describe('the chart', () => {
     ]);
   });
 
-  it('tells the unit, where the owner has named it', async () => {
+  it('shows the unit, if the owner has named it', async () => {
     configuration.value = { ...exampleConfiguration, units: { pressure: 'kPa' } };
     await show(<Chart status={statusWith()} />);
     expect(rowsOf('table')[0]![1]).toBe('Now');
@@ -155,7 +155,7 @@ describe('the chart', () => {
     ]);
   });
 
-  it('goes back to the first when the chosen one is there no more', async () => {
+  it('returns to the first when the chosen one no longer exists', async () => {
     await show(<Chart status={statusWith()} />);
     await choose('Quantity', 'Column pressure, channel 2');
     const { Channel2, ...fewer } = statusWith();
@@ -165,7 +165,7 @@ describe('the chart', () => {
     expect(lines()).toHaveLength(1);
   });
 
-  it('is drawn anew when there is another channel', async () => {
+  it('is redrawn when there is another channel', async () => {
     const { Channel2, ...fewer } = statusWith();
     expect(Channel2).toBeDefined();
     await show(<Chart status={fewer} />);
@@ -174,7 +174,7 @@ describe('the chart', () => {
     expect(lines()).toHaveLength(2);
   });
 
-  it('is drawn anew in other colours', async () => {
+  it('is redrawn in other colours', async () => {
     await show(<Chart status={statusWith()} />);
     const before = plot();
     query.matches = true;
@@ -188,7 +188,7 @@ describe('the chart', () => {
     expect(plot()).toBe(last);
   });
 
-  it('is as wide as its place, and no higher', async () => {
+  it('is as wide as its element, with a fixed height', async () => {
     await show(<Chart status={statusWith()} />);
     expect(plot().options.width).toBe(0);
     Object.defineProperty(find('.chart'), 'clientWidth', { value: 640 });
@@ -201,7 +201,7 @@ describe('the chart', () => {
     expect(plot().isDestroyed).toBe(true);
   });
 
-  it('has axes that fit what is shown', async () => {
+  it('has axes that fit the values', async () => {
     await show(<Chart status={statusWith()} />);
     const { scales, axes } = plot().options;
     const span = (scales!.x!.range as (self: unknown) => unknown)({ data: [[100, 110]] });
@@ -216,7 +216,7 @@ describe('the chart', () => {
     expect(texts(undefined, [59.900000000000006, 60, 0.1 + 0.2])).toEqual(['59.9', '60', '0.3']);
   });
 
-  it('is drawn in the colours of the page, and with nothing to point at', async () => {
+  it('is drawn in the colours of the page, without a cursor', async () => {
     await show(<Chart status={statusWith()} />);
     const { width, height, legend, cursor, axes, series } = plot().options;
     expect([width, height]).toEqual([0, 240]);
@@ -239,7 +239,7 @@ describe('the chart', () => {
     expect(lines().map(({ points }) => points)).toEqual([{ show: false }, { show: false }]);
   });
 
-  it('tells four channels apart without colours', async () => {
+  it('distinguishes four channels without colours', async () => {
     const four = load<Status>('tests/system/documents/four-channel.json');
     await show(<Chart status={four} />);
     const dashes = [[], [10, 4], [3, 3], [12, 3, 3, 3]];

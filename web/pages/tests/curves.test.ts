@@ -7,7 +7,7 @@ const none = { Setpoint: '-', Actual: '-' } as const;
 describe('curves', () => {
   const choices = choicesOf(statusWith());
 
-  it('are there of each quantity, for all channels and for each', () => {
+  it('exist for each quantity, for all channels together and for each', () => {
     expect(choices.map(({ label, decimals, unit }) => [label, decimals, unit])).toEqual([
       ['Column temperature, all channels', 2, 'temperature'],
       ['Column temperature, channel 1', 2, 'temperature'],
@@ -54,7 +54,7 @@ describe('curves', () => {
     expect(told['Ambient pressure']).toEqual(['Ambient: Ambient_press']);
   });
 
-  it('are there of what the instrument has only', () => {
+  it('exist only for installed parts', () => {
     const { Channel1, ...bare } = statusWith({ Sample_line_temp: none });
     expect(Channel1).toBeDefined();
     expect(choicesOf(bare).map(({ label }) => label)).toEqual([
@@ -71,7 +71,7 @@ describe('curves', () => {
   });
 });
 
-describe('the axis of time', () => {
+describe('the time axis', () => {
   it.each([
     [[], 5000, [4940, 5000]],
     [[100], 5000, [40, 100]],
@@ -83,15 +83,15 @@ describe('the axis of time', () => {
   });
 });
 
-describe('the axis of values', () => {
+describe('the value axis', () => {
   it.each([
     [null, null, 2, [0, 1]],
     [null, 5, 2, [0, 1]],
     [5, null, 2, [0, 1]],
-    // A tenth of what there is, above and below.
+    // A margin of a tenth above and below.
     [20, 60, 2, [16, 64]],
     [0, 1000, 0, [-100, 1100]],
-    // Steady values have room by their decimals.
+    // Steady values get a minimum span by their decimals.
     [60, 60, 2, [59.5, 60.5]],
     [60, 60.5, 2, [59.75, 60.75]],
     [180, 180, 1, [175, 185]],

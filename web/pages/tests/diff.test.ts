@@ -29,39 +29,39 @@ describe('difference', () => {
     expect(isEmptyDiff(diff)).toBe(true);
   });
 
-  it('tells an added row from those that only moved down', () => {
+  it('distinguishes an added row from those that only moved down', () => {
     expect(compare(table(line(1), line(2)), table(line(9), line(1), line(2)))).toEqual([
       'added 0 1 ',
     ]);
   });
 
-  it('tells a removed row', () => {
+  it('finds a removed row', () => {
     expect(compare(table(line(1), line(2), line(3)), table(line(1), line(3)))).toEqual([
       'removed 2 0 ',
     ]);
   });
 
-  it('tells a changed row, and what of it', () => {
+  it('finds a changed row, and its columns', () => {
     expect(compare(table(line(1), line(2), line(3)), table(line(1), line(2, 7), line(3)))).toEqual([
       'changed 2 2 Repeat',
     ]);
   });
 
-  it('tells a moved row as removed and added', () => {
+  it('shows a moved row as removed and added', () => {
     expect(compare(table(line(1), line(2), line(3)), table(line(2), line(3), line(1)))).toEqual([
       'removed 1 0 ',
       'added 0 3 ',
     ]);
   });
 
-  it('tells an exchange as the first removed, and added below', () => {
+  it('shows an exchange as the first removed, and added below', () => {
     expect(compare(table(line(1), line(2)), table(line(2), line(1)))).toEqual([
       'removed 1 0 ',
       'added 0 2 ',
     ]);
   });
 
-  it('carries the rows that it tells', () => {
+  it('contains the rows that it reports', () => {
     const rows = (before: Table, after: Table) =>
       diffTables(before, after, layout).rows.map((row) => [row.before, row.after]);
     expect(rows(table(line(1)), table(line(1, 2)))).toEqual([[line(1), line(1, 2)]]);
@@ -69,7 +69,7 @@ describe('difference', () => {
     expect(rows(table(), table(line(1)))).toEqual([[undefined, line(1)]]);
   });
 
-  it('keeps as many rows as can be kept, and tells all others', () => {
+  it('keeps as many rows as possible, and reports all others', () => {
     const kept = (a: number[], b: number[]): number =>
       a.length === 0 || b.length === 0
         ? 0
@@ -103,7 +103,7 @@ describe('difference', () => {
     }
   });
 
-  it('tells all of it at once', () => {
+  it('reports all changes at once', () => {
     const before = table(line(1), line(2), line(3));
     const after = table(line(1, 4), line(3), line(5), line(6));
     expect(compare(before, after)).toEqual([
@@ -114,7 +114,7 @@ describe('difference', () => {
     ]);
   });
 
-  it('tells the header', () => {
+  it('reports the header', () => {
     const after = { ...table(line(1)), header: { Table_repeat: 3, Continuous: false } };
     expect(diffTables(table(line(1)), after, layout).header).toEqual([
       { label: 'Runs of the whole table', before: 1, after: 3 },
@@ -123,7 +123,7 @@ describe('difference', () => {
     expect(isEmptyDiff(diffTables(table(line(1)), table(), layout))).toBe(false);
   });
 
-  it('does not count the last digits that a real may lose on its way', () => {
+  it('ignores the last digits, which a real may lose on its way', () => {
     const rounded = { ...line(1), Flush_time: 0.5000000298 };
     expect(compare(table(line(1)), table(rounded))).toEqual([]);
     const other = { ...line(1), Flush_time: 0.50001 };
@@ -144,18 +144,18 @@ describe('difference', () => {
     ['-', '-', true],
     ['2', 2, false],
     [2, '2', false],
-  ])('counts a time of %j as the same as %j: %j', (before, after, isSame) => {
+  ])('treats a time of %j as the same as %j: %j', (before, after, isSame) => {
     const withTime = (value: number | string): Table => table({ ...line(1), Flush_time: value });
     expect(isEmptyDiff(diffTables(withTime(before), withTime(after), layout))).toBe(isSame);
   });
 
-  it('tells a text that differs', () => {
+  it('reports a text that differs', () => {
     expect(compare(table(line(1)), table({ ...line(1), Type: 'Blank' }))).toEqual([
       'changed 1 1 Type',
     ]);
   });
 
-  it('does not count what the instrument computes', () => {
+  it('ignores what the instrument computes', () => {
     const peak: Values = {
       Channel: 1,
       ID: 2,
@@ -172,7 +172,7 @@ describe('difference', () => {
     expect(told(diffTables(before, cleared, peaks))).toEqual(['changed 1 1 Level_amt']);
   });
 
-  it('pairs up all of 400 peaks', () => {
+  it('matches all of 400 peaks', () => {
     const peaks = calibrationKind.layout(undefined);
     const rows = (amount: number): Values[] =>
       Array.from({ length: 400 }, (_, n) => ({

@@ -1,4 +1,4 @@
-// Documents of an everyday instrument, as the tests change them.
+// Documents of an everyday instrument, with changes for tests.
 import { readFileSync } from 'node:fs';
 import { dirname, resolve } from 'node:path';
 import { fileURLToPath } from 'node:url';

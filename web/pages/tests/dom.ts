@@ -1,13 +1,13 @@
-// Pages in a document without a browser: what a person sees there, and does.
+// Pages in a document without a browser: what the user sees and does there.
 import { render, type ComponentChild } from 'preact';
 import { act } from 'preact/test-utils';
 
-/** Shows it instead of what was shown before. */
+/** Shows this instead of what was shown before. */
 export function show(what: ComponentChild): Promise<void> {
   return act(() => render(what, document.body));
 }
 
-/** The text, as it is read: without what is hidden by its attribute, spaces as one. */
+/** The text as it is read: without hidden parts, and with runs of spaces as one. */
 export function textOf(element: Element | null | undefined): string {
   return (element?.textContent ?? '').replace(/\s+/g, ' ').trim();
 }
@@ -24,13 +24,13 @@ export function textsOf(selector: string): string[] {
   return [...document.querySelectorAll(selector)].map(textOf);
 }
 
-/** What is there for who does not see it: the label, or else the text. */
+/** The name for screen readers: the label, or else the text. */
 export function nameOf(element: Element): string {
   const labels = (element as HTMLInputElement).labels;
   return element.getAttribute('aria-label') ?? (labels?.[0] ? textOf(labels[0]) : textOf(element));
 }
 
-/** The only element of these with that name. */
+/** The only one of these elements with that name. */
 function named<T extends Element>(selector: string, name: string): T {
   const all = [...document.querySelectorAll<T>(selector)];
   const found = all.filter((one) => nameOf(one) === name);
@@ -43,7 +43,7 @@ function named<T extends Element>(selector: string, name: string): T {
 export const button = (name: string): HTMLButtonElement => named('button', name);
 export const field = (name: string): HTMLInputElement => named('input, select', name);
 
-/** Whether the button does something, and if not, why. */
+/** Why the button is disabled; empty if it is not. */
 export function reasonOf(name: string): string {
   const element = button(name);
   const id = element.getAttribute('aria-describedby');
@@ -51,14 +51,14 @@ export function reasonOf(name: string): string {
   return isOff && id ? textOf(document.getElementById(id)) : isOff ? 'off' : '';
 }
 
-/** What is on the screen as a table, a row of texts for each of its rows. */
+/** The texts of a table, row by row. */
 export function rowsOf(table: string): string[][] {
   return [...find(table).querySelectorAll('tr')].map((row) =>
     [...row.querySelectorAll('th, td')].map(textOf),
   );
 }
 
-/** Terms and what is said of them. */
+/** Terms and their descriptions. */
 export function factsOf(list: string): string[][] {
   const details = [...find(list).querySelectorAll('dd')];
   return [...find(list).querySelectorAll('dt')].map((term, n) => [
@@ -95,7 +95,7 @@ export function tick(name: string, isOn: boolean): Promise<void> {
   return fire(box, new Event('change', { bubbles: true }));
 }
 
-/** Presses a key where the focus is; returns whether the page has taken it for itself. */
+/** Presses a key on the focused element; returns whether the page has handled it. */
 export async function key(name: string, modifiers: KeyboardEventInit = {}): Promise<boolean> {
   const event = new KeyboardEvent('keydown', {
     key: name,
@@ -107,7 +107,7 @@ export async function key(name: string, modifiers: KeyboardEventInit = {}): Prom
   return event.defaultPrevented;
 }
 
-/** Lets everything that waits for an answer go on. */
+/** Lets everything that waits for an answer continue. */
 export function settle(): Promise<void> {
   return act(async () => {
     for (let turn = 0; turn < 50; turn++) {

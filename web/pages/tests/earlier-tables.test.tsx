@@ -87,7 +87,7 @@ describe('earlier tables', () => {
     until = new Promise((done) => (go = done));
   };
 
-  it('are told with time, user and difference', async () => {
+  it('are listed with time, user and difference', async () => {
     hold();
     await open();
     expect(said()).toBe('Reading the list.');
@@ -107,7 +107,7 @@ describe('earlier tables', () => {
     expect(textOf(buttons[1])).toBe(`Load into the editor (${name(2)})`);
   });
 
-  it('count what differs', async () => {
+  it('have the number of differing rows', async () => {
     tables[3] = { ok: true, value: other };
     await open();
     await settle();
@@ -129,7 +129,7 @@ describe('earlier tables', () => {
     expect(editor.edited()).toEqual(table);
   });
 
-  it('are asked about when edits would go', async () => {
+  it('ask before edits are lost', async () => {
     await open();
     await settle();
     editor.change(setCell(editor.draft.value!, 0, 'Stream', '2'), { what: 'Stream' });
@@ -145,7 +145,7 @@ describe('earlier tables', () => {
     expect(textsOf('.earlier')).toEqual([]);
   });
 
-  it('cannot be listed without the gateway, which is asked again on demand', async () => {
+  it('cannot be listed without the gateway, but can be requested again', async () => {
     list = { ok: false, reason: 'The web server does not answer.' };
     await open();
     await settle();
@@ -172,7 +172,7 @@ describe('earlier tables', () => {
     expect(editor.edited()).toEqual(shorter);
   });
 
-  it('are not asked for any more when nobody looks', async () => {
+  it('are no longer requested after the dialog is closed', async () => {
     hold();
     await open();
     await show(null);

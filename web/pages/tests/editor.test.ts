@@ -8,7 +8,7 @@ import { load } from './documents';
 
 const fault = { status: 503, text: 'The instrument is not reachable.', detail: '' };
 
-/** An instrument that keeps what it is sent. */
+/** An instrument that keeps what is sent to it. */
 function build(kind: TableKind, document: object) {
   const world = {
     table: kind.fromReport(document),
@@ -16,10 +16,10 @@ function build(kind: TableKind, document: object) {
     asked: [] as number[],
     isReachable: true,
     refusal: undefined as typeof fault | undefined,
-    /** What the gateway keeps, by its number, the latest first. */
+    /** What the gateway keeps, by number, the latest first. */
     backups: [] as [number: number, table: Table][],
     backupFault: '',
-    /** What the instrument makes of what it is sent. */
+    /** What the instrument makes of a table that is sent. */
     keep: (sent: Table): Table => sent,
   };
   const editor = new Editor(
@@ -54,7 +54,7 @@ function build(kind: TableKind, document: object) {
     const place = { rowId, key };
     editor.change(setCell(editor.draft.value!, rowId, key, text), { what: key, place }, true);
   };
-  /** What was being done, one after the other. */
+  /** The operations, one after the other. */
   const steps: string[] = [];
   editor.busy.subscribe((what) => steps.push(what));
   return { editor, world, edit, steps };
@@ -67,7 +67,7 @@ const withStream = (table: Table, row: number, stream: number): Table => ({
 });
 
 describe('editor', () => {
-  it('has nothing to show before it has loaded', async () => {
+  it('has nothing to show before it has loaded a table', async () => {
     const { editor } = sequence();
     expect(editor.busy.value).toBe('');
     expect(editor.problems.value).toEqual([]);
@@ -83,7 +83,7 @@ describe('editor', () => {
     expect(loaded.isDirty.value).toBe(false);
   });
 
-  it('says what it does', async () => {
+  it('says what it is doing', async () => {
     const { editor, steps } = sequence();
     await editor.load();
     expect(steps.splice(0)).toEqual(['', 'Reading the table', '']);
@@ -116,7 +116,7 @@ describe('editor', () => {
     expect(editor.draft.value?.rows[0]?.cells.Repeat).toBe('2');
   });
 
-  it('finds what is wrong with the cells', async () => {
+  it('finds the faults of the cells', async () => {
     const { editor, edit } = sequence();
     await editor.load();
     expect(editor.problems.value).toEqual([]);
@@ -126,7 +126,7 @@ describe('editor', () => {
     ]);
   });
 
-  it('sends no file that the gateway does not take', async () => {
+  it('sends no file that the gateway does not accept', async () => {
     for (const [size, count] of [
       [65536, 1],
       [65537, 0],
@@ -147,7 +147,7 @@ describe('editor', () => {
     }
   });
 
-  it('says when the instrument has the table although it refused', async () => {
+  it('says when the instrument has the table although it refused it', async () => {
     const { editor, world, edit } = sequence();
     await editor.load();
     edit(1, 'Stream', '3');
@@ -205,7 +205,7 @@ describe('editor', () => {
     expect(editor.busy.value).toBe('');
   });
 
-  it('does not compare when the instrument is not reached, and keeps what was edited', async () => {
+  it('does not compare when the instrument cannot be reached, and keeps the edits', async () => {
     const { editor, world, edit } = sequence();
     await editor.load();
     edit(0, 'Repeat', '9');
@@ -232,7 +232,7 @@ describe('editor', () => {
     expect(world.sent).toEqual([]);
   });
 
-  it('refuses to send when the table changes while the person reads the differences', async () => {
+  it('refuses to send when the table changes during the review', async () => {
     const { editor, world, edit } = sequence();
     await editor.load();
     edit(0, 'Repeat', '9');
@@ -243,7 +243,7 @@ describe('editor', () => {
     expect(world.sent).toEqual([]);
   });
 
-  it('goes on with its own table when the person says so', async () => {
+  it('continues with its own table on request', async () => {
     const { editor, world, edit } = sequence();
     await editor.load();
     edit(0, 'Repeat', '9');
@@ -261,7 +261,7 @@ describe('editor', () => {
     expect(JSON.parse(world.sent[0]!).rows[2].Stream).toBe(2);
   });
 
-  it('says what the instrument made of the table when it is not the same', async () => {
+  it('shows what the instrument has stored if it differs', async () => {
     const { editor, world, edit } = sequence();
     await editor.load();
     edit(1, 'Stream', '3');
@@ -276,7 +276,7 @@ describe('editor', () => {
     expect(editor.draft.value?.rows[1]?.cells.Stream).toBe('3');
   });
 
-  it('says what a refused download left behind, and keeps what was edited', async () => {
+  it('shows what a refused download left behind, and keeps the edits', async () => {
     const { editor, world, edit } = sequence();
     await editor.load();
     edit(2, 'Stream', '46');
@@ -324,7 +324,7 @@ describe('editor', () => {
     expect(editor.message.value?.kind).toBe('good');
   });
 
-  it('imports a file without sending it, and says why it did not', async () => {
+  it('imports a file without sending it, or says why it did not', async () => {
     const { editor, world } = sequence();
     await editor.load();
     const octets = (text: string) => new TextEncoder().encode(text).buffer as ArrayBuffer;
@@ -344,7 +344,7 @@ describe('editor', () => {
     expect(editor.draft.value?.header.Table_repeat).toBe('4');
   });
 
-  it('asks before edits go, and not when there are none', async () => {
+  it('asks before edits are lost, but not when there are none', async () => {
     const { editor, world, edit } = sequence();
     await editor.load();
     const file = '{"Table_repeat": 4, "total": 1, "rows": [{"Stream": 2}]}';
@@ -367,7 +367,7 @@ describe('editor', () => {
     expect(editor.undos.past.value).toHaveLength(2);
     expect(editor.message.value?.text).toBe('mine.json was read. Nothing has been sent yet.');
     edit(0, 'Stream', '3');
-    // It is about a table that is not the one that was read any more.
+    // The message no longer applies to the edited table.
     expect(editor.message.value).toBeUndefined();
     editor.reload();
     expect(editor.review.value).toMatchObject({ kind: 'discard', yes: 'Discard and reload' });
@@ -377,7 +377,7 @@ describe('editor', () => {
     expect(editor.review.value).toBeUndefined();
   });
 
-  it('says when the table is as before, and when it may still be at work', async () => {
+  it('says when the table is as before, and when the instrument may still be at work', async () => {
     const { editor, world, edit } = sequence();
     await editor.load();
     const { table } = world;
@@ -419,7 +419,7 @@ describe('a table that was refused halfway', () => {
     return { ...made, before };
   };
 
-  it('can be replaced by what was there before, from the backups', async () => {
+  it('can be replaced by the earlier one from the backups', async () => {
     const { editor, world, before, steps } = await half();
     const newer = withStream(before, 0, 1);
     world.backups = [
@@ -442,19 +442,19 @@ describe('a table that was refused halfway', () => {
       text: 'The previous table is on the instrument again: sent, read back, and identical.',
     });
     expect(editor.before.value).toBeUndefined();
-    // What was edited is still there.
+    // The edits are still there.
     expect(editor.draft.value?.rows[2]?.cells.Stream).toBe('46');
     expect(editor.isDirty.value).toBe(true);
   });
 
-  it('is restored from what was read here when the backup is gone', async () => {
+  it('is replaced by the table read here when the backup is gone', async () => {
     const { editor, before } = await half();
     await editor.prepareRestore();
     const review = editor.review.value!;
     expect(review.kind === 'send' && review.wanted.table).toEqual(before);
   });
 
-  it('waits for the gateway', async () => {
+  it('cannot be replaced while the gateway does not answer', async () => {
     const { editor, world } = await half();
     world.backupFault = 'The web server does not answer.';
     await editor.prepareRestore();
@@ -467,7 +467,7 @@ describe('a table that was refused halfway', () => {
     expect(editor.before.value).toBeDefined();
   });
 
-  it('is not restored over what somebody else has changed', async () => {
+  it('is not replaced when the table has changed since then', async () => {
     const { editor, world, before } = await half();
     world.table = withStream(before, 1, 4);
     await editor.prepareRestore();
@@ -479,7 +479,7 @@ describe('a table that was refused halfway', () => {
     expect(editor.review.value).toMatchObject({ kind: 'send', wanted: { goal: 'restore' } });
   });
 
-  it('that is refused halfway too leaves what was there at first', async () => {
+  it('leaves the first earlier table when restoring is refused halfway too', async () => {
     const { editor, world, before } = await half();
     world.refusal = { status: 409, text: 'The instrument refused.', detail: '' };
     world.keep = (sent) => ({ ...sent, rows: sent.rows.slice(0, 1) });
@@ -487,7 +487,7 @@ describe('a table that was refused halfway', () => {
     expect(editor.before.value).toEqual(before);
   });
 
-  it('is over when the instrument turns out to have one of the two', async () => {
+  it('is forgotten when the instrument turns out to have one of the two', async () => {
     const one = await half();
     one.world.table = one.before;
     await one.editor.load();
@@ -501,7 +501,7 @@ describe('a table that was refused halfway', () => {
     expect(neither.editor.before.value).toEqual(neither.before);
   });
 
-  it('may have been when it could not be read back', async () => {
+  it('is assumed when the table could not be read back', async () => {
     const { editor, world, edit } = sequence();
     await editor.load();
     const before = world.table;
@@ -518,7 +518,7 @@ describe('a table that was refused halfway', () => {
     );
   });
 
-  it('of another instrument is not looked for any more', async () => {
+  it('is not looked for on another instrument', async () => {
     const { editor } = await half();
     const looking = editor.prepareRestore();
     editor.takeOver();

@@ -27,7 +27,7 @@ describe('the editors', () => {
     return event.defaultPrevented;
   };
 
-  it('read, send and name faults by way of the gateway', async () => {
+  it('read, send and describe faults through the gateway', async () => {
     await sequenceEditor.load();
     expect(sequenceEditor.draft.value?.rows).toHaveLength(3);
     await sequenceEditor.send();
@@ -44,7 +44,7 @@ describe('the editors', () => {
     expect(gateway.of('/api/command/calibration').map(({ method }) => method)).toEqual(['PUT']);
   });
 
-  it('take no other document for the table', async () => {
+  it('accept no other document', async () => {
     gateway.answer('/api/sequence', { total: 0 });
     gateway.answer('/api/calibration', { Table_repeat: 1 });
     await sequenceEditor.load();
@@ -53,7 +53,7 @@ describe('the editors', () => {
     expect(calibrationEditor.draft.value).toBeUndefined();
   });
 
-  it('let the browser ask before edits are lost', async () => {
+  it('make the browser ask before edits are lost', async () => {
     warnBeforeLeaving();
     await sequenceEditor.load();
     await calibrationEditor.load();

@@ -22,7 +22,7 @@ const running = statusWith({
 });
 const after = (seconds: number): number => begin + seconds * 1000;
 
-/** A status that was true so many milliseconds later. */
+/** A status that was read so many milliseconds later. */
 function take(next: Status, milliseconds: number): Promise<void> {
   return act(() => {
     statusTime.value = begin + milliseconds;
@@ -57,7 +57,7 @@ describe('the expected end', () => {
     expect(factsOf('dl')).toEqual(none);
   });
 
-  it('is a time of day, and why it cannot be told better', async () => {
+  it('is a time of day, or the reason why it is not exact', async () => {
     await show(
       <dl>
         <ExpectedEnd />
@@ -76,7 +76,7 @@ describe('the expected end', () => {
     expect(factsOf('dl')[1]![1]).toBe('not before 14:45 (delays between runs are not known)');
   });
 
-  it('leaves reasons out where there is no room', async () => {
+  it('has no reasons where there is no room', async () => {
     await show(
       <dl>
         <ExpectedEnd isBrief />
@@ -86,7 +86,7 @@ describe('the expected end', () => {
     expect(factsOf('dl')[1]![1]).toBe('not before 14:44');
   });
 
-  it('does not tremble with the seconds, and follows what is longer', async () => {
+  it('does not jitter with the seconds, but follows longer changes', async () => {
     await take(running, 0);
     expect(expectedRunEnd.value).toEqual({ kind: 'at', time: after(143) });
     await take({ ...running, Run_time: 38 }, 3900);
@@ -97,7 +97,7 @@ describe('the expected end', () => {
     expect(expectedRunEnd.value).toEqual({ kind: 'at', time: after(146) });
   });
 
-  it('tells an end from a least one, however near they are', async () => {
+  it('distinguishes an exact end from an earliest one, however close they are', async () => {
     await take({ ...running, Seq_line: 3, Line_replicate: 3 }, 0);
     expect(expectedAutomationEnd.value.kind).toBe('at');
     await act(() => {

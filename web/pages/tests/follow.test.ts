@@ -25,13 +25,13 @@ const broken = statusWith({
   Error_str: 'Detector bridge out of balance',
 });
 
-/** What is said of a status so many seconds after the answer. */
+/** What is said after a status so many seconds after the answer. */
 function take(following: Following, status: typeof ready, seconds: number): Said {
   return following.take(status, begin + seconds * 1000);
 }
 const single = (): Following => new Following(followRun('single', 2, ready), ready, begin);
 
-describe('a follow', () => {
+describe('what to wait for', () => {
   it.each([
     [
       followRun('single', 2, ready),
@@ -101,7 +101,7 @@ describe('a follow', () => {
       false,
     ],
   ] as const)(
-    '%#: its words, its time, and whether an error ends it',
+    '%#: its texts, its limit, and whether an error ends it',
     (follow, words, limit, ends) => {
       const { name, awaited, done, notDone, limitSeconds, endsWithError } = follow;
       expect([name, awaited, done(ready, ready), notDone]).toEqual(words);
@@ -110,7 +110,7 @@ describe('a follow', () => {
     },
   );
 
-  it('of a stop has a minute when the run is over its time, and an hour when nobody knows it', () => {
+  it('has a minute for a stop after an overdue run, and an hour when the run is unknown', () => {
     const late = statusWith({ Run_time: 200, Total_run_time: 180 });
     expect(followAbortAfterRun(late).limitSeconds).toBe(60);
     expect(followAbortAfterRun(undefined).limitSeconds).toBe(3660);
@@ -124,18 +124,18 @@ describe('a follow', () => {
     [followAbortAfterRun(running), statusWith(), running],
     [followStream(3), statusWith({ Curr_stream: 3 }), statusWith({ Curr_stream: 2 })],
     [followAlarmReset(), statusWith(), statusWith({ Alarm_overall: true })],
-  ])('%#: holds while the status says the same', (follow, yes, no) => {
+  ])('%#: holds while the status still shows it', (follow, yes, no) => {
     expect([follow.isMet(yes), follow.isMet(no)]).toEqual([true, false]);
     expect([follow.holds(yes), follow.holds(no)]).toEqual([true, false]);
   });
 
-  it('of a start holds for ever: it has an end of its own', () => {
+  it('holds for ever after a start, which has an end of its own', () => {
     expect(followAutomation(ready).holds(ready)).toBe(true);
   });
 });
 
 describe('following a command', () => {
-  it('waits for a run to begin, and says so when it did', () => {
+  it('waits for a run to begin, and reports it', () => {
     const following = single();
     expect(following.begin()).toEqual({
       kind: 'waiting',
@@ -153,11 +153,11 @@ describe('following a command', () => {
     expect([following.isMet, following.isOver]).toEqual([true, false]);
   });
 
-  it('takes a flushing for the begin of a run', () => {
+  it('counts flushing as the beginning of a run', () => {
     expect(take(single(), statusWith({ GC_state: 'Flushing' }), 1).kind).toBe('good');
   });
 
-  it('takes the state of the automation for the begin of a calibration', () => {
+  it('counts the state of the automation as the beginning of a calibration', () => {
     const begun = statusWith({ Auto_state: 'Running Calibration' });
     const calibration = (): Following =>
       new Following(followRun('calibration', 1, ready), ready, begin);
@@ -167,7 +167,7 @@ describe('following a command', () => {
     expect(take(single(), begun, 1).kind).toBe('waiting');
   });
 
-  it('says when the effect did not come within its time, and still sees it later', () => {
+  it('reports an effect that did not come in time, and still sees it later', () => {
     const following = new Following(followRun('calibration', 4, ready), ready, begin);
     expect(take(following, ready, 30).kind).toBe('waiting');
     expect(take(following, ready, 31)).toEqual({
@@ -180,7 +180,7 @@ describe('following a command', () => {
     expect(following.isOver).toBe(false);
   });
 
-  it('does not look for ever', () => {
+  it('ends at some time', () => {
     const following = new Following(followStream(3), ready, begin);
     take(following, ready, 3600);
     expect(following.isOver).toBe(false);
@@ -188,7 +188,7 @@ describe('following a command', () => {
     expect([following.isOver, following.isMet]).toEqual([true, false]);
   });
 
-  it('does not wait for ever for an instrument that does not answer', () => {
+  it('ends at some time without any answer', () => {
     const following = new Following(followStream(3), ready, begin);
     expect(following.miss(begin + 60_000)).toEqual({
       kind: 'waiting',
@@ -208,12 +208,12 @@ describe('following a command', () => {
     });
     expect([following.isOver, following.isMet]).toEqual([true, false]);
     expect(take(new Following(followStream(3), broken, begin), broken, 1).kind).toBe('waiting');
-    // Of one that was given without any status, any error is a new one.
+    // If there was no status before the command, every error is new.
     const unknown = new Following(followStream(3), undefined, begin);
     expect(take(unknown, broken, 1).kind).toBe('bad');
   });
 
-  it('gives the present run its time before an automation must have ended', () => {
+  it('allows the present run its time before the automation must have ended', () => {
     const following = new Following(followAbortAfterRun(running), running, begin);
     expect(take(following, running, 200).kind).toBe('waiting');
     expect(take(following, statusWith({ Last_counter: 1285 }), 201)).toEqual({
@@ -223,7 +223,7 @@ describe('following a command', () => {
     expect([following.isOver, following.isMet]).toEqual([true, true]);
   });
 
-  it('tells at which second an abort ended the run', () => {
+  it('reports at which second an abort ended the run', () => {
     const following = new Following(followAbortNow(), running, begin);
     take(following, statusWith({ ...running, Run_time: 37 }), 1);
     const stopped = { GC_state: 'Stabilizing', Last_counter: 1284 };
@@ -236,18 +236,18 @@ describe('following a command', () => {
     [statusWith({ GC_state: 'Flushing', Last_counter: 1284 }), 1284],
     [running, 1285],
     [undefined, 1284],
-  ])('%#: claims no aborted run where there was none', (before, counter) => {
+  ])('%#: claims no aborted run if there was none', (before, counter) => {
     const following = new Following(followAbortNow(), before, begin);
     const stopped = statusWith({ Last_counter: counter });
     expect(take(following, stopped, 2).text).toBe('Abort now: nothing is running.');
   });
 });
 
-describe('a command in doubt', () => {
+describe('a command with an unknown outcome', () => {
   const doubt = 'The outcome of the command is not known.';
   const inDoubt = (): Following => new Following(followStream(3), ready, begin, doubt);
 
-  it('says so until the status shows it', () => {
+  it('is reported as such until the status shows its effect', () => {
     const following = inDoubt();
     expect(following.begin().text).toBe(`Stream 3: ${doubt}`);
     expect(following.miss(begin).text).toBe(
@@ -261,7 +261,7 @@ describe('a command in doubt', () => {
     );
   });
 
-  it('is not said to have been accepted when its effect does not come', () => {
+  it('is not reported as accepted when its effect does not come', () => {
     expect(take(inDoubt(), ready, 61).text).toBe(
       `Stream 3: ${doubt} By the status the current stream is not 3 within 60 s (state: Ready; automation: Idle).`,
     );
@@ -272,7 +272,7 @@ describe('a run that has begun', () => {
   const sight = (seconds: number): typeof ready =>
     statusWith({ ...running, GC_state: `Running ${seconds}s`, Run_time: seconds });
 
-  /** A single run that was seen a second before its end. */
+  /** A single run last seen a second before its end. */
   function begun(lastSecond = 179): Following {
     const following = single();
     take(following, sight(1), 1);
@@ -289,13 +289,13 @@ describe('a run that has begun', () => {
     expect([following.isOver, following.isMet]).toEqual([true, true]);
   });
 
-  it('may be over before anybody has looked', () => {
+  it('may end before the next status', () => {
     expect(take(single(), statusWith({ Last_counter: 1285, Total_run_time: 2 }), 2).text).toBe(
       'Run 1285 ended at 14:29 after 3 min 00 s, stream 2.',
     );
   });
 
-  it('waits a moment for the number of the run', () => {
+  it('is waited for until its number is known', () => {
     const following = begun();
     const over = statusWith({ Last_counter: 1284 });
     expect(take(following, over, 180)).toEqual({
@@ -306,7 +306,7 @@ describe('a run that has begun', () => {
     expect(take(following, statusWith({ Last_counter: 1285 }), 183).text).toMatch(/^Run 1285/);
   });
 
-  it('without a number may have been aborted at its end', () => {
+  it('may have been aborted at its end if it has no number', () => {
     const following = begun();
     const over = statusWith({ Last_counter: 1284 });
     take(following, over, 180);
@@ -316,7 +316,7 @@ describe('a run that has begun', () => {
     });
   });
 
-  it('was aborted, by whomever, when it ends before its time without a number', () => {
+  it('was aborted if it ends early without a number', () => {
     const following = begun(37);
     const over = statusWith({ Last_counter: 1284 });
     take(following, over, 38);
@@ -326,7 +326,7 @@ describe('a run that has begun', () => {
     });
   });
 
-  it('goes on when it only seemed to be over', () => {
+  it('continues if it only seemed to be over', () => {
     const following = begun(37);
     take(following, statusWith({ Last_counter: 1284 }), 38);
     expect(take(following, sight(39), 39).text).toBe('Single run on stream 2: the run has begun.');
@@ -343,7 +343,7 @@ describe('a run that has begun', () => {
     });
   });
 
-  it('is of unknown fate while there is no answer, and its end has not been seen then', () => {
+  it('has an unknown outcome without an answer, and an unknown time of its end', () => {
     const following = begun(37);
     expect(following.miss(begin + 60_000)).toEqual({
       kind: 'waiting',
@@ -377,7 +377,7 @@ describe('a calibration that has begun', () => {
     });
   });
 
-  it('says so when there were fewer', () => {
+  it('reports when there were fewer', () => {
     expect(end(1285)).toEqual({
       kind: 'bad',
       text: 'The calibration on stream 1 ended at 14:35 after 1 of 2 runs: it may have been aborted.',
@@ -415,7 +415,7 @@ describe('an automation that has begun', () => {
     [during(1284, 179), 1285, 'good', 'run 1285.'],
     [during(1284, 179), 1284, 'bad', 'no run was counted.'],
     [during(1286, 37), 1286, 'bad', 'runs 1285 to 1286; the run after that was aborted at 37 s.'],
-    // Its clock may be three seconds late, and the last look a second old.
+    // Its clock may be three seconds late, and the last status a second old.
     [during(1286, 176), 1286, 'good', 'runs 1285 to 1286.'],
     [
       during(1286, 175),
@@ -436,7 +436,7 @@ describe('an automation that has begun', () => {
     );
   });
 
-  it('that was in an error from the beginning does not end with it', () => {
+  it('does not end with an error that was there before', () => {
     const following = new Following(followAutomation(broken), broken, begin);
     take(following, during(1284, 179), 1);
     expect(take(following, { ...broken, Last_counter: 1285 }, 2).text).toMatch(/: run/);

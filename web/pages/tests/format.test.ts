@@ -8,14 +8,14 @@ import {
   formatTime,
 } from '../src/format';
 
-describe('values', () => {
+describe('a value', () => {
   it('has a fixed number of decimals and a real minus sign', () => {
     expect(formatReal(59.98, 2)).toBe('59.98');
     expect(formatReal(60, 2)).toBe('60.00');
     expect(formatReal(-0.843, 3)).toBe('−0.843');
   });
 
-  it('says in words that there is none', () => {
+  it('is put into words if there is none', () => {
     expect(formatReal('-', 2)).toBe('not available');
     expect(formatReal(undefined, 2)).toBe('not available');
   });
@@ -44,7 +44,7 @@ describe('values', () => {
     [1, 0, 0, 'line 1, run 0 of it, table pass 0'],
     [0, 1, 0, 'line 0, run 1 of it, table pass 0'],
     [0, 0, 1, 'line 0, run 0 of it, table pass 1'],
-  ])('tells the position in the sequence: %d, %d, %d', (line, replicate, table, text) => {
+  ])('describes the position in the sequence: %d, %d, %d', (line, replicate, table, text) => {
     expect(formatPosition(line, replicate, table)).toBe(text);
   });
 });

@@ -1,4 +1,4 @@
-// A gateway for tests: answers what it is told to, and keeps what it is asked.
+// A gateway for tests: gives the answers that it is told to give, and keeps the requests.
 import { vi } from 'vitest';
 import { load } from './documents';
 
@@ -23,7 +23,7 @@ const examples: Record<string, unknown> = {
 };
 const accepted = { ErrorCode: 0, Msg: 'Accepted' };
 
-/** Takes the place of `fetch` until vi.unstubAllGlobals(). */
+/** Replaces `fetch` until vi.unstubAllGlobals(). */
 export class Gateway {
   readonly requests: Request[] = [];
   private readonly replies = new Map<string, Reply | 'lost' | Promise<Reply>>();
@@ -32,7 +32,7 @@ export class Gateway {
     vi.stubGlobal('fetch', (path: string, init: RequestInit) => this.fetch(path, init));
   }
 
-  /** From now on. */
+  /** Gives this answer from now on. */
   answer(path: string, body: unknown, status = 200, headers: Record<string, string> = {}): void {
     this.replies.set(path, { status, body, headers });
   }
@@ -42,14 +42,14 @@ export class Gateway {
     this.replies.set(path, 'lost');
   }
 
-  /** Nothing is answered until the returned function is called. */
+  /** Gives no answer until the returned function is called. */
   hold(path: string): (body: unknown, status?: number) => void {
     let go: (reply: Reply) => void = () => undefined;
     this.replies.set(path, new Promise<Reply>((done) => (go = done)));
     return (body, status = 200) => go({ status, body });
   }
 
-  /** What was asked for of this path. */
+  /** The requests for this path. */
   of(path: string): Request[] {
     return this.requests.filter((request) => request.path === path);
   }

@@ -9,7 +9,7 @@ import { arrange, clear } from './world';
 beforeEach(async () => void (await arrange()));
 afterEach(clear);
 
-/** Left edge and width of every rectangle. */
+/** Left edge and width of each rectangle. */
 const rectangles = (): (number | string)[][] =>
   [...document.querySelectorAll('rect')].map((rect) => [
     rect.getAttribute('class')!,
@@ -29,7 +29,7 @@ describe('a bar', () => {
     expect(find('svg').getAttribute('aria-hidden')).toBe('true');
   });
 
-  it('has colour outside the band, and reaches to its ends', async () => {
+  it('is coloured outside the band, and reaches its ends', async () => {
     await show(<Bar pair={{ Setpoint: 60, Actual: -500 }} tolerance={0.5} />);
     expect(rectangles().slice(2)).toEqual([
       ['gauge-far', 0, 50],
@@ -44,15 +44,15 @@ describe('a bar', () => {
     expect(rectangles().map(([name]) => name)).not.toContain('gauge-far');
   });
 
-  it('has no marker without a pair', async () => {
+  it('has no marker if a value is missing', async () => {
     await show(<Bar pair={{ Setpoint: '-', Actual: 60 }} tolerance={0.5} />);
     expect(rectangles().map(([name]) => name)).toEqual(['gauge-ground', 'gauge-band']);
   });
 });
 
-describe('a line of ten minutes', () => {
-  it('grows with each sample, and goes on with the time', async () => {
-    // After everything that other tests have added.
+describe('a sparkline', () => {
+  it('grows with each sample, and moves with time', async () => {
+    // Later than everything that other tests have added.
     const begin = Math.ceil(Date.now() / 5000) * 5 + 100_000;
     const path = (): string | null => find('path').getAttribute('d');
     const add = (seconds: number): Promise<void> =>

@@ -59,7 +59,7 @@ const linesOf = (count: number): Draft =>
     })),
   });
 
-/** Puts the focus there, and the caret or a selection. */
+/** Focuses the cell, with the caret or a selection there. */
 function at(name: string, start?: number, end = start): HTMLInputElement {
   const cell = field(name);
   cell.focus();
@@ -72,7 +72,7 @@ function at(name: string, start?: number, end = start): HTMLInputElement {
 afterEach(clear);
 
 describe('the grid', () => {
-  it('has a cell for each value, with its name', async () => {
+  it('has a named cell for each value', async () => {
     await open();
     expect(textOf(find('caption'))).toBe('Sequence');
     expect(rowsOf('thead')).toEqual([
@@ -101,7 +101,7 @@ describe('the grid', () => {
     ]);
   });
 
-  it('of peaks has amounts to edit, and no tools for rows', async () => {
+  it('of peaks has amounts to edit, but no row tools', async () => {
     const rows = calibration.rows.slice(0, 2);
     await open(
       draftOf({ header: {}, rows: [...rows, { ...rows[0]!, ID: 9, Ret_time: '-' }] }),
@@ -122,25 +122,25 @@ describe('the grid', () => {
     expect(field('Amount, level 1, peak 2').value).toBe('84.95');
   });
 
-  it('shows no more digits than mean something', async () => {
+  it('shows no insignificant digits', async () => {
     const row = { ...calibration.rows[0]!, Ret_time: 40.800000000000007, Linear: 123456.789 };
     await open(draftOf({ header: {}, rows: [row] }), peaks);
     expect(rowsOf('tbody')[0]!.slice(4)).toEqual(['40.8', '123457']);
   });
 
-  it('says so when it is empty', async () => {
+  it('says when it is empty', async () => {
     await open(draftOf({ header: {}, rows: [] }), peaks);
     expect(textsOf('p')).toEqual(['The instrument has no peaks.']);
   });
 
-  it('keeps a type that is not among the choices', async () => {
+  it('keeps a type that is not one of the choices', async () => {
     await open(draftOf({ ...sequence, rows: [{ ...sequence.rows[0]!, Type: 'None' }] }));
     expect(textsOf('option')).toEqual(['None', 'Analysis', 'Calibration', 'Blank', 'Verification']);
     await open(draftOf({ ...sequence, rows: [sequence.rows[0]!] }));
     expect(textsOf('option')).toEqual(['Analysis', 'Calibration', 'Blank', 'Verification']);
   });
 
-  it('takes what is typed and chosen', async () => {
+  it('accepts what is typed and chosen', async () => {
     await open();
     await type('Stream, line 2', '4');
     await choose('Type, line 3', 'Blank');
@@ -151,7 +151,7 @@ describe('the grid', () => {
     ]);
   });
 
-  it('says what is wrong with a cell, at that cell', async () => {
+  it('shows the fault of a cell at that cell', async () => {
     await open();
     expect(field('Runs, line 2').getAttribute('aria-invalid')).toBe('false');
     expect(field('Runs, line 2').getAttribute('aria-describedby')).toBeNull();
@@ -164,13 +164,13 @@ describe('the grid', () => {
     expect(field('Stream, line 2').getAttribute('aria-invalid')).toBe('false');
   });
 
-  it('selects all of a text that gets the focus', async () => {
+  it('selects the whole text of the focused cell', async () => {
     await open();
     const cell = at('Flush time, line 1');
     expect([cell.selectionStart, cell.selectionEnd]).toEqual([0, 3]);
   });
 
-  it('has a box for what is on or off', async () => {
+  it('has a checkbox for flags', async () => {
     const texts: string[] = [];
     const column = layout.header[1]!;
     const box = (text: string) => (
@@ -188,14 +188,14 @@ describe('the grid', () => {
 });
 
 describe('the tools of a row', () => {
-  it('move it, and keep the focus on the way', async () => {
+  it('move it, and keep the focus', async () => {
     await open(linesOf(4));
     await press('Move line 3 up');
     expect(streams()).toEqual(['1', '3', '2', '4']);
     expect(focused()).toBe('Move line 2 up');
     await press('Move line 2 up');
     expect(streams()).toEqual(['3', '1', '2', '4']);
-    // Further up it cannot go.
+    // It cannot move any further up.
     expect(focused()).toBe('Move line 1 down');
     await press('Move line 1 down');
     expect(streams()).toEqual(['1', '3', '2', '4']);
@@ -206,7 +206,7 @@ describe('the tools of a row', () => {
     expect(focused()).toBe('Move line 4 up');
   });
 
-  it('are off at the ends', async () => {
+  it('are disabled at the ends', async () => {
     await open();
     const off = (): string[] =>
       [...document.querySelectorAll<HTMLButtonElement>('button:disabled')].map(nameOf);
@@ -222,21 +222,21 @@ describe('the tools of a row', () => {
     expect(off()).toEqual(['Move line 1 up', 'Move line 19 down']);
   });
 
-  it('duplicate it, and go on in the copy', async () => {
+  it('duplicate it, and focus the copy', async () => {
     await open();
     await press('Duplicate line 2');
     expect(streams()).toEqual(['4', '1', '1', '2']);
     expect(focused()).toBe('Type, line 3');
   });
 
-  it('add a line, and go on in it', async () => {
+  it('add a line, and focus it', async () => {
     await open();
     await press('Add line');
     expect(streams()).toEqual(['4', '1', '2', '1']);
     expect(focused()).toBe('Type, line 4');
   });
 
-  it('delete it, and go on with the next one, or the one before', async () => {
+  it('delete it, and focus the next one, or the previous one', async () => {
     await open(linesOf(4));
     await press('Delete line 2');
     expect(streams()).toEqual(['1', '3', '4']);
@@ -252,7 +252,7 @@ describe('the tools of a row', () => {
 });
 
 describe('keys', () => {
-  it('go down and up', async () => {
+  it('move up and down', async () => {
     await open();
     at('Runs, line 1');
     expect(await key('Enter')).toBe(true);
@@ -269,7 +269,7 @@ describe('keys', () => {
     expect(await key('ArrowUp')).toBe(false);
   });
 
-  it('go left and right, past what cannot be edited', async () => {
+  it('move left and right, past cells that cannot be edited', async () => {
     await open();
     at('Runs, line 2', 0, 1);
     expect(await key('ArrowRight')).toBe(true);
@@ -314,12 +314,12 @@ describe('keys', () => {
     },
   );
 
-  it('choose up and down in a list, and leave it sideways', async () => {
+  it('choose up and down in a list, and leave it to the left and right', async () => {
     await open();
     at('Type, line 2');
     expect(await key('ArrowDown')).toBe(false);
     expect(focused()).toBe('Type, line 2');
-    // A list would take this for a choice.
+    // A list would handle this as a choice.
     expect(await key('ArrowLeft')).toBe(true);
     expect(focused()).toBe('Type, line 2');
     expect(await key('ArrowRight')).toBe(true);
@@ -360,7 +360,7 @@ describe('keys', () => {
   });
 
   it.each([{ ctrlKey: true }, { metaKey: true }])(
-    'are the browser’s with %j',
+    'are left to the browser with %j',
     async (modifiers) => {
       await open();
       at('Runs, line 1');

@@ -32,8 +32,8 @@ beforeEach(async () => {
 });
 afterEach(clear);
 
-describe('the top', () => {
-  it('says which instrument it is and what it does', async () => {
+describe('the header', () => {
+  it('shows the instrument and its state', async () => {
     await show(<Header />);
     expect(at('application')).toBe('Natural gas C6+ (simulated)');
     expect(at('state')).toBe('Ready');
@@ -43,14 +43,14 @@ describe('the top', () => {
     expect(at('notice')).toBe('');
   });
 
-  it('says so when it is simulated', async () => {
+  it('says when it is simulated', async () => {
     await show(<Header />);
     expect(textsOf('.simulated')).toEqual(['Simulated: this is not a real instrument']);
     await setStatus(statusWith({ Application: 'Natural gas' }));
     expect(textsOf('.simulated')).toEqual([]);
   });
 
-  it('calls an instrument without a name so, and none by what it will be', async () => {
+  it('says when an instrument has no name, and has a general name before the first answer', async () => {
     await setStatus(statusWith({ Application: '' }));
     await show(<Header />);
     expect(at('application')).toBe('Instrument without a name');
@@ -68,7 +68,7 @@ describe('the top', () => {
     expect(find('[data-testid=state]').className).toBe('state live error');
   });
 
-  it('says how old that is, and marks what is too old', async () => {
+  it('shows the age of the data, and marks old data', async () => {
     await show(<Header />);
     expect(at('age')).toBe('data 0 s old');
     expect(find('header').className).toBe('');
@@ -83,7 +83,7 @@ describe('the top', () => {
     expect(at('age')).toBe('no data yet');
   });
 
-  it('tells a screen reader of a change of the state, but not of each second', async () => {
+  it('announces changes of the state to a screen reader, but not every second', async () => {
     await show(<Header />);
     const announced = () => textOf(find('p[role=status]'));
     expect(announced()).toBe('State Ready');
@@ -95,7 +95,7 @@ describe('the top', () => {
     expect(announced()).toBe('');
   });
 
-  it('has a sign for an alarm, which leads to the alarms', async () => {
+  it('has an alarm sign, which leads to the alarms', async () => {
     await show(<AlarmSign />);
     const sign = () => find<HTMLAnchorElement>('[data-testid=alarm-sign]');
     expect(textOf(sign())).toBe('No alarm');
@@ -108,7 +108,7 @@ describe('the top', () => {
     expect(textOf(sign())).toBe('No alarm');
   });
 
-  it('says what is wrong with the status, and that the last values are shown', async () => {
+  it('describes a fault of the status, and says that the last values are shown', async () => {
     await show(<Header />);
     const lost = { status: 503, text: 'The instrument is not reachable.', detail: 'No way' };
     await act(() => {
@@ -122,15 +122,15 @@ describe('the top', () => {
   });
 });
 
-describe('what is said of commands', () => {
-  it('has its time, and can be dismissed when nothing is waited for', async () => {
+describe('a notice about a command', () => {
+  it('has its time, and can be dismissed when nothing is awaited', async () => {
     vi.useFakeTimers({ now: new Date(2026, 2, 5, 14, 32, 7) });
     await setAge(0);
     await show(<Header />);
     await act(() => void say('reset', { kind: 'waiting', text: 'Reset: being sent.' }));
     expect(at('notice')).toBe('14:32:07 Reset: being sent.');
     expect(find('[data-testid=notice]').getAttribute('role')).toBe('status');
-    // Of several lines only the new one is read out.
+    // Of several lines, a screen reader reads only the new one.
     expect(find('[data-testid=notice]').getAttribute('aria-atomic')).toBe('false');
     expect(find('[data-testid=notice] p').className).toBe('message waiting');
     vi.setSystemTime(new Date(2026, 2, 5, 14, 32, 9));
@@ -159,7 +159,7 @@ describe('interrupted commands', () => {
   });
   const at = (): string[] => textsOf('[data-testid=interruptions] p .text');
 
-  it('are told until somebody has seen them', async () => {
+  it('are shown until they are acknowledged', async () => {
     await show(<Header />);
     expect(at()).toEqual([]);
     await act(() => {
@@ -184,8 +184,8 @@ describe('interrupted commands', () => {
   });
 });
 
-describe('who is signed in', () => {
-  it('is offered to sign in until it is done, and to sign out then', async () => {
+describe('the user', () => {
+  it('can sign in, and then sign out', async () => {
     gateway.answer('/api/command/login', null, 204, { 'X-GC-User': 'J%C3%BCrgen' });
     await show(<Header />);
     await press('Sign in');
@@ -207,7 +207,7 @@ describe('who is signed in', () => {
     });
   });
 
-  it('is somebody without a name where the web server tells none', async () => {
+  it('has no name if the web server gives none', async () => {
     await show(<Header />);
     await act(() => {
       isSignedIn.value = true;

@@ -6,7 +6,7 @@ import { statusWith } from './documents';
 const sample = (value: Real): Map<string, Real> => new Map([['a', value]]);
 
 describe('history', () => {
-  it('gives samples back in order, with null for what is not available', () => {
+  it('returns samples in order, with null for values that are not available', () => {
     const history = new History(10);
     history.add(100, sample(1));
     history.add(101, sample('-'));
@@ -14,7 +14,7 @@ describe('history', () => {
     expect(history.points('a')).toEqual({ times: [100, 101, 102], values: [1, null, 3] });
   });
 
-  it('knows nothing of a series before it appeared, and nothing of one that never did', () => {
+  it('has no values of a series before it appeared, or of one that never did', () => {
     const history = new History(10);
     history.add(1, sample(1));
     history.add(2, new Map([['b', 5]]));
@@ -23,7 +23,7 @@ describe('history', () => {
     expect(history.points('c').values).toEqual([null, null]);
   });
 
-  it('gives what is not older than that, past the end of the ring too', () => {
+  it('returns only samples from a given time on, even past the end of the ring', () => {
     const history = new History(5);
     for (const time of [1, 2, 3, 4, 5, 6, 7]) {
       history.add(time, sample(time === 6 ? '-' : time));
@@ -34,7 +34,7 @@ describe('history', () => {
     expect(history.recent('b', 7)).toEqual({ times: [7], values: [null] });
   });
 
-  it('forgets what is older than an hour', () => {
+  it('drops samples older than an hour', () => {
     const history = new History(4000);
     for (let second = 0; second <= 4000; second++) {
       history.add(second, sample(second));
@@ -45,7 +45,7 @@ describe('history', () => {
     expect(values.at(-1)).toBe(4000);
   });
 
-  it('keeps the newest when it is full', () => {
+  it('keeps the newest samples when it is full', () => {
     const history = new History(3);
     for (let second = 1; second <= 5; second++) {
       history.add(second, sample(second * 10));
@@ -53,7 +53,7 @@ describe('history', () => {
     expect(history.points('a')).toEqual({ times: [3, 4, 5], values: [30, 40, 50] });
   });
 
-  it('drops what a clock that was set back has still to come to', () => {
+  it('drops samples in the future after the clock was set back', () => {
     const history = new History(6);
     for (const time of [1, 2, 3, 4]) {
       history.add(time, sample(time));
@@ -66,7 +66,7 @@ describe('history', () => {
     expect(history.points('a')).toEqual({ times: [-100, -99], values: [11, 12] });
   });
 
-  it('overwrites every series, present in the sample or not', () => {
+  it('overwrites every series, whether it is in the sample or not', () => {
     const history = new History(2);
     history.add(1, sample(1));
     history.add(2, sample(2));
@@ -74,7 +74,7 @@ describe('history', () => {
     expect(history.points('a').values).toEqual([2, null]);
   });
 
-  it('breaks the curve where nobody asked for a while', () => {
+  it('breaks the curve where there were no samples for a while', () => {
     const history = new History(10);
     history.add(0, sample(1));
     history.add(20, sample(2));
@@ -86,7 +86,7 @@ describe('history', () => {
 });
 
 describe('measurements', () => {
-  it('names the values of installed channels only', () => {
+  it('have names for installed channels only', () => {
     const { Channel1, ...fewer } = statusWith();
     expect(Channel1).toBeDefined();
     expect(Object.fromEntries(measurementsOf(fewer))).toEqual({
@@ -105,7 +105,7 @@ describe('measurements', () => {
     expect(measurementsOf(statusWith()).size).toBe(18);
   });
 
-  it('goes on where the page before has ended', () => {
+  it('continues where the page before it ended', () => {
     const before = new History(10);
     before.add(1000, new Map([['a', 1]]));
     before.add(
@@ -128,9 +128,12 @@ describe('measurements', () => {
     expect(early.points('a').times).toEqual([1000]);
   });
 
-  it.each(['', '{', '[]', '{"times": 3}'])('takes up nothing from %j', (text) => {
-    const history = new History(10);
-    history.restore(text, 1000);
-    expect(history.points('a').times).toEqual([]);
-  });
+  it.each(['restores nothing from %j', '{', '[]', '{"times": 3}'])(
+    'takes up nothing from %j',
+    (text) => {
+      const history = new History(10);
+      history.restore(text, 1000);
+      expect(history.points('a').times).toEqual([]);
+    },
+  );
 });

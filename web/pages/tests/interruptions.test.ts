@@ -25,13 +25,13 @@ test.each([
   [['-Q'], 'Sequence table'],
   [['-C'], 'Calibration table'],
   [['-X', '1'], '-X 1'],
-])('%j is told as %s', (command, name) => {
+])('%j is described as %s', (command, name) => {
   expect(describeInterruption(begun(...command))).toBe(
     `${name}, given by anna on ${when}, ${rest}`,
   );
 });
 
-test('a time that is none is shown as it is', () => {
+test('an invalid time is shown unchanged', () => {
   const text = describeInterruption({ ...begun('-P'), time: 'yesterday' });
   expect(text).toContain(' on yesterday, was');
 });

@@ -23,7 +23,7 @@ describe('the place where a text stops being JSON', () => {
     ['["C:\\x"]', 1, 5, 'a backslash stands before something that it cannot stand before'],
     ['["\\u12"]', 1, 3, 'a backslash stands before something that it cannot stand before'],
     ['{} {}', 1, 4, 'there is something after the end'],
-    // Counted as people do.
+    // Counted in characters, as users do.
     ['["😀" 1]', 1, 6, 'a comma or ] is expected'],
     ['['.repeat(60_000), 1, 1, 'there are too many brackets inside of brackets'],
   ])('%j', (text, line, column, reason) => {

@@ -1,14 +1,14 @@
-// A page that is left open: what it asks for and keeps must not grow.
+// A page that is left open: neither its requests nor its memory must grow.
 import { afterEach, beforeEach, expect, it, vi } from 'vitest';
 import { load } from './documents';
 import type { Status } from '../src/documents';
 
-/** The week takes many minutes: `GC_HOURS=168`. */
+/** A week takes many minutes: `GC_HOURS=168`. */
 const hours = Number(process.env['GC_HOURS'] ?? 2);
 const configuration = load<object>('docs/schemas/examples/configuration.json');
 const everyday = load<Status>('tests/system/documents/everyday.json');
 
-/** Half of the time there is a run, as it would be; every hundredth answer is none. */
+/** In a run half of the time; every hundredth request fails. */
 class Instrument {
   asked = 0;
   readonly paths = new Map<string, number>();
@@ -41,7 +41,7 @@ afterEach(() => {
   vi.useRealTimers();
 });
 
-it('asks evenly, and keeps an hour', async () => {
+it('makes requests at an even rate, and keeps an hour', async () => {
   const instrument = new Instrument();
   const page = Object.assign(new EventTarget(), { hidden: false });
   vi.stubGlobal('fetch', instrument.fetch);
@@ -59,14 +59,14 @@ it('asks evenly, and keeps an hour', async () => {
     octets.push(store.history.save().length);
   }
   const samples = store.history.points('Ambient_temp').times.length;
-  // Each second in a run and each 5 s besides; no hour asks for more than the one before.
+  // Every second in a run and every 5 s otherwise; no hour has more requests than another.
   expect(Math.max(...perHour)).toBeLessThan(3600 * 0.62);
   expect(Math.max(...perHour) - Math.min(...perHour)).toBeLessThan(40);
-  // Again only after the answers that were none.
+  // Requested again only after failures.
   expect(instrument.paths.get('/api/config')).toBeLessThan(hours * 24);
   expect(samples).toBeLessThanOrEqual(3601);
   expect(Math.max(...octets)).toBeLessThan(octets[0]! * 1.05);
   expect(notices.value).toEqual([]);
-  // Nothing waits for its turn but the next question, its time limit and the clock.
+  // The only timers are for the next request, its time limit and the clock.
   expect(vi.getTimerCount()).toBeLessThanOrEqual(4);
 });

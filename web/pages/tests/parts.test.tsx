@@ -18,8 +18,8 @@ import { arrange, clear, exampleConfiguration, setAge, setStatus } from './world
 beforeEach(async () => void (await arrange()));
 afterEach(clear);
 
-describe('a button of an action', () => {
-  it('acts', async () => {
+describe('an action button', () => {
+  it('acts when it is pressed', async () => {
     const act = vi.fn();
     await show(<ActionButton action="start-run" label="Start" kind="primary" onClick={act} />);
     expect(reasonOf('Start')).toBe('');
@@ -29,7 +29,7 @@ describe('a button of an action', () => {
     expect(act).toHaveBeenCalledTimes(1);
   });
 
-  it('is off when the state forbids it, and says why', async () => {
+  it('is disabled when the state forbids the action, and says why', async () => {
     await setStatus(statusWith({ GC_state: 'Not Ready' }));
     const act = vi.fn();
     await show(<ActionButton action="start-run" label="Start" reason="Not now." onClick={act} />);
@@ -41,7 +41,7 @@ describe('a button of an action', () => {
     expect(act).not.toHaveBeenCalled();
   });
 
-  it('is off when the page has a reason of its own', async () => {
+  it('is disabled when the page has a further reason', async () => {
     const act = vi.fn();
     await show(<ActionButton action="start-run" label="Start" reason="Not now." onClick={act} />);
     expect(reasonOf('Start')).toBe('Not now.');
@@ -64,7 +64,7 @@ describe('a button of an action', () => {
     expect(reasonOf('Start')).toBe('Not now.');
   });
 
-  it('is off as soon as the values are old', async () => {
+  it('is disabled as soon as the values are stale', async () => {
     await show(<ActionButton action="stream" label="Reset" onClick={vi.fn()} />);
     expect(reasonOf('Reset')).toBe('');
     await setAge(60);
@@ -88,7 +88,7 @@ describe('a dialog', () => {
     );
   });
 
-  it('is closed when it goes', async () => {
+  it('is closed when it is removed', async () => {
     const close = vi.spyOn(HTMLDialogElement.prototype, 'close');
     await show(
       <Dialog title="What now?" onClose={vi.fn()} actions={<button>Yes</button>}>
@@ -101,7 +101,7 @@ describe('a dialog', () => {
     close.mockRestore();
   });
 
-  it('is not closed by Escape itself, but by who opened it', async () => {
+  it('is not closed by Escape itself, but by its owner', async () => {
     const onClose = vi.fn();
     await show(
       <Dialog title="What now?" onClose={onClose} actions={<button>Yes</button>}>
@@ -114,7 +114,7 @@ describe('a dialog', () => {
     expect(onClose).toHaveBeenCalledTimes(1);
   });
 
-  it('asks, with no before yes', async () => {
+  it('asks, with no first', async () => {
     const onYes = vi.fn();
     const onNo = vi.fn();
     const ask = (isDanger: boolean) => (
@@ -153,7 +153,7 @@ describe('differences', () => {
     rows: [line, { ...line, Stream: 2 }, { ...line, Stream: 3 }],
   };
 
-  it('are shown with what was and what will be', async () => {
+  it('are shown with the old and the new value', async () => {
     const after: Table = {
       header: { Table_repeat: 4, Continuous: true },
       rows: [
@@ -183,20 +183,20 @@ describe('differences', () => {
     expect(textsOf('td del')).toEqual(['1']);
   });
 
-  it('of the header alone have no table', async () => {
+  it('have no table if only the header differs', async () => {
     const after = { ...before, header: { Table_repeat: 2, Continuous: false } };
     await show(<DiffTable diff={diffTables(before, after, layout)} layout={layout} />);
     expect(textsOf('p')).toEqual(['Runs of the whole table: 1 → 2']);
     expect(textsOf('table')).toEqual([]);
   });
 
-  it('of a value that is not there are shown empty', async () => {
+  it('are shown empty for a missing value', async () => {
     const after = { ...before, header: { Continuous: false } };
     await show(<DiffTable diff={diffTables(before, after, layout)} layout={layout} />);
     expect(textsOf('p')).toEqual(['Runs of the whole table: 1 →']);
   });
 
-  it('can have a column more', async () => {
+  it('can have an additional column', async () => {
     const after = { ...before, rows: [{ ...line, Repeat: 7 }] };
     const extra = { label: 'Factor', of: ({ kind }: RowChange) => `so ${kind}` };
     const diff = diffTables(before, after, layout);
@@ -209,7 +209,7 @@ describe('differences', () => {
     ]);
   });
 
-  it('of peaks have no column for what the instrument computes', async () => {
+  it('have no column for what the instrument computes', async () => {
     const peaks = calibrationKind.layout(undefined);
     const table = calibrationKind.fromReport(load('docs/schemas/examples/calibration.json'));
     const cleared = { header: {}, rows: [{ ...table.rows[0]!, Level_amt: 0 }] };
@@ -223,11 +223,11 @@ describe('differences', () => {
   });
 });
 
-describe('the run', () => {
+describe('the progress of a run', () => {
   const bar = () => find('[role=progressbar]');
   const width = () => find('.progress-bar > div').style.width;
 
-  it('is shown as it proceeds', async () => {
+  it('is shown', async () => {
     await show(
       <Progress
         status={statusWith({ GC_state: 'Running 45s', Run_time: 45, Total_run_time: 180 })}
@@ -247,7 +247,7 @@ describe('the run', () => {
     [-5, 180, '0%', '180'],
     [3, 0, '0%', '3'],
     [1, 1, '100%', '1'],
-  ])('of %d s in %d s fills %s', async (elapsed, total, part, most) => {
+  ])('with %d s of %d s fills %s', async (elapsed, total, part, most) => {
     const status = statusWith({
       GC_state: 'Running',
       Run_time: elapsed,
@@ -258,7 +258,7 @@ describe('the run', () => {
     expect(bar().getAttribute('aria-valuemax')).toBe(most);
   });
 
-  it('is none while the instrument does something else', async () => {
+  it('is not shown while the instrument does something else', async () => {
     await show(<Progress status={statusWith({ GC_state: 'Flushing' })} />);
     expect(textOf(document.body)).toBe('no run');
     expect(document.querySelector('[role=progressbar]')).toBeNull();
@@ -277,7 +277,7 @@ describe('the run', () => {
 describe('the lines of a sequence', () => {
   const sequence = load<Sequence>('tests/system/documents/sequence/everyday.json');
 
-  it('tells the unit of flush times, where the owner has named it', async () => {
+  it('show the unit of flush times, if the owner has named it', async () => {
     await arrange();
     configuration.value = { ...exampleConfiguration, units: { flush_time: 'min' } };
     await show(<SequenceLines sequence={sequence} />);

@@ -24,7 +24,7 @@ const withAmount = (text: string) => peaksOf(setCell(draft, 1, 'Level_amt', text
 const of = (...amounts: (number | undefined)[]): CalibratedPeak[] =>
   amounts.map((amount) => ({ ...peaks[0]!, amount }));
 
-describe('peaks of a table under edit', () => {
+describe('the peaks of a table being edited', () => {
   it('are its rows', () => {
     expect(peaks).toHaveLength(11);
     expect(peaks[1]).toEqual({
@@ -41,7 +41,7 @@ describe('peaks of a table under edit', () => {
     });
   });
 
-  it('have an amount when it can be sent', () => {
+  it('have an amount if it can be sent', () => {
     expect(withAmount('0').amount).toBe(0);
     expect(withAmount(' 1e-3 ').amount).toBe(0.001);
     expect(withAmount('1,5').amount).toBe(1.5);
@@ -50,14 +50,14 @@ describe('peaks of a table under edit', () => {
     }
   });
 
-  it('have a name in any case, and no retention time that nobody knows', () => {
+  it('always have a name, but no retention time if it is unknown', () => {
     const nameless = setCell(setCell(draft, 1, 'PkName', '  '), 1, 'Ret_time', '-');
     expect(peaksOf(nameless, layout)[1]).toMatchObject({ name: 'Peak 2', time: undefined });
     const endless = setCell(draft, 1, 'Ret_time', '1e999');
     expect(peaksOf(endless, layout)[1]!.time).toBeUndefined();
   });
 
-  it('belong to channels', () => {
+  it('are grouped by channel', () => {
     const names = channelsOf(peaks).map(({ channel, peaks: own }) => [channel, own.length]);
     expect(names).toEqual([
       ['1', 4],
@@ -67,7 +67,7 @@ describe('peaks of a table under edit', () => {
     expect(channelsOf([])).toEqual([]);
   });
 
-  it('that come together are told', () => {
+  it('are reported if they have the same retention time', () => {
     expect(togetherIn(peaks)).toEqual([]);
     const same = setCell(setCell(draft, 2, 'Ret_time', '25.2'), 3, 'Ret_time', '25.2');
     expect(togetherIn(peaksOf(same, layout)).map((one) => one.map(({ name }) => name))).toEqual([
@@ -79,37 +79,37 @@ describe('peaks of a table under edit', () => {
 });
 
 describe('the sum of amounts', () => {
-  it('is that of all of them', () => {
+  it('includes all of them', () => {
     expect(sumOf(peaks)!.toFixed(decimalsOf(peaks))).toBe('100.05');
     expect(sumOf([])).toBe(0);
   });
 
-  it('is not known as long as one of them is not', () => {
+  it('is unknown while one of them is', () => {
     expect(sumOf(of(1, undefined, 2))).toBeUndefined();
     expect(sumOf(of(undefined))).toBeUndefined();
     expect(sumOf(of(0, 0))).toBe(0);
   });
 
-  it('has the decimals that the amounts have, and not those of rounding', () => {
+  it('has the decimals of the amounts, without rounding errors', () => {
     expect(decimalsOf(of(1, 2))).toBe(2);
     expect(decimalsOf([])).toBe(2);
     expect(decimalsOf(of(undefined, 0.125))).toBe(3);
     expect(decimalsOf(of(100, 0.0005))).toBe(4);
-    // As the instrument keeps 84.95 and 0.1.
+    // Stored as the instrument stores 84.95 and 0.1.
     const kept = of(84.94999694824219, 0.10000000149011612);
     expect(decimalsOf(kept)).toBe(2);
     expect(sumOf(kept)!.toFixed(2)).toBe('85.05');
     expect(decimalsOf(of(1e-30))).toBe(9);
   });
 
-  it('is compared with the whole gas', () => {
+  it('is compared with the whole', () => {
     expect(differenceText(100.05, 100, 2)).toBe('0.05 above');
     expect(differenceText(98.4, 100, 2)).toBe('1.60 below');
     expect(differenceText(0.1 + 0.2 + 99.7, 100, 2)).toBe('exactly that');
     expect(differenceText(99.999, 100, 3)).toBe('0.001 below');
   });
 
-  it('has a whole by its unit', () => {
+  it('has a whole that depends on the unit', () => {
     expect(wholeIn('')).toBe(100);
     expect(wholeIn('%')).toBe(100);
     expect(wholeIn('mol %')).toBe(100);
@@ -120,7 +120,7 @@ describe('the sum of amounts', () => {
 });
 
 describe('numbers', () => {
-  it('have no more digits than mean something', () => {
+  it('have no insignificant digits', () => {
     expect(shortNumber(40.800000000000007)).toBe('40.8');
     expect(shortNumber(-0.5)).toBe('−0.5');
     expect(shortNumber(0)).toBe('0');
@@ -128,7 +128,7 @@ describe('numbers', () => {
 });
 
 describe('the change of an amount', () => {
-  it('is in parts of what it was', () => {
+  it('is relative to the amount before', () => {
     expect(changeText(50, 51)).toBe('+2 %');
     expect(changeText(84.95, 85.125)).toBe('+0.206 %');
     expect(changeText(0.4, 0.3)).toBe('−25 %');
@@ -136,7 +136,7 @@ describe('the change of an amount', () => {
     expect(changeText(3, 4)).toBe('+33.3 %');
   });
 
-  it('is in words where there is no such part', () => {
+  it('is in words if it cannot be relative', () => {
     expect(changeText(0, 5)).toBe('from 0');
     expect(changeText(5, 0)).toBe('to 0');
     expect(changeText(0, 0)).toBe('');
@@ -145,7 +145,7 @@ describe('the change of an amount', () => {
     expect(changeText(undefined, 5)).toBe('not known');
   });
 
-  it('is told of amounts only', () => {
+  it('is shown only for amounts', () => {
     expect(amountChange.label).toBe('Relative change');
     const rows = table.rows.map((row, n) =>
       n === 1 ? { ...row, Level_amt: 85.125 } : n === 2 ? { ...row, PkName: 'CO2' } : row,

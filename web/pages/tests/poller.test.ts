@@ -1,7 +1,7 @@
 import { afterEach, beforeEach, describe, expect, it, vi } from 'vitest';
 import { createPoller } from '../src/poller';
 
-/** A poller whose requests are answered by hand. */
+/** A poller with requests that the test answers. */
 function build(interval = 5000) {
   const pending: ((answer: string) => void)[] = [];
   const taken: string[] = [];
@@ -28,7 +28,7 @@ afterEach(() => {
 });
 
 describe('poller', () => {
-  it('asks at once, and again an interval after the request began', async () => {
+  it('makes a request at once, and the next an interval after the first one began', async () => {
     const { poller, ask, answer, taken } = build();
     poller.wake();
     expect(ask).toHaveBeenCalledTimes(1);
@@ -53,7 +53,7 @@ describe('poller', () => {
     expect(ask).toHaveBeenCalledTimes(2);
   });
 
-  it('asks again at once after an answer that took longer than the interval', async () => {
+  it('makes the next request at once after an answer that took longer than the interval', async () => {
     const { poller, ask, answer } = build(1000);
     poller.wake();
     await vi.advanceTimersByTimeAsync(10_000);
@@ -61,7 +61,7 @@ describe('poller', () => {
     expect(ask).toHaveBeenCalledTimes(2);
   });
 
-  it('asks again at once when somebody wanted it meanwhile', async () => {
+  it('makes the next request at once if it was woken meanwhile', async () => {
     const { poller, ask, answer } = build();
     poller.wake();
     poller.wake();
@@ -73,7 +73,7 @@ describe('poller', () => {
     expect(ask).toHaveBeenCalledTimes(3);
   });
 
-  it('waits its interval when nobody wanted it', async () => {
+  it('waits for its interval if it was not woken', async () => {
     const { poller, ask, answer } = build();
     poller.wake();
     await answer('first');
@@ -81,7 +81,7 @@ describe('poller', () => {
     expect(ask).toHaveBeenCalledTimes(1);
   });
 
-  it('is woken before its interval is over, and then waits a whole one', async () => {
+  it('can be woken before its interval is over, and then waits for a whole one', async () => {
     const { poller, ask, answer } = build();
     poller.wake();
     await answer('first');
@@ -95,7 +95,7 @@ describe('poller', () => {
     expect(ask).toHaveBeenCalledTimes(3);
   });
 
-  it('goes by the interval that holds after the answer', async () => {
+  it('uses the interval that holds after the answer', async () => {
     const { poller, ask, answer, world } = build(5000);
     poller.wake();
     world.interval = 1000;
@@ -104,7 +104,7 @@ describe('poller', () => {
     expect(ask).toHaveBeenCalledTimes(2);
   });
 
-  it('begins at once even while hidden, and then is not woken by anybody', async () => {
+  it('begins at once even while hidden, but then cannot be woken', async () => {
     const { poller, ask, answer, world } = build();
     world.isHidden = true;
     poller.wake();
@@ -122,7 +122,7 @@ describe('poller', () => {
     expect(ask).toHaveBeenCalledTimes(3);
   });
 
-  it('is asked to look at the clock where its timers are late', async () => {
+  it('can be told to check the clock where timers are late', async () => {
     const { poller, ask, answer } = build();
     poller.check();
     expect(ask).not.toHaveBeenCalled();
@@ -136,7 +136,7 @@ describe('poller', () => {
     vi.setSystemTime(Date.now() + 1);
     poller.check();
     expect(ask).toHaveBeenCalledTimes(2);
-    // That one is under way: nobody wants another.
+    // A request is under way: no other is made.
     poller.check();
     await answer('second');
     expect(ask).toHaveBeenCalledTimes(2);

@@ -5,7 +5,7 @@ import { load, statusWith } from './documents';
 
 const channel = statusWith().Channel1!;
 
-/** What is said of a quantity of channel 1, or of the sample line, with these values. */
+/** How a quantity of channel 1, or of the sample line, is shown with these values. */
 function deviation(key: string, Setpoint: number, Actual: number): string {
   const pair: SetpointAndActual = { Setpoint, Actual };
   const status =
@@ -49,7 +49,7 @@ describe('quantities', () => {
     expect(deviation(key, setpoint, actual)).toBe(text);
   });
 
-  it('are listed for everything that has a setpoint', () => {
+  it('are listed if they have a setpoint', () => {
     const cold = controlledOf(load<Status>('tests/system/documents/warming-up.json'));
     const texts = cold.map(({ label, cells }) => [
       label,

@@ -42,7 +42,7 @@ describe('the status page', () => {
     expect(textOf(document.body)).toBe('Waiting for the first answer of the instrument.');
   });
 
-  it('tells what the instrument does', async () => {
+  it('shows the state of the instrument', async () => {
     await show(<StatusPage />);
     expect(textsOf('h2')).toEqual([
       'Instrument',
@@ -82,7 +82,7 @@ describe('the status page', () => {
     [{ Ext_ready_in: 'Not Ready' as const }, ['External ready', 'not ready']],
     [{ Service_switch: 'On' as const }, ['Service switch', 'on']],
     [{ Error_code: 1, Error_str: 'No power' }, ['Error', '1: No power']],
-  ])('tells %j', async (changes, fact) => {
+  ])('shows %j', async (changes, fact) => {
     await show(<StatusPage />);
     expect(await overview(changes)).toContainEqual(fact);
   });
@@ -96,7 +96,7 @@ describe('the status page', () => {
     expect(look()).toBe('deviation off text');
   });
 
-  it('tells how each channel stands to its setpoints', async () => {
+  it('compares each channel with its setpoints', async () => {
     const cold = { Setpoint: 180, Actual: 12.34 };
     await setStatus(
       statusWith({ Channel1: channelWith({ Column_press: cold, Injector_temp: none }) }),
@@ -118,13 +118,13 @@ describe('the status page', () => {
   it.each([
     [{ Setpoint: '-', Actual: 60 }, ['not available', '60.00', 'not available']],
     [{ Setpoint: 60, Actual: '-' }, ['60.00', 'not available', 'not available']],
-  ] as const)('shows half a pair: %j', async (pair, texts) => {
+  ] as const)('shows an incomplete pair: %j', async (pair, texts) => {
     await setStatus(statusWith({ Channel1: channelWith({ Column_temp: pair }) }));
     await show(<StatusPage />);
     expect(rowsOf('[aria-labelledby=channel-1] table')[1]).toEqual(['Column temp.', ...texts]);
   });
 
-  it('tells of each detector', async () => {
+  it('shows each detector', async () => {
     const off = { Auto_zero: -0.5, State: 'Off', Calibrated: 'X' } as const;
     await setStatus(statusWith({ Channel2: channelWith({ TCD: off }) }));
     await show(<StatusPage />);
@@ -167,7 +167,7 @@ describe('the status page', () => {
     expect(document.querySelector('.note')).toBeNull();
   });
 
-  it('tells the sample line and the surroundings', async () => {
+  it('shows the sample line and the surroundings', async () => {
     await show(<StatusPage />);
     const card = '[aria-labelledby=surroundings]';
     expect(rowsOf(`${card} table`)).toEqual([
@@ -203,7 +203,7 @@ describe('the configuration page', () => {
     'Serial number',
   ];
 
-  it('tells what the instrument consists of', async () => {
+  it('shows the configuration', async () => {
     await open();
     expect(textsOf('h2')).toEqual(['Instrument', 'Channels']);
     expect(factsOf('dl')).toEqual([
@@ -227,7 +227,7 @@ describe('the configuration page', () => {
     ]);
   });
 
-  it('tells what is not there', async () => {
+  it('says what is missing', async () => {
     const { Channel1 } = exampleConfiguration;
     await open({
       ...exampleConfiguration,
@@ -245,7 +245,7 @@ describe('the configuration page', () => {
     expect(rowsOf('table')[1]!.slice(0, 3)).toEqual(['1', 'yes, disabled', 'not available']);
   });
 
-  it('is read anew when the page is opened, and on demand', async () => {
+  it('reads it again when it is opened, and on demand', async () => {
     await open();
     expect(gateway.requests).toEqual([{ method: 'GET', path: '/api/config' }]);
     gateway.answer('/api/config', { ...exampleConfiguration, Inst_name: 'gc-13' });
@@ -270,8 +270,8 @@ describe('the configuration page', () => {
   });
 });
 
-describe('the wall', () => {
-  it('tells the state in large letters', async () => {
+describe('the wall view', () => {
+  it('shows the state in large letters', async () => {
     await show(<WallPage />);
     expect(textsOf('h1')).toEqual(['Natural gas C6+ (simulated)']);
     expect(textsOf('.wall-state')).toEqual(['Ready']);
@@ -300,19 +300,19 @@ describe('the wall', () => {
     expect(textsOf('footer')).toEqual(['Data 0 s oldAll pages']);
   });
 
-  it('tells what is not available once', async () => {
+  it('says only once that a value is not available', async () => {
     await setStatus(statusWith({ Channel1: channelWith({ Column_temp: none }) }));
     await show(<WallPage />);
     expect(rowsOf('table')[1]!.slice(0, 2)).toEqual(['Channel 1', 'not available']);
   });
 
-  it('marks what is off its setpoint', async () => {
+  it('marks values that are off their setpoints', async () => {
     await setStatus(load<Status>('tests/system/documents/warming-up.json'));
     await show(<WallPage />);
     expect(document.querySelectorAll('td.deviation.off')).toHaveLength(7);
   });
 
-  it('tells an error', async () => {
+  it('shows an error', async () => {
     await setStatus(statusWith({ GC_state: 'Error', Error_code: 502, Error_str: 'No balance' }));
     await show(<WallPage />);
     expect(find('.wall-state').className).toBe('wall-state live error');
@@ -337,7 +337,7 @@ describe('the wall', () => {
     expect(textsOf('[aria-labelledby=instrument] li')).toHaveLength(5);
   });
 
-  it('says since when there is no answer, and what was known last', async () => {
+  it('says since when there is no answer, and the last known state', async () => {
     await setStatus(statusWith({ GC_state: 'Error', Error_code: 502, Error_str: 'No balance' }));
     await show(<WallPage />);
     await setAge(60);
@@ -387,7 +387,7 @@ describe('the wall', () => {
     expect(textsOf('[aria-labelledby=surroundings] p')).toEqual([]);
   });
 
-  it('tells how old that is, and what is wrong', async () => {
+  it('shows the age of the data, and what is wrong', async () => {
     await show(<WallPage />);
     expect(find('.wall').className).toBe('wall');
     expect(find('footer p').className).toBe('dim');

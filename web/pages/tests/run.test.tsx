@@ -41,8 +41,8 @@ async function open(changes: Partial<Status> = {}): Promise<void> {
 }
 
 /**
- * Answers the question with yes; gives what was sent, what is said then, and what is said when the
- * instrument does this.
+ * Answers the question with yes; returns what was sent, the notice after that, and the notice after
+ * this effect on the instrument.
  */
 async function confirm(yes: string, effect: Partial<Status>): Promise<unknown[]> {
   setHidden(false);
@@ -58,7 +58,7 @@ async function confirm(yes: string, effect: Partial<Status>): Promise<unknown[]>
 }
 
 describe('the run page', () => {
-  it('names what is old as such', async () => {
+  it('marks old values as such', async () => {
     vi.useFakeTimers({ now: new Date(2026, 2, 5, 14, 32, 7) });
     await setAge(0);
     await show(<RunPage />);
@@ -68,7 +68,7 @@ describe('the run page', () => {
     vi.useRealTimers();
   });
 
-  it('forgets why the sequence was not to be had when the instrument is back', async () => {
+  it('no longer says why the sequence could not be read when the instrument is back', async () => {
     await show(<RunPage />);
     gateway.answer('/api/sequence', {}, 503);
     await press('Start automation…');
@@ -86,7 +86,7 @@ describe('the run page', () => {
     expect(textOf(document.body)).toBe('Waiting for the first answer of the instrument.');
   });
 
-  it('tells what the instrument does, and what can be done', async () => {
+  it('shows the state of the instrument, and the possible actions', async () => {
     await open({ Curr_stream: 3 });
     expect(textsOf('h2')).toEqual([
       'Now',
@@ -111,7 +111,7 @@ describe('the run page', () => {
     expect(textsOf('[role=alert]')).toEqual(['']);
   });
 
-  it('has the actions off that the state forbids', async () => {
+  it('disables the actions that the state forbids', async () => {
     await open({ GC_state: 'Error' });
     expect(reasonOf('Start single run…')).toMatch(/^A run starts only from Ready/);
     expect(reasonOf('Start calibration…')).toMatch(/^A run starts only from Ready/);
@@ -122,7 +122,7 @@ describe('the run page', () => {
 });
 
 describe('streams', () => {
-  it('are those of the configuration, the present one chosen', async () => {
+  it('are those of the configuration, with the current one selected', async () => {
     await open({ Curr_stream: 3 });
     expect(optionsOf('On stream')).toEqual(['1', '2', '3', '4']);
     expect(field('On stream').value).toBe('3');
@@ -142,14 +142,14 @@ describe('streams', () => {
     expect(optionsOf('Stream')).toEqual(options);
   });
 
-  it('are the present one only before the configuration is known', async () => {
+  it('are only the current one before the configuration is known', async () => {
     configuration.value = undefined;
     await open({ Curr_stream: 2 });
     expect(optionsOf('Stream')).toEqual(['2']);
     expect(reasonOf('Switch')).toBe('The instrument has no stream selector.');
   });
 
-  it('stay as they were chosen, whatever the valve does', async () => {
+  it('stay selected, whatever the valve does', async () => {
     await open();
     await choose('On stream', '4');
     await setStatus(statusWith({ Curr_stream: 2 }));
@@ -159,7 +159,7 @@ describe('streams', () => {
 });
 
 describe('a single run', () => {
-  it('is asked about, and started on the stream that was chosen', async () => {
+  it('is confirmed, and started on the selected stream', async () => {
     await open();
     await choose('On stream', '3');
     await press('Start single run…');
@@ -174,7 +174,7 @@ describe('a single run', () => {
     ]);
   });
 
-  it('is not started when the answer is no', async () => {
+  it('is not started when it is cancelled', async () => {
     await open();
     await press('Start single run…');
     await press('Cancel');
@@ -193,7 +193,7 @@ describe('a single run', () => {
 });
 
 describe('a calibration', () => {
-  it('is asked about, and started on the stream that was chosen', async () => {
+  it('is confirmed, and started on the selected stream', async () => {
     await open({ Curr_stream: 4 });
     await press('Start calibration…');
     expect(textOf(find('dialog h2'))).toBe('Start a calibration?');
@@ -209,7 +209,7 @@ describe('a calibration', () => {
     ]);
   });
 
-  it('is not started when the answer is no', async () => {
+  it('is not started when it is cancelled', async () => {
     await open();
     await press('Start calibration…');
     await press('Cancel');
@@ -219,7 +219,7 @@ describe('a calibration', () => {
 });
 
 describe('the automation', () => {
-  it('is asked about with the sequence, and started', async () => {
+  it('is confirmed with its sequence, and started', async () => {
     await open();
     await press('Start automation…');
     await settle();
@@ -235,7 +235,7 @@ describe('the automation', () => {
     ]);
   });
 
-  it('is asked about with a word on edits that are not sent', async () => {
+  it('is confirmed with a warning about unsent edits', async () => {
     const words =
       'The sequence has changes here that have not been sent. The automation runs the table that the instrument has:';
     await open();
@@ -249,12 +249,12 @@ describe('the automation', () => {
     await press('Start automation…');
     await settle();
     expect(textsOf('dialog p')).toContain(words);
-    // What is shown is what the instrument has.
+    // The dialog shows the table that the instrument has.
     expect(rowsOf('dialog table')[1]).not.toContain('77');
     sequenceEditor.draft.value = draft;
   });
 
-  it('is not started when the answer is no', async () => {
+  it('is not started when it is cancelled', async () => {
     await open();
     await press('Start automation…');
     await settle();
@@ -285,7 +285,7 @@ describe('the automation', () => {
 });
 
 describe('the valve and the solution', () => {
-  it('switches the stream without asking', async () => {
+  it('switches the stream without a question', async () => {
     await open();
     await choose('Stream', '4');
     expect(await confirm('Switch', { Curr_stream: 4 })).toEqual([
@@ -314,7 +314,7 @@ describe('the valve and the solution', () => {
     ]);
   });
 
-  it('does not load it when the answer is no', async () => {
+  it('does not load it when it is cancelled', async () => {
     await open();
     await press('Load…');
     await press('Cancel');
@@ -327,7 +327,7 @@ describe('the valve and the solution', () => {
     ['Start calibration…', 'Start', 'start-run'],
     ['Start automation…', 'Start', 'start-automation'],
     ['Load…', 'Load', 'solution'],
-  ])('%s cannot be confirmed when something runs', async (ask, yes) => {
+  ])('%s cannot be confirmed while something is running', async (ask, yes) => {
     await open();
     await press(ask);
     await settle();

@@ -45,7 +45,7 @@ describe('a time with a unit', () => {
   );
 });
 
-it('tells what a pass through the table consists of', () => {
+it('lists what a pass through the table consists of', () => {
   const rows = [...sequence.rows!, { Repeat: 0 }, {}, { Repeat: 1, Flush_time: 0 }];
   expect(blocksOf({ ...sequence, rows }, 180, 'min')).toEqual([
     { line: 1, flush: 90, runs: 2, seconds: 360 },
@@ -58,17 +58,17 @@ it('tells what a pass through the table consists of', () => {
 });
 
 describe('the end of a run', () => {
-  it('is its remaining time away', () => {
+  it('is when its remaining time is over', () => {
     expect(endOfRun(running(), time)).toEqual({ kind: 'at', time: after(143) });
     expect(endOfRun(running({ Run_time: 180 }), time)).toEqual({ kind: 'at', time });
   });
 
-  it('is none without a run', () => {
+  it('does not exist without a run', () => {
     expect(endOfRun(statusWith(), time)).toEqual({ kind: 'none' });
     expect(endOfRun(running({ GC_state: 'Flushing' }), time)).toEqual({ kind: 'none' });
   });
 
-  it('is not known if the run time is none, or over', () => {
+  it('is unknown if the run time is zero, or over', () => {
     expect(endOfRun(running({ Total_run_time: 0 }), time)).toMatchObject({ kind: 'unknown' });
     expect(endOfRun(running({ Run_time: 181 }), time)).toMatchObject({ kind: 'unknown' });
   });
@@ -95,7 +95,7 @@ describe('what is left of a sequence', () => {
     });
   });
 
-  it('is nothing in the last run', () => {
+  it('is nothing during the last run', () => {
     const last = running({ Seq_line: 3, Line_replicate: 3 });
     expect(remainingOf(last, sequence)).toEqual({
       runs: 0,
@@ -108,7 +108,7 @@ describe('what is left of a sequence', () => {
     expect(remainingOf(last, { ...sequence, total: 4 })).toMatchObject({ isCut: true });
   });
 
-  it('does not know flush times without a unit, if any is left', () => {
+  it('has unknown flush times without a unit, if any are left', () => {
     expect(remainingOf(running(), sequence)).toMatchObject({ hasUnknownFlush: true, seconds: 720 });
     const last = running({ Seq_line: 3, Line_replicate: 1 });
     expect(remainingOf(last, sequence)).toMatchObject({ hasUnknownFlush: false, seconds: 360 });
@@ -123,11 +123,11 @@ describe('what is left of a sequence', () => {
     [{ Line_replicate: 0 }],
     [{ Seq_replicate: 3 }],
     [{ Seq_replicate: 0 }],
-  ])('is not known if the status is at %j', (changes) => {
+  ])('is unknown if the status is at %j', (changes) => {
     expect(remainingOf(running(changes), sequence)).toBeUndefined();
   });
 
-  it('is not known when the passes are not counted any more', () => {
+  it('is unknown once the passes are no longer counted', () => {
     const often = { ...sequence, Table_repeat: 1200 };
     expect(remainingOf(running({ Seq_replicate: 998 }), often)).toMatchObject({ passes: 202 });
     expect(remainingOf(running({ Seq_replicate: 999 }), often)).toBeUndefined();
@@ -136,7 +136,7 @@ describe('what is left of a sequence', () => {
     ).toMatchObject({ passes: 0 });
   });
 
-  it('takes any numbers', () => {
+  it('accepts any numbers', () => {
     const most = 2147483647;
     const rows = [{ Repeat: most, Flush_time: 0 }];
     const huge = { Table_repeat: 998, total: 1, rows };
@@ -150,7 +150,7 @@ describe('the end of the automation', () => {
   const endOf = (status: Status, table: Sequence | undefined = sequence, unit?: string): unknown =>
     endOfAutomation(status, table, time, unit);
 
-  it('is none while it is idle', () => {
+  it('does not exist while it is idle', () => {
     expect(endOf(statusWith())).toEqual({ kind: 'none' });
   });
 
@@ -161,7 +161,7 @@ describe('the end of the automation', () => {
     });
   });
 
-  it('is not before the runs that are left, with the reasons', () => {
+  it('is not before the remaining runs, with the reasons', () => {
     expect(endOf(running(), sequence, 'min')).toEqual({
       kind: 'not-before',
       time: after(143 + 180 + 30 + 540),
@@ -186,11 +186,11 @@ describe('the end of the automation', () => {
     ['Flushing Stream', { kind: 'not-before', time: after(180) }],
     ['Running Sequence', { kind: 'not-before', time }],
     ['Recalculating', { kind: 'not-before', time }],
-  ])('counts what comes before the run: %s', (Auto_state, end) => {
+  ])('includes what comes before the run: %s', (Auto_state, end) => {
     expect(endOf(running({ ...last, Auto_state }))).toMatchObject(end);
   });
 
-  it('says that a run which takes too long ends nobody knows when', () => {
+  it('is unknown if a run takes too long', () => {
     const late = running({ Seq_line: 3, Line_replicate: 3, Run_time: 200 });
     expect(endOf(late)).toEqual({
       kind: 'not-before',
@@ -203,7 +203,7 @@ describe('the end of the automation', () => {
     expect(endOf(running(), { ...sequence, Continuous: true })).toEqual({ kind: 'never' });
   });
 
-  it('is not known without a sequence that fits', () => {
+  it('is unknown without a matching sequence', () => {
     expect(endOf(running(), { Table_repeat: 1, total: 0 })).toMatchObject({ kind: 'unknown' });
     expect(endOfAutomation(running(), undefined, time)).toEqual({
       kind: 'unknown',
@@ -211,7 +211,7 @@ describe('the end of the automation', () => {
     });
   });
 
-  it('is that of a run that was started alone', () => {
+  it('is the end of the run if that was started alone', () => {
     const alone = { Seq_line: 0, Line_replicate: 0, Seq_replicate: 0 };
     expect(endOf(running({ ...alone, Auto_state: 'Running - Single Run' }))).toEqual({
       kind: 'at',

@@ -27,7 +27,7 @@ function keywordsOf(schema: Record<string, unknown>): string[] {
 }
 
 describe('schema', () => {
-  it.each(names)('%s: its keywords are those that are looked at', (name) => {
+  it.each(names)('%s: all its keywords are supported', (name) => {
     const annotations = ['$schema', 'title', 'description', 'additionalProperties'];
     const known = [
       '$ref',
@@ -46,12 +46,12 @@ describe('schema', () => {
     expect(JSON.stringify(schemas[name])).not.toContain('"additionalProperties":false');
   });
 
-  it.each(names)('%s: the example is good', (name) => {
+  it.each(names)('%s: the example is valid', (name) => {
     expect(check(name, load(`docs/schemas/examples/${name}.json`))).toEqual([]);
   });
 
   it.each(['everyday', 'four-channel', 'bare'])(
-    'the documents of %s are good files',
+    'the documents of %s are valid files',
     (scenario) => {
       const documents = 'tests/system/documents';
       expect(check('sequence-file', load(`${documents}/sequence/${scenario}.json`))).toEqual([]);
@@ -96,7 +96,7 @@ describe('schema', () => {
   });
 });
 
-describe('a schema of its own', () => {
+describe('a schema', () => {
   const told = (value: unknown, schema: Schema): string[] =>
     problemsOf(value, schema, schema).map(({ path, text }) => `${path} ${text}`);
 
@@ -129,19 +129,19 @@ describe('a schema of its own', () => {
     expect(told(value, { type: 'integer', minimum: 1, maximum: 3 })).toEqual(problems);
   });
 
-  it('with one bound has no other', () => {
+  it('may have only one bound', () => {
     expect(told(-1e300, { maximum: 3 })).toEqual([]);
     expect(told(1e300, { minimum: 3 })).toEqual([]);
   });
 
-  it('takes one of several, and else tells what the first one wants', () => {
+  it('accepts one of several, or else reports what the first one requires', () => {
     const anyOf = [{ type: 'number' }, { enum: ['-'] }];
     expect(told(5, { anyOf })).toEqual([]);
     expect(told('-', { anyOf })).toEqual([]);
     expect(told('x', { anyOf })).toEqual([' must be a number']);
   });
 
-  it('looks into lists and objects only as far as it says something of them', () => {
+  it('checks lists and objects only as far as it describes them', () => {
     expect(told([1, 'x'], { type: 'array' })).toEqual([]);
     expect(told([1, 'x'], { items: { type: 'integer' } })).toEqual(['/1 must be a whole number']);
     const schema = { required: ['a'], properties: { b: { type: 'string' } } };
@@ -153,7 +153,7 @@ describe('a schema of its own', () => {
     }
   });
 
-  it('must be there', () => {
+  it('must exist', () => {
     const root = { definitions: { one: { type: 'string' } } };
     expect(schemaAt(root, '#/definitions/one')).toEqual({ type: 'string' });
     expect(schemaAt(root, '#')).toBe(root);

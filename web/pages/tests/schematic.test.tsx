@@ -23,13 +23,13 @@ const model = (
   changes: Partial<Status> = {},
   known: Configuration | undefined = undefined,
 ): Model => schematicOf(statusWith(changes), known ?? exampleConfiguration);
-/** As a person reads it. */
+/** The parts as a user reads them. */
 const textsOfPart = ({ name, readings }: Part): string =>
   [name, ...readings.flatMap(({ value, state, level }) => [value, state, level])]
     .filter(Boolean)
     .join(' ');
 
-describe('the way of the gas', () => {
+describe('the gas flow', () => {
   it('leads from the valve to the detectors', () => {
     const { inlet, branches, remarks } = model();
     expect(inlet.map(textsOfPart)).toEqual([
@@ -54,12 +54,12 @@ describe('the way of the gas', () => {
     [{ Curr_stream: 0 }, {}, 'Stream 0 of 4 good'],
     [{ Curr_stream: -1 }, {}, 'Stream -1 the selector has 4 off'],
     [{ Curr_stream: 9 }, { Stream_configured: false }, 'Stream 9 no stream selector none'],
-  ])('tells where the valve is: %j, %j', (status, known, text) => {
+  ])('shows the position of the valve: %j, %j', (status, known, text) => {
     const [valve] = model(status, configurationWith(known)).inlet;
     expect(textsOfPart(valve!)).toBe(`Stream valve ${text}`);
   });
 
-  it('says what cannot be known without the configuration', () => {
+  it('says what is unknown without the configuration', () => {
     const { inlet, branches, remarks } = schematicOf(statusWith(), undefined);
     expect(textsOfPart(inlet[0]!)).toBe('Stream valve Stream 1 streams not known yet none');
     expect(branches.map(({ note, isDisabled }) => [note, isDisabled])).toEqual([
@@ -75,11 +75,11 @@ describe('the way of the gas', () => {
     [{ Setpoint: '-', Actual: 64 }, '64.00 no setpoint none'],
     [{ Setpoint: 65, Actual: '-' }, 'not available none'],
     [none, 'not heated none'],
-  ] as const)('tells of a sample line %j', (Sample_line_temp, text) => {
+  ] as const)('shows a sample line %j', (Sample_line_temp, text) => {
     expect(textsOfPart(model({ Sample_line_temp }).inlet[1]!)).toBe(`Sample line ${text}`);
   });
 
-  it('tells what is not well, with colour only for that', () => {
+  it('reports what is not as it should be, and marks only that', () => {
     const Channel1 = channelWith({
       Injector_temp: { Setpoint: 70, Actual: 60 },
       Column_press: none,
@@ -92,7 +92,7 @@ describe('the way of the gas', () => {
     ]);
   });
 
-  it('is quiet about a channel that is disabled', () => {
+  it('marks nothing in a disabled channel', () => {
     const Channel1 = channelWith({ TCD: { Auto_zero: 0, State: 'Off', Calibrated: 'X' } });
     const disabled = { ...exampleConfiguration.Channel1, Disabled: true, Gas: 'Unknown' as const };
     const [branch] = model({ Channel1 }, configurationWith({ Channel1: disabled })).branches;
@@ -103,7 +103,7 @@ describe('the way of the gas', () => {
     expect(textsOfPart(branch!.parts[2]!)).toBe('Detector off none not calibrated none');
   });
 
-  it('tells of channels of which the status tells nothing', () => {
+  it('says which channels are missing from the status', () => {
     const status = statusWith();
     delete status.Channel2;
     expect(schematicOf(status, exampleConfiguration).remarks).toEqual([
@@ -117,11 +117,11 @@ describe('the way of the gas', () => {
   });
 });
 
-describe('its drawing', () => {
+describe('the drawing', () => {
   beforeEach(async () => void (await arrange()));
   afterEach(clear);
 
-  it('is a list for who hears it', async () => {
+  it('is a list for screen readers', async () => {
     await show(<Schematic status={statusWith()} />);
     expect(textsOf('ol[aria-label="All channels"] > li')).toEqual([
       'Stream valveStream 1 of 4',
@@ -142,7 +142,7 @@ describe('its drawing', () => {
     expect(document.querySelectorAll('.off, .disabled, .none')).toHaveLength(0);
   });
 
-  it('marks what is not well', async () => {
+  it('marks what is not as it should be', async () => {
     const TCD = { Auto_zero: 0, State: 'Off', Calibrated: 'OK' } as const;
     await show(<Schematic status={statusWith({ Channel1: channelWith({ TCD }) })} />);
     expect(textsOf('.part.off .name')).toEqual(['Detector']);
@@ -164,7 +164,7 @@ describe('its drawing', () => {
     expect(textOf(find('.inlet .part'))).toBe('Stream valveStream 1 of 4');
   });
 
-  it('has a valve that stands on its stream', async () => {
+  it('has a valve that points to its stream', async () => {
     const hands = (): string[] =>
       [...document.querySelectorAll('.symbol .strong')].map((path) => path.getAttribute('d')!);
     await show(<Schematic status={statusWith()} />);

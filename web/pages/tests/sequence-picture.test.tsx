@@ -85,7 +85,7 @@ afterEach(async () => {
 });
 
 describe('the sequence over time', () => {
-  it('has each line with its runs, and how long it takes', async () => {
+  it('shows each line with its runs and its duration', async () => {
     await open();
     expect(captions()).toEqual(['One pass through the table']);
     expect(labels()).toHaveLength(3);
@@ -108,7 +108,7 @@ describe('the sequence over time', () => {
     expect(notes()).toMatch(/^The unit of the flush times is not known: .* Thin: flushing/);
   });
 
-  it('counts the flushing where its unit is named', async () => {
+  it('includes the flushing if its unit is named', async () => {
     await open();
     await act(() => {
       configuration.value = { ...exampleConfiguration, units: { flush_time: 'min' } };
@@ -119,7 +119,7 @@ describe('the sequence over time', () => {
     expect(notes()).toMatch(/^Thin: flushing/);
   });
 
-  it('follows what is typed', async () => {
+  it('follows typing', async () => {
     await open();
     await type(1, 'Repeat', '6');
     expect(fact('One pass')).toBe('11 runs, 33 min 00 s plus flushing');
@@ -134,7 +134,7 @@ describe('the sequence over time', () => {
     expect(fact('Whole table')).toBe('no end: after the last line it starts again');
   });
 
-  it('is there when nothing would be run, or nothing is known', async () => {
+  it('is shown when there is nothing to run, or nothing is known', async () => {
     await open({ ...everyday, rows: [{ ...everyday.rows![0]!, Repeat: 0 }] });
     expect(labels()).toEqual([]);
     expect(find('svg').getAttribute('role')).toBe('img');
@@ -150,7 +150,7 @@ describe('the sequence over time', () => {
     expect(textsOf('section')).toEqual([]);
   });
 
-  it('draws runs as one where they are too many to be told apart', async () => {
+  it('draws runs as one when they are too many to be told apart', async () => {
     await open();
     await type(1, 'Repeat', '999');
     expect(lineOf(2).querySelectorAll('.run')).toHaveLength(1);
@@ -158,7 +158,7 @@ describe('the sequence over time', () => {
     expect(textsOf('.line-name')).toEqual(['', '2 Analysis, stream 1', '']);
   });
 
-  it('marks the line of the cursor, and leads to its cells', async () => {
+  it('marks the focused line, and leads to its cells', async () => {
     await open(everyday, 1);
     expect([...document.querySelectorAll('.focused')]).toEqual([lineOf(2)]);
     expect(lineOf(2).getAttribute('aria-current')).toBe('true');
@@ -179,7 +179,7 @@ describe('the sequence over time', () => {
 });
 
 describe('during an automation', () => {
-  it('the bar shows where it stands', async () => {
+  it('the bar shows its position', async () => {
     await open();
     await running();
     expect(fact('Automation now')).toBe('line 2, run 3, pass 1');
@@ -193,7 +193,7 @@ describe('during an automation', () => {
     expect(captions()).toEqual(['One pass through the table']);
   });
 
-  it('does not show it while nobody knows', async () => {
+  it('the bar does not show a position that is unknown', async () => {
     await open();
     await running();
     await onInstrument(everyday);
@@ -215,7 +215,7 @@ describe('during an automation', () => {
     );
   });
 
-  it('a table that is edited is not the one that runs', async () => {
+  it('the edited table is shown apart from the one that is running', async () => {
     await open();
     await running();
     await onInstrument(everyday);
@@ -235,7 +235,7 @@ describe('during an automation', () => {
     expect(captions()).toEqual(['One pass through the table']);
   });
 
-  it('says that the instrument has more lines than it tells', async () => {
+  it('a note says that the instrument has more lines than it reports', async () => {
     await open();
     await running();
     await onInstrument({ ...everyday, total: 25 });

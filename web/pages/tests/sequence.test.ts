@@ -24,8 +24,8 @@ afterEach(async () => {
   await clear();
 });
 
-describe('the sequence of the instrument', () => {
-  it('is asked for when an automation begins, and once', async () => {
+describe('the instrument’s sequence', () => {
+  it('is requested once when an automation begins', async () => {
     stop = watchSequence();
     await settle();
     expect(asked()).toBe(0);
@@ -47,7 +47,7 @@ describe('the sequence of the instrument', () => {
     expect(asked()).toBe(2);
   });
 
-  it('is asked for again when the instrument comes back, and of another one', async () => {
+  it('is requested again when the instrument comes back, and for another one', async () => {
     await setStatus(underWay);
     stop = watchSequence();
     await settle();
@@ -64,7 +64,7 @@ describe('the sequence of the instrument', () => {
     expect(sequence.value).toBeUndefined();
   });
 
-  it('is asked for every minute as long as it is not to be had', async () => {
+  it('is requested every minute while it cannot be read', async () => {
     vi.useFakeTimers();
     gateway.answer('/api/sequence', {}, 503);
     await setStatus(underWay);
@@ -81,7 +81,7 @@ describe('the sequence of the instrument', () => {
     expect(asked()).toBe(3);
   });
 
-  it('is none when the automation has ended, whatever is still answered', async () => {
+  it('is dropped when the automation has ended, whatever is still answered', async () => {
     const answer = gateway.hold('/api/sequence');
     await setStatus(underWay);
     stop = watchSequence();
@@ -91,7 +91,7 @@ describe('the sequence of the instrument', () => {
     expect(sequence.value).toBeUndefined();
   });
 
-  it('is not asked for in vain when the automation has ended', async () => {
+  it('is not requested after the automation has ended', async () => {
     vi.useFakeTimers();
     gateway.answer('/api/sequence', {}, 503);
     await setStatus(underWay);
@@ -102,7 +102,7 @@ describe('the sequence of the instrument', () => {
     expect(asked()).toBe(1);
   });
 
-  it('is the one that was asked for last, and none if that one was not to be had', async () => {
+  it('is the one requested last, or none if that one could not be read', async () => {
     const answer = gateway.hold('/api/sequence');
     const first = loadSequence();
     gateway.answer('/api/sequence', { ...example, Table_repeat: 7 });

@@ -27,7 +27,7 @@ describe('state texts', () => {
     expect(gcStateOf(statusWith({ GC_state: text }))).toBe(state);
   });
 
-  it('knows every text of the schema', () => {
+  it('include every text of the schema', () => {
     const schema = load<{ properties: { GC_state: { anyOf: [{ enum: string[] }] } } }>(
       'docs/schemas/status.schema.json',
     );
@@ -55,13 +55,13 @@ describe('state texts', () => {
     expect(isRunning(statusWith({ GC_state: gc, Auto_state: automation }))).toBe(expected);
   });
 
-  it('tells a simulated instrument by its application', () => {
+  it('identify a simulated instrument by its application', () => {
     expect(isSimulated(statusWith())).toBe(true);
     expect(isSimulated(statusWith({ Application: 'Natural gas' }))).toBe(false);
   });
 });
 
-describe('what is shown of a state', () => {
+describe('the text shown for a state', () => {
   it.each([
     ['Flushing Stream 0s', 'Flushing Stream'],
     ['Cleaning 0 min', 'Cleaning'],
@@ -75,7 +75,7 @@ describe('what is shown of a state', () => {
   });
 });
 
-describe('which action is allowed', () => {
+describe('the actions allowed', () => {
   const allowed = (gc: string, automation: string): string[] =>
     actions.filter(
       (one) => reasonAgainst(one, statusWith({ GC_state: gc, Auto_state: automation })) === '',
@@ -101,7 +101,7 @@ describe('which action is allowed', () => {
     expect(allowed(gc, automation)).toEqual(expected);
   });
 
-  it('says why not', () => {
+  it('have a reason otherwise', () => {
     expect(reasonAgainst('start-run', statusWith({ GC_state: 'Stabilizing' }))).toBe(
       'A run starts only from Ready. The state is: Stabilizing.',
     );
@@ -124,7 +124,7 @@ describe('which action is allowed', () => {
 });
 
 describe('another instrument', () => {
-  it('is told by its application and its channels, and by nothing that a run changes', () => {
+  it('is recognized by its application and its channels, and by nothing that a run changes', () => {
     const before = statusWith();
     expect(isOtherInstrument(before, statusWith({ Run_time: 3, Curr_stream: 2 }))).toBe(false);
     expect(isOtherInstrument(before, statusWith({ Application: 'Air' }))).toBe(true);

@@ -11,19 +11,19 @@ import {
 } from '../src/sticks';
 
 describe('the scale of amounts', () => {
-  it('is the usual one for what is usual, so that it stays', () => {
+  it('is the same for all usual amounts', () => {
     const usual = { low: -2, high: 2 };
     expect(decadesOf([])).toEqual(usual);
     expect(decadesOf([0, undefined, 100, 0.01, 5])).toEqual(usual);
   });
 
-  it('holds all there is', () => {
+  it('includes all amounts', () => {
     expect(decadesOf([0.0005, 250])).toEqual({ low: -4, high: 3 });
     expect(decadesOf([0.001])).toEqual({ low: -3, high: 2 });
     expect(decadesOf([1000])).toEqual({ low: -2, high: 3 });
   });
 
-  it('has a place of its own for zero, and room for the least there is', () => {
+  it('keeps zero apart, and has room for the smallest amount', () => {
     const scale = { low: -2, high: 2 };
     expect(heightOf(0, scale)).toBe(0);
     expect(heightOf(0.01, scale)).toBeCloseTo(zeroGap);
@@ -31,7 +31,7 @@ describe('the scale of amounts', () => {
     expect(heightOf(100, scale)).toBeCloseTo(1);
   });
 
-  it('has a mark for every decade, or for some of many', () => {
+  it('has a mark for every decade, or for some of them if there are many', () => {
     expect(marksOf({ low: -2, high: 2 })).toEqual([0.01, 0.1, 1, 10, 100]);
     expect(marksOf({ low: -4, high: 2 })).toHaveLength(7);
     expect(marksOf({ low: -5, high: 2 })).toEqual([0.00001, 0.001, 0.1, 10]);
@@ -52,7 +52,7 @@ describe('the axis of retention times', () => {
     expect(timeAxisOf([51], 5).marks).toEqual([0, 20, 40, 60]);
   });
 
-  it('is there for nothing, for a single time at zero, and for what is below it', () => {
+  it('exists for no time, for a single time at zero, and for times below it', () => {
     expect(timeAxisOf([], 5)).toMatchObject({ begin: 0, end: 1 });
     expect(timeAxisOf([0], 5)).toMatchObject({ begin: 0, end: 1 });
     expect(timeAxisOf([1e-300], 5)).toMatchObject({ begin: 0, end: 1 });
@@ -69,16 +69,16 @@ describe('names', () => {
       room,
     );
 
-  it('stand where they belong when there is room', () => {
+  it('stand where they belong if there is room', () => {
     expect(place(20, 40, 90)).toEqual([20, 40, 90]);
     expect(place()).toEqual([]);
   });
 
-  it('move apart, to both sides alike', () => {
+  it('move apart equally to both sides', () => {
     expect(place(50, 52)).toEqual([46, 56]);
     expect(place(50, 50, 50)).toEqual([40, 50, 60]);
     expect(place(20, 50, 51, 80)).toEqual([20, 45.5, 55.5, 80]);
-    // Those that are moved may meet others.
+    // Names that are moved may meet others.
     expect(place(40, 51, 52)).toEqual([37.666666666666664, 47.666666666666664, 57.666666666666664]);
   });
 
@@ -87,11 +87,11 @@ describe('names', () => {
     expect(place(99, 100)).toEqual([90, 100]);
   });
 
-  it('keep the order in which they come, whatever it is in the table', () => {
+  it('keep the order in time, whatever their order in the table', () => {
     expect(place(52, 50)).toEqual([56, 46]);
   });
 
-  it('are left out where they would be too far away, the least first', () => {
+  it('are left out where they would be too far away, starting with the smallest amount', () => {
     const wishes = Array.from({ length: 9 }, (_, n) => ({ at: 50, weight: n }));
     const places = placeNames(wishes, room);
     expect(places.slice(0, 2)).toEqual([undefined, undefined]);
@@ -100,7 +100,7 @@ describe('names', () => {
     expect(placeNames(first, room)[0]).toBe(20);
   });
 
-  it('are left out where there is no room at all', () => {
+  it('are left out if there is no room at all', () => {
     const narrow = { distance: 10, from: 0, to: 25, farthest: 1000 };
     const wishes = [1, 2, 3, 4].map((weight) => ({ at: weight, weight }));
     expect(placeNames(wishes, narrow)).toEqual([undefined, 0, 10, 20]);
@@ -122,7 +122,7 @@ describe('names', () => {
     });
   });
 
-  it('are cut where they are too long', () => {
+  it('are shortened if they are too long', () => {
     expect(shortened('Methane', 7)).toBe('Methane');
     expect(shortened('Methane', 6)).toBe('Metha…');
     expect(shortened('Carbon dioxide', 8)).toBe('Carbon…');

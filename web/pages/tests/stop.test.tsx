@@ -55,7 +55,7 @@ describe('an abort', () => {
     expect(said()).toEqual({ kind: 'waiting', text: 'Abort now: accepted.' });
   });
 
-  it('is there when nothing seems to be running, and says so', async () => {
+  it('is possible when nothing seems to be running, and says so', async () => {
     await show(<Header />);
     expect(reasonOf('Abort now…')).toBe('');
     await press('Abort now…');
@@ -67,7 +67,7 @@ describe('an abort', () => {
     expect(aborts()).toEqual([['POST', { when: 'now' }]]);
   });
 
-  it('is there when the state is not known, and says since when', async () => {
+  it('is possible when the state is unknown, and says since when', async () => {
     await setStatus(running);
     await setAge(60);
     await show(<Header />);
@@ -80,7 +80,7 @@ describe('an abort', () => {
     expect(aborts()).toHaveLength(1);
   });
 
-  it('is there before the first answer', async () => {
+  it('is possible before the first answer', async () => {
     await setStatus(undefined);
     statusTime.value = 0;
     await show(<Header />);
@@ -117,7 +117,7 @@ describe('an abort', () => {
 });
 
 describe('a stop after the run', () => {
-  it('is off when the automation is known to be idle', async () => {
+  it('is disabled when the automation is known to be idle', async () => {
     await show(<Header />);
     const reason = 'The automation is not under way.';
     expect(reasonOf('Stop after this run')).toBe(reason);
@@ -137,7 +137,7 @@ describe('a stop after the run', () => {
     expect(said()).toEqual({ kind: 'waiting', text: 'Stop after this run: accepted.' });
   });
 
-  it('asks where it ends everything at once', async () => {
+  it('asks if it would end everything at once', async () => {
     await setStatus(flushing);
     await show(<Header />);
     await press('Stop after this run');
@@ -151,7 +151,7 @@ describe('a stop after the run', () => {
     expect(aborts()).toEqual([['POST', { when: 'after-run' }]]);
   });
 
-  it('asks where nobody knows whether there is a run', async () => {
+  it('asks if it is unknown whether there is a run', async () => {
     await setStatus(running);
     await setAge(60);
     await show(<Header />);
@@ -174,7 +174,7 @@ describe('a stop after the run', () => {
   });
 });
 
-describe('what was stopped', () => {
+describe('the notice about a stop', () => {
   it.each([
     ['Abort now…', 'Running 5s', 'Idle', /^Abort now: accepted\. Waiting for/],
     ['Abort now…', 'Ready', 'Idle', /^Abort now: the run was aborted at 5 s\.$/],

@@ -8,7 +8,7 @@ type Store = typeof import('../src/store');
 const unknownState = 'The state of the instrument is not known: there is no recent answer.';
 const running = statusWith({ GC_state: 'Running 1s', Auto_state: 'Running - Single Run' });
 
-/** A window as far as the store needs one. */
+/** The parts of a window that the store needs. */
 class Page extends EventTarget {
   hidden = false;
   readonly kept = new Map<string, string>();
@@ -18,13 +18,13 @@ let page: Page;
 let gateway: Gateway;
 let store: Store;
 
-/** What is said of the latest command, without when. */
+/** What is said of the latest command, without the time. */
 function said(): { kind: string; text: string } | undefined {
   const latest = store.notice.value;
   return latest && { kind: latest.kind, text: latest.text };
 }
 
-/** Lets milliseconds pass, and everything happen that happens in them. */
+/** Lets milliseconds pass, with everything that happens in them. */
 const pass = (milliseconds: number): Promise<unknown> => vi.advanceTimersByTimeAsync(milliseconds);
 const asked = (path = '/api/status'): number => gateway.of(path).length;
 
@@ -48,15 +48,15 @@ beforeEach(async () => {
 });
 
 afterEach(async () => {
-  // The last requests are answered, and no more are made.
+  // The last requests are answered, and no others are made.
   page.hidden = true;
   await pass(0);
   vi.unstubAllGlobals();
   vi.useRealTimers();
 });
 
-describe('asking', () => {
-  it('begins at once, and shows the status and the configuration', async () => {
+describe('requests for the status', () => {
+  it('begin at once, and show the status and the configuration', async () => {
     store.start();
     await pass(0);
     expect(store.status.value).toEqual(statusWith());
@@ -65,7 +65,7 @@ describe('asking', () => {
     expect(asked('/api/config')).toBe(1);
   });
 
-  it('goes on every 5 s, every second in a run', async () => {
+  it('are made every 5 s, or every second in a run', async () => {
     store.start();
     await pass(0);
     await pass(4999);
@@ -85,7 +85,7 @@ describe('asking', () => {
     expect(store.ageSeconds.value).toBe(2);
   });
 
-  it('goes on every 10 s while the page is hidden, and at once when it is shown again', async () => {
+  it('are made every 10 s while the page is hidden, and at once when it is shown again', async () => {
     store.start();
     await pass(0);
     page.hidden = true;
@@ -103,7 +103,7 @@ describe('asking', () => {
     expect(asked()).toBe(6);
   });
 
-  it('begins in a page that is opened unseen', async () => {
+  it('begin in a page that is opened hidden', async () => {
     page.hidden = true;
     store.start();
     await pass(0);
@@ -112,7 +112,7 @@ describe('asking', () => {
     expect(asked()).toBe(2);
   });
 
-  it('gives a status the time that the gateway may take', async () => {
+  it('allow the time that the gateway may take', async () => {
     const timeout = vi.spyOn(AbortSignal, 'timeout');
     store.start();
     await pass(0);
@@ -120,7 +120,7 @@ describe('asking', () => {
     timeout.mockRestore();
   });
 
-  it('keeps the last values when there is no answer, and says why', async () => {
+  it('keep the last values when there is no answer, and say why', async () => {
     store.start();
     await pass(0);
     gateway.answer('/api/status', { ErrorCode: 10053, Msg: 'Unable to connect to GC!' }, 503);
@@ -135,7 +135,7 @@ describe('asking', () => {
   });
 });
 
-describe('age', () => {
+describe('the age of the status', () => {
   it('grows each second, and is infinite before the first answer', async () => {
     expect(store.ageSeconds.value).toBe(Infinity);
     expect(store.isStale.value).toBe(true);
@@ -151,7 +151,7 @@ describe('age', () => {
     expect(store.ageSeconds.value).toBe(3);
   });
 
-  it('is never negative when the clock is put back', async () => {
+  it('is never negative when the clock is set back', async () => {
     store.start();
     await pass(0);
     store.now.value = store.statusTime.value - 5000;
@@ -170,8 +170,8 @@ describe('age', () => {
     expect(store.reasonNotTo('stream')).toBe(unknownState);
   });
 
-  it('makes them stale after three answers that were none, and tells since when', async () => {
-    // A slow answer allows for slow ones, but not for three that say that there is none.
+  it('makes the values stale after three failed requests, and says since when', async () => {
+    // A slow answer leaves time for slow ones, but not for three failures.
     const answer = gateway.hold('/api/status');
     store.start();
     await pass(20_000);
@@ -191,7 +191,7 @@ describe('age', () => {
     expect(store.lostSince.value).toBeUndefined();
   });
 
-  it('is of nothing before there was an answer', async () => {
+  it('gives no time of loss before the first answer', async () => {
     gateway.answer('/api/status', {}, 503);
     store.start();
     await pass(30_000);
@@ -199,7 +199,7 @@ describe('age', () => {
     expect(store.lostSince.value).toBeUndefined();
   });
 
-  it('makes them stale after three seconds in a run', async () => {
+  it('makes the values stale after three seconds in a run', async () => {
     gateway.answer('/api/status', running);
     store.start();
     await pass(0);
@@ -210,7 +210,7 @@ describe('age', () => {
     expect(store.isStale.value).toBe(true);
   });
 
-  it('makes them stale when nothing at all is answered in three seconds more', async () => {
+  it('makes the values stale when there is no answer for another three seconds', async () => {
     gateway.answer('/api/status', running);
     store.start();
     await pass(0);
@@ -221,7 +221,7 @@ describe('age', () => {
     expect(store.isStale.value).toBe(true);
   });
 
-  it('allows for the slowest of the last four answers', async () => {
+  it('leaves time for the slowest of the last four answers', async () => {
     gateway.answer('/api/status', running);
     const answer = gateway.hold('/api/status');
     store.start();
@@ -229,7 +229,7 @@ describe('age', () => {
     answer(running);
     gateway.answer('/api/status', running);
     await pass(0);
-    // The slow one, and three quick ones.
+    // The slow answer, and three quick ones.
     await pass(2000);
     expect(asked()).toBe(4);
     const late = gateway.hold('/api/status');
@@ -257,8 +257,8 @@ describe('age', () => {
   });
 });
 
-describe('configuration', () => {
-  it('is asked for again after the instrument was away', async () => {
+describe('the configuration', () => {
+  it('is requested again after the instrument was away', async () => {
     store.start();
     await pass(0);
     gateway.lose('/api/status');
@@ -271,7 +271,7 @@ describe('configuration', () => {
     expect(asked('/api/config')).toBe(2);
   });
 
-  it('is asked for with each status until there is one', async () => {
+  it('is requested with each status until it has been read', async () => {
     gateway.answer('/api/config', {}, 503);
     store.start();
     await pass(0);
@@ -281,7 +281,7 @@ describe('configuration', () => {
     expect(store.configuration.value).toBeUndefined();
   });
 
-  it('of another instrument is not that of the one before', async () => {
+  it('of the previous instrument is dropped', async () => {
     store.start();
     await pass(0);
     gateway.lose('/api/config');
@@ -291,7 +291,7 @@ describe('configuration', () => {
     expect(asked('/api/config')).toBe(2);
   });
 
-  it('is one request for all who ask meanwhile, and tells what went wrong', async () => {
+  it('is requested once for all callers meanwhile, and reports faults', async () => {
     const answer = gateway.hold('/api/config');
     const both = [store.loadConfiguration(), store.loadConfiguration()];
     answer({ ErrorCode: 10053, Msg: 'Unable to connect to GC!' }, 503);
@@ -304,7 +304,7 @@ describe('configuration', () => {
     expect(store.configuration.value?.Inst_serial).toBe(120033);
   });
 
-  it('is no other document', async () => {
+  it('is not read from any other document', async () => {
     gateway.answer('/api/config', statusWith());
     expect((await store.loadConfiguration())?.text).toBe('The answer is not what was requested.');
   });
@@ -320,7 +320,7 @@ describe('a fault', () => {
     expect(store.describeFault({ status: 409, text: 'Refused.', detail })).toBe(text);
   });
 
-  it('of a peak says which it was', () => {
+  it('names the peak, if there is one', () => {
     store.status.value = statusWith();
     const detail = 'Refused: Unable to set new level for chan[2] peak[13] (error 207)';
     expect(store.describeFault({ status: 409, text: 'Refused.', detail, code: 207 })).toBe(
@@ -335,7 +335,7 @@ describe('a fault', () => {
 describe('actions', () => {
   const busy = 'Another command is being sent.';
 
-  it('wait for the first answer, but for what stops and what resets', async () => {
+  it('wait for the first answer, unless they stop or reset', async () => {
     expect(store.reasonNotTo('stream')).toBe(unknownState);
     expect(store.reasonNotTo('alarm-reset')).toBe('');
     expect(store.reasonNotTo('abort-now')).toBe('');
@@ -347,7 +347,7 @@ describe('actions', () => {
     expect(store.reasonNotTo('abort-after-run')).toBe('The automation is not under way.');
   });
 
-  it('that stop never go off for want of a recent answer', async () => {
+  it('that stop are never disabled for lack of a recent answer', async () => {
     store.start();
     await pass(0);
     gateway.lose('/api/status');
@@ -358,7 +358,7 @@ describe('actions', () => {
     expect(store.reasonNotTo('alarm-reset')).toBe('');
   });
 
-  it('wait for a command that is being sent, but for what stops', async () => {
+  it('wait for a command that is being sent, unless they stop', async () => {
     gateway.answer('/api/status', running);
     store.start();
     await pass(0);
@@ -382,7 +382,7 @@ describe('actions', () => {
     expect(store.reasonNotTo('alarm-reset')).toBe('');
   });
 
-  it('that stop are there from the moment a start is sent, whatever the status says', async () => {
+  it('that stop are possible from the moment a start is sent, whatever the status says', async () => {
     store.start();
     await pass(0);
     expect(store.reasonNotTo('abort-after-run')).not.toBe('');
@@ -415,7 +415,7 @@ describe('a command', () => {
     await pass(0);
   });
 
-  it('is sent, and its answer said', async () => {
+  it('is sent, and its answer is reported', async () => {
     const answer = gateway.hold('/api/command/alarm-reset');
     const sent = store.command('Reset', reset);
     expect(said()).toEqual({ kind: 'waiting', text: 'Reset: being sent.' });
@@ -430,14 +430,14 @@ describe('a command', () => {
     expect(asked()).toBe(3);
   });
 
-  it('with a text for its body sends that text', async () => {
+  it('sends a text as its body unchanged', async () => {
     await store.command('Sequence', { method: 'PUT', path: 'sequence', body: '{"total": 0}' });
     expect(gateway.of('/api/command/sequence')).toEqual([
       { method: 'PUT', path: '/api/command/sequence', body: { total: 0 } },
     ]);
   });
 
-  it('that was refused says why', async () => {
+  it('that was refused is reported with the reason', async () => {
     gateway.answer('/api/command/alarm-reset', { ErrorCode: 207, Msg: 'Refused' }, 409);
     const answer = await store.command('Reset', reset, () => follow);
     expect(answer.ok).toBe(false);
@@ -464,7 +464,7 @@ describe('a command', () => {
     expect(store.notice.value?.text).toBe('Reset: accepted.');
   });
 
-  it('asks for the status each second until it is answered', async () => {
+  it('requests the status every second until it is answered', async () => {
     gateway.hold('/api/command/alarm-reset');
     void store.command('Reset', reset);
     await pass(0);
@@ -495,7 +495,7 @@ describe('a command', () => {
     expect(store.notice.value?.kind).toBe('good');
   });
 
-  it('is followed from the status that was there before it', async () => {
+  it('is followed from the status before it', async () => {
     const seen: unknown[] = [];
     await store.command('Run', reset, (before) => {
       seen.push(before);
@@ -504,7 +504,7 @@ describe('a command', () => {
     expect(seen).toEqual([statusWith()]);
   });
 
-  it('that has no effect in time is said to have none', async () => {
+  it('without an effect in time is reported as such', async () => {
     await store.command('Run', reset, () => follow);
     await pass(10_000);
     expect(store.notice.value?.kind).toBe('waiting');
@@ -516,7 +516,7 @@ describe('a command', () => {
     await pass(0);
   });
 
-  it('has its time to the hundredth of a second, answered or not', async () => {
+  it('has its limit to the hundredth of a second, answered or not', async () => {
     await store.command('Run', reset, () => ({ ...follow, limitSeconds: 9.995 }));
     await pass(9000);
     expect(store.notice.value?.kind).toBe('waiting');
@@ -528,7 +528,7 @@ describe('a command', () => {
     expect(store.notice.value?.kind).toBe('waiting');
   });
 
-  it('that ends in an error is said to have failed', async () => {
+  it('that ends in an error is reported as failed', async () => {
     await store.command('Run', reset, () => follow);
     const broken = { GC_state: 'Error', Error_code: 502, Error_str: 'Bridge out of balance' };
     gateway.answer('/api/status', statusWith(broken));
@@ -539,7 +539,7 @@ describe('a command', () => {
     });
   });
 
-  it('is followed on after answers were missing', async () => {
+  it('is still followed after missing answers', async () => {
     await store.command('Run', reset, () => follow);
     gateway.lose('/api/status');
     await pass(2000);
@@ -557,7 +557,7 @@ describe('a command', () => {
     expect(store.notice.value?.kind).toBe('good');
   });
 
-  it('says nothing more when another one was given after it', async () => {
+  it('reports nothing more once another one was given', async () => {
     const first = gateway.hold('/api/command/alarm-reset');
     void store.command('Reset', reset, () => follow);
     gateway.hold('/api/command/abort');
@@ -580,7 +580,7 @@ describe('a command', () => {
     expect(store.notice.value?.text).toBe('Abort: accepted.');
   });
 
-  it('ends the following of the one before', async () => {
+  it('ends the following of the previous one', async () => {
     await store.command('Run', reset, () => follow);
     gateway.hold('/api/command/abort');
     void store.command('Abort', { method: 'POST', path: 'abort', body: {} });
@@ -591,18 +591,18 @@ describe('a command', () => {
 });
 
 describe('a command before the first status', () => {
-  it('is followed if it needs none', async () => {
+  it('is followed if it does not need one', async () => {
     await store.command('Run', reset, () => follow);
     expect(said()).toEqual({ kind: 'waiting', text: 'Run: accepted.' });
   });
 
-  it('is not followed if it does', async () => {
+  it('is not followed if it needs one', async () => {
     await store.command('Reset', reset, (before) => before && follow);
     expect(said()).toEqual({ kind: 'good', text: 'Reset: accepted.' });
   });
 });
 
-describe('a command of which nobody knows what became', () => {
+describe('a command with an unknown outcome', () => {
   const unknown = {
     outcome: 'unknown',
     title: 'Gateway Timeout',
@@ -616,7 +616,7 @@ describe('a command of which nobody knows what became', () => {
     gateway.answer('/api/command/alarm-reset', unknown, 504);
   });
 
-  it('is looked for in the status all the same', async () => {
+  it('is looked for in the status nevertheless', async () => {
     await store.command('Run', reset, () => follow);
     expect(said()).toEqual({ kind: 'waiting', text: `Run: ${doubt}` });
     await pass(0);
@@ -629,20 +629,20 @@ describe('a command of which nobody knows what became', () => {
     expect(said()).toEqual({ kind: 'good', text: 'Run: the run has begun.' });
   });
 
-  it('is said to be so when the status does not show it in time', async () => {
+  it('is reported as such when the status does not show its effect in time', async () => {
     await store.command('Run', reset, () => follow);
     await pass(11_000);
     expect(said()).toEqual({
       kind: 'bad',
       text: `Run: ${doubt} By the status the run has not begun within 10 s (state: Ready; automation: Idle).`,
     });
-    // What comes later is seen all the same.
+    // A later effect is seen nevertheless.
     gateway.answer('/api/status', running);
     await pass(5000);
     expect(said()?.kind).toBe('good');
   });
 
-  it('is one without any answer, too', async () => {
+  it('may also be one without any answer', async () => {
     gateway.lose('/api/command/alarm-reset');
     await store.command('Run', reset, () => follow);
     expect(said()).toEqual({
@@ -651,13 +651,13 @@ describe('a command of which nobody knows what became', () => {
     });
   });
 
-  it('and that nothing can show is no good news', async () => {
+  it('is bad news if the status cannot show its effect', async () => {
     await store.command('Reset', reset);
     expect(said()).toEqual({ kind: 'bad', text: `Reset: ${doubt}` });
   });
 });
 
-describe('commands that were interrupted', () => {
+describe('interrupted commands', () => {
   const begun = (id: string) => ({
     time: '2026-11-21T07:31:35Z',
     id,
@@ -674,7 +674,7 @@ describe('commands that were interrupted', () => {
   };
   const known = (): string[] => store.interruptions.value.map(({ id }) => id);
 
-  it('are asked for when an answer tells of them, and once', async () => {
+  it('are requested once when an answer mentions them', async () => {
     store.start();
     await pass(5000);
     expect(asked('/api/unfinished')).toBe(0);
@@ -688,7 +688,7 @@ describe('commands that were interrupted', () => {
     expect(known()).toEqual([]);
   });
 
-  it('are asked for while the instrument is away, but not while nobody answers', async () => {
+  it('are requested while the instrument is away, but not while there is no answer at all', async () => {
     tell('one');
     store.start();
     await pass(0);
@@ -716,7 +716,7 @@ describe('commands that were interrupted', () => {
     expect(known()).toEqual(['one']);
   });
 
-  it('are there until somebody has seen them', async () => {
+  it('are shown until they are acknowledged', async () => {
     tell('one');
     store.start();
     await pass(0);
@@ -731,14 +731,14 @@ describe('commands that were interrupted', () => {
     expect(store.notice.value).toBeUndefined();
   });
 
-  it('that somebody else has seen are no fault', async () => {
+  it('are no fault if somebody else has acknowledged them', async () => {
     gateway.answer('/api/command/seen', {}, 404);
     await store.takeNote(begun('one'));
     expect(store.notice.value).toBeUndefined();
     expect(asked('/api/unfinished')).toBe(1);
   });
 
-  it('stay when that cannot be noted, with the reason', async () => {
+  it('stay when acknowledging fails, with the reason', async () => {
     store.isSignedIn.value = true;
     gateway.answer('/api/command/seen', {}, 401);
     gateway.answer('/api/unfinished', { going_on: [], interrupted: [begun('one')] });
@@ -753,7 +753,7 @@ describe('commands that were interrupted', () => {
 });
 
 describe('signing in', () => {
-  it('says what it waits for, and that it is done', async () => {
+  it('says what it waits for, and that it was successful', async () => {
     const answer = gateway.hold('/api/command/login');
     const signedIn = store.signIn();
     expect(said()).toEqual({
@@ -771,7 +771,7 @@ describe('signing in', () => {
     expect(gateway.requests).toEqual([{ method: 'POST', path: '/api/command/login', body: {} }]);
   });
 
-  it('says why not', async () => {
+  it('says why it failed', async () => {
     gateway.answer('/api/command/login', {}, 401);
     await store.signIn();
     expect(said()).toEqual({
@@ -786,19 +786,22 @@ describe('signing in', () => {
     [503, true],
     [401, false],
     [403, false],
-  ])('shows by any command: after HTTP %d it is %j', async (status, expected) => {
+  ])('follows from any command: after HTTP %d it is %j', async (status, expected) => {
     store.isSignedIn.value = !expected;
     gateway.answer('/api/command/alarm-reset', status === 204 ? null : {}, status);
     await store.command('Reset', reset);
     expect(store.isSignedIn.value).toBe(expected);
   });
 
-  it.each([true, false])('is not told by a command without an answer: %j', async (isSignedIn) => {
-    store.isSignedIn.value = isSignedIn;
-    gateway.lose('/api/command/alarm-reset');
-    await store.command('Reset', reset);
-    expect(store.isSignedIn.value).toBe(isSignedIn);
-  });
+  it.each([true, false])(
+    'does not change with a command without an answer: %j',
+    async (isSignedIn) => {
+      store.isSignedIn.value = isSignedIn;
+      gateway.lose('/api/command/alarm-reset');
+      await store.command('Reset', reset);
+      expect(store.isSignedIn.value).toBe(isSignedIn);
+    },
+  );
 });
 
 describe('the last hour', () => {
@@ -812,7 +815,7 @@ describe('the last hour', () => {
     });
   });
 
-  it('is kept for the page that comes after this one, for each instrument', async () => {
+  it('is kept for each instrument when the page is reloaded', async () => {
     store.start();
     await pass(0);
     page.dispatchEvent(new Event('pagehide'));
@@ -831,7 +834,7 @@ describe('the last hour', () => {
     expect(store.history.points('Ambient_temp').times).toHaveLength(1);
   });
 
-  it('does not go on with what a clock that was put back has not seen yet', async () => {
+  it('continues without samples in the future after the clock was set back', async () => {
     store.start();
     await pass(0);
     page.dispatchEvent(new Event('pagehide'));
@@ -842,14 +845,14 @@ describe('the last hour', () => {
     expect(store.history.points('').times).toEqual([1_699_999_940]);
   });
 
-  it('has room for a sample each second, and for gaps', () => {
+  it('has room for a sample every second, and for gaps', () => {
     for (let second = 0; second < 5000; second++) {
       store.history.add(second, new Map([['a', 1]]));
     }
     expect(store.history.points('a').times).toHaveLength(3601);
   });
 
-  it('begins anew in a browser that keeps nothing', async () => {
+  it('starts again in a browser that stores nothing', async () => {
     const refuse = (): never => {
       throw new Error('The quota has been exceeded.');
     };

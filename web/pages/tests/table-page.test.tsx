@@ -29,12 +29,12 @@ import { arrange, clear, setStatus } from './world';
 
 const unreachable = { status: 503, text: 'The instrument is not reachable.', detail: '' };
 
-/** What the instrument has, and what it says. */
+/** The instrument's table, and its answers. */
 class World {
   table: Table;
   sent: string[] = [];
   isReachable = true;
-  /** What is waited for before anything is read. */
+  /** Awaited before anything is read. */
   until: Promise<void> = Promise.resolve();
   list: () => Got<readonly Backup[]> = () => ({ ok: true, value: [] });
   backup: (number: number) => Got<Table> = () => ({ ok: false, reason: 'It is gone.' });
@@ -102,7 +102,7 @@ async function pressAndWait(name: string): Promise<void> {
 beforeEach(async () => void (await arrange()));
 afterEach(clear);
 
-describe('the page of a table', () => {
+describe('the page for a table', () => {
   it('reads the table when it is opened, and says so', async () => {
     let go = (): void => undefined;
     const one = sequence();
@@ -130,7 +130,7 @@ describe('the page of a table', () => {
     expect(button('Compare and send…').className).toBe('primary');
   });
 
-  it('does not read it again when one comes back to what was edited', async () => {
+  it('does not read the table again when the user returns to edits', async () => {
     await open(sequence());
     await type('Runs, line 1', '7');
     await show(null);
@@ -142,12 +142,12 @@ describe('the page of a table', () => {
     expect(state()).toBe('Changed here, not sent.');
   });
 
-  it('reads it by itself when the instrument comes back, but not over edits', async () => {
+  it('reads the table when the instrument comes back, but not over edits', async () => {
     world.isReachable = false;
     await show(<TablePage editor={world.editor()} hint="" />);
     await settle();
     expect(message()).toBe('The instrument is not reachable.');
-    // It was away between two answers for the status.
+    // The instrument was away between two answers for the status.
     world.isReachable = true;
     await act(() => {
       samples.value++;
@@ -171,7 +171,7 @@ describe('the page of a table', () => {
     expect(state()).toBe('Changed here, not sent.');
   });
 
-  it('is not read with every status', async () => {
+  it('does not read the table with every status', async () => {
     const editor = world.editor();
     const read = vi.spyOn(editor, 'load');
     await show(<TablePage editor={editor} hint="" />);
@@ -183,7 +183,7 @@ describe('the page of a table', () => {
     expect(read).toHaveBeenCalledTimes(1);
   });
 
-  it('leaves what somebody is asked about', async () => {
+  it('does not read the table during a question', async () => {
     const editor = world.editor();
     await show(<TablePage editor={editor} hint="" />);
     await settle();
@@ -197,7 +197,7 @@ describe('the page of a table', () => {
     expect(dialog()).toMatch(/^Send/);
   });
 
-  it('offers to try again when it could not be read', async () => {
+  it('offers to try again when the table could not be read', async () => {
     const one = sequence();
     one.isReachable = false;
     await open(one);
@@ -210,7 +210,7 @@ describe('the page of a table', () => {
     expect(rowsOf('tbody')).toHaveLength(3);
   });
 
-  it('reads it again on demand, and asks before edits are lost by it', async () => {
+  it('reads the table again on demand, and asks before edits are lost', async () => {
     await open(sequence());
     await type('Runs, line 1', '7');
     await pressAndWait('Discard and reload…');
@@ -237,7 +237,7 @@ describe('the page of a table', () => {
     expect(textsOf('dialog')).toEqual([]);
   });
 
-  it('says when it was read', async () => {
+  it('says when the table was read', async () => {
     vi.useFakeTimers({ toFake: ['Date'], now: new Date(2026, 10, 21, 14, 32, 7) });
     await open(sequence());
     expect(textOf(find('[data-testid=table-state]'))).toBe(
@@ -253,7 +253,7 @@ describe('the page of a table', () => {
     vi.useRealTimers();
   });
 
-  it('sends nothing before it is known which instrument that is', async () => {
+  it('sends nothing before the instrument is identified', async () => {
     await open(sequence());
     await act(() => void (configuration.value = undefined));
     expect(reasonOf('Compare and send…')).toBe(
@@ -261,7 +261,7 @@ describe('the page of a table', () => {
     );
   });
 
-  it('is off while something is under way', async () => {
+  it('is disabled while something is under way', async () => {
     await open(sequence());
     expect(find<HTMLFieldSetElement>('fieldset').disabled).toBe(false);
     expect(button('Import…').disabled).toBe(false);
@@ -293,7 +293,7 @@ describe('the page of a table', () => {
     expect(state()).toBe('Changed here, not sent.');
   });
 
-  it('says what is wrong, and sends and exports nothing of it', async () => {
+  it('reports faults, and neither sends nor exports them', async () => {
     await open(sequence());
     await type('Runs of the whole table', '-1');
     expect(textsOf('.fields .problem')).toEqual(['must be at least 0']);
@@ -314,7 +314,7 @@ describe('the page of a table', () => {
 });
 
 describe('a picture beside the table', () => {
-  it('is told the row that the focus is in', async () => {
+  it('is given the focused row', async () => {
     const rows: (number | undefined)[] = [];
     const Picture: TablePicture = ({ editor: one, focusedRow }) => {
       rows.push(focusedRow);
@@ -338,7 +338,7 @@ describe('a picture beside the table', () => {
 });
 
 describe('sending', () => {
-  it('shows what would change, sends it, and says that it is there', async () => {
+  it('shows what would change, sends it, and reports success', async () => {
     await open(sequence());
     await type('Stream, line 2', '3');
     await pressAndWait('Compare and send…');
@@ -355,7 +355,7 @@ describe('sending', () => {
     expect(state()).toBe('As on the instrument when it was read.');
   });
 
-  it('can be given up', async () => {
+  it('can be cancelled', async () => {
     await open(sequence());
     await pressAndWait('Compare and send…');
     expect(asked()).toEqual([
@@ -368,7 +368,7 @@ describe('sending', () => {
     expect(world.sent).toEqual([]);
   });
 
-  it('of a header that differs is no sending of the same', async () => {
+  it('shows a change in the header alone', async () => {
     await open(sequence());
     await type('Runs of the whole table', '9');
     await pressAndWait('Compare and send…');
@@ -392,7 +392,7 @@ describe('sending', () => {
     ]);
   });
 
-  it('waits for the state to allow it', async () => {
+  it('waits until the state allows it', async () => {
     await open(sequence());
     await pressAndWait('Compare and send…');
     await setStatus(statusWith({ Auto_state: 'Run Delay 3s' }));
@@ -404,7 +404,7 @@ describe('sending', () => {
     expect(world.sent).toEqual([]);
   });
 
-  it('shows what the instrument made of it', async () => {
+  it('shows what the instrument has stored', async () => {
     await open(sequence());
     await type('Stream, line 2', '3');
     world.send = () => ({ ok: true });
@@ -419,7 +419,7 @@ describe('sending', () => {
   });
 });
 
-describe('a table that somebody else has changed', () => {
+describe('a table that has changed on the instrument', () => {
   const changed = (): void => {
     world.table = {
       ...world.table,
@@ -434,7 +434,7 @@ describe('a table that somebody else has changed', () => {
     await pressAndWait('Compare and send…');
   });
 
-  it('is shown, and nothing sent', async () => {
+  it('is shown, and nothing is sent', async () => {
     expect(dialog()).toBe('The instrument’s table has changed');
     expect(textsOf('.dialog-body p')).toEqual([
       'Nothing was sent. Since the table was loaded here, it has changed on the instrument:',
@@ -459,7 +459,7 @@ describe('a table that somebody else has changed', () => {
     expect(field('Stream, line 3').value).toBe('4');
   });
 
-  it('can be written over, after another look', async () => {
+  it('can be replaced after another review', async () => {
     await pressAndWait('Keep my table and compare again');
     expect(dialog()).toBe('Send the sequence?');
     expect(rowsOf('dialog tbody').map(([, line]) => line)).toEqual(['1', '3']);
@@ -480,7 +480,7 @@ describe('files', () => {
     return input;
   };
 
-  it('are chosen with the browser', async () => {
+  it('are chosen in the browser', async () => {
     await open(sequence());
     const clicked = vi.fn();
     field('File to import').addEventListener('click', clicked);
@@ -489,11 +489,11 @@ describe('files', () => {
     expect(field('File to import').accept).toBe('.json,application/json');
   });
 
-  it('are read into the table, and not sent', async () => {
+  it('are read into the table, but not sent', async () => {
     await open(sequence());
     const text = '{"Table_repeat": 4, "total": 1, "rows": [{"Stream": 2}]}';
     const input = await pick(new File([text], 'mine.json'));
-    // The file is read by the browser, in its own time.
+    // The browser reads the file asynchronously.
     await vi.waitFor(
       () => expect(message()).toBe('mine.json was read. Nothing has been sent yet.'),
       60_000,
@@ -537,7 +537,7 @@ describe('files', () => {
   });
 });
 
-describe('keys', () => {
+describe('undo keys', () => {
   const isTaken = async (name: string, more: KeyboardEventInit): Promise<boolean> => {
     const event = new KeyboardEvent('keydown', {
       key: name,
@@ -554,9 +554,9 @@ describe('keys', () => {
     ['z', { ctrlKey: true }, 'y', { ctrlKey: true }],
     ['z', { metaKey: true }, 'Z', { metaKey: true, shiftKey: true }],
     ['Z', { ctrlKey: true }, 'z', { ctrlKey: true, shiftKey: true }],
-    // Another script: the place on the keyboard counts.
+    // Another script: the position on the keyboard counts.
     ['я', { ctrlKey: true, code: 'KeyZ' }, 'н', { ctrlKey: true, code: 'KeyY' }],
-  ])('%s %j undoes, %s %j does it again', async (undo, undoMore, redo, redoMore) => {
+  ])('%s %j undoes, %s %j redoes', async (undo, undoMore, redo, redoMore) => {
     await open(sequence());
     await type('Runs, line 1', '7');
     expect(await isTaken(undo, undoMore)).toBe(true);
@@ -574,16 +574,16 @@ describe('keys', () => {
     ['x', { ctrlKey: true }],
     ['z', { ctrlKey: true, altKey: true }],
     ['y', { ctrlKey: true, shiftKey: true }],
-    // On this keyboard the two are exchanged.
+    // On this layout, x is in the place of z.
     ['x', { ctrlKey: true, code: 'KeyZ' }],
-  ])('%s %j is nothing of that', async (name, more) => {
+  ])('%s %j does neither', async (name, more) => {
     await open(sequence());
     await type('Runs, line 1', '7');
     expect(await isTaken(name, more)).toBe(false);
     expect(runs()).toBe('7');
   });
 
-  it('are left alone in a question, while something is under way, and on other pages', async () => {
+  it('are ignored during a question or an operation, and on other pages', async () => {
     await open(sequence());
     await type('Runs, line 1', '7');
     await press('Discard and reload…');
@@ -601,7 +601,7 @@ describe('keys', () => {
     ['historyUndo', true, '2'],
     ['historyRedo', true, '7'],
     ['insertText', false, '7'],
-  ])('of a menu: %s', async (inputType, isOurs, expected) => {
+  ])('also work from a menu: %s', async (inputType, isOurs, expected) => {
     await open(sequence());
     await type('Runs, line 1', '7');
     const event = new InputEvent('beforeinput', { inputType, bubbles: true, cancelable: true });
@@ -612,7 +612,7 @@ describe('keys', () => {
 });
 
 describe('undo', () => {
-  it('says the same words twice, and what it would undo', async () => {
+  it('announces the same text twice, and says what it would undo', async () => {
     await open(sequence());
     expect(button('Undo').disabled).toBe(true);
     expect(button('Redo').disabled).toBe(true);
@@ -645,7 +645,7 @@ describe('undo', () => {
     expect(nameOf(document.activeElement!)).toBe(focused);
   });
 
-  it('of the header goes there', async () => {
+  it('moves the focus to a header field', async () => {
     await open(sequence());
     await type('Runs of the whole table', '5');
     await press('Undo');
@@ -653,7 +653,7 @@ describe('undo', () => {
     expect(state()).toContain('Undone: Runs of the whole table.');
   });
 
-  it('takes what was typed in a cell after it was left as another step', async () => {
+  it('treats typing in a cell after leaving it as another step', async () => {
     await open(sequence());
     await act(() => field('Flush time, line 1').focus());
     await type('Flush time, line 1', '2,5');
@@ -668,8 +668,8 @@ describe('undo', () => {
   });
 });
 
-describe('what is not right', () => {
-  it('is told in one place, with the way to the cells', async () => {
+describe('the faults of a table', () => {
+  it('are listed in one place, each leading to its cell', async () => {
     await open(sequence());
     expect(textsOf('.problems')).toEqual([]);
     await type('Flush time, line 2', 'x');
@@ -700,7 +700,7 @@ describe('a refusal halfway', () => {
     await pressAndWait('Send');
   });
 
-  it('can be mended', async () => {
+  it('can be reversed by restoring the earlier table', async () => {
     expect(message()).toContain('The instrument does not have the table as it was sent.');
     expect(message()).toContain('A table was not taken as a whole');
     await pressAndWait('Restore the previous table…');
@@ -722,7 +722,7 @@ describe('a refusal halfway', () => {
     expect(field('Stream, line 3').value).toBe('3');
   });
 
-  it('is not mended over what somebody else did', async () => {
+  it('is not reversed over changes made elsewhere', async () => {
     world.table = { ...world.table, rows: world.table.rows.slice(0, 1) };
     await pressAndWait('Restore the previous table…');
     expect(textsOf('dialog button')).toEqual([
@@ -734,7 +734,7 @@ describe('a refusal halfway', () => {
     expect(dialog()).toBe('Restore the sequence?');
   });
 
-  it('waits for what is under way', async () => {
+  it('waits for the operation under way', async () => {
     world.until = new Promise(() => undefined);
     await press('Discard and reload…');
     await press('Discard and reload');
@@ -742,7 +742,7 @@ describe('a refusal halfway', () => {
   });
 });
 
-it('tells what is more than usual', async () => {
+it('reports unusual values', async () => {
   await open(sequence());
   await type('Runs, line 1', '1200');
   await type('Runs of the whole table', '1000');

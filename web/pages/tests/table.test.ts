@@ -23,7 +23,7 @@ const draft = draftOf(table);
 const streams = (one: Draft): (string | undefined)[] => one.rows.map(({ cells }) => cells.Stream);
 
 describe('rows', () => {
-  it('become texts in cells, and the same values again', () => {
+  it('become texts in cells, and back the same values', () => {
     expect(draft.rows[0]!.cells).toEqual({
       Type: 'Calibration',
       Repeat: '2',
@@ -50,7 +50,7 @@ describe('rows', () => {
     expect(duplicateRow(full, layout, 0)).toBe(full);
   });
 
-  it('are duplicated below themselves, with an id of their own', () => {
+  it('are duplicated below themselves, with new ids', () => {
     const duplicated = duplicateRow(draft, layout, 0);
     expect(streams(duplicated)).toEqual(['4', '4', '1', '2']);
     expect(duplicated.rows.map(({ id }) => id)).toEqual([0, 3, 1, 2]);
@@ -58,7 +58,7 @@ describe('rows', () => {
     expect(duplicateRow(draft, layout, 99)).toBe(draft);
   });
 
-  it('move up and down, but not over the ends', () => {
+  it('move up and down, but not past the ends', () => {
     expect(streams(moveRow(draft, 2, -1))).toEqual(['4', '2', '1']);
     expect(streams(moveRow(draft, 1, -1))).toEqual(['1', '4', '2']);
     expect(streams(moveRow(draft, 0, 1))).toEqual(['1', '4', '2']);
@@ -67,13 +67,13 @@ describe('rows', () => {
     expect(moveRow(draft, 99, 1)).toBe(draft);
   });
 
-  it('are deleted, but for the last one', () => {
+  it('are deleted, except for the last one', () => {
     const one = removeRow(removeRow(draft, layout, 0), layout, 2);
     expect(streams(one)).toEqual(['1']);
     expect(removeRow(one, layout, 1)).toBe(one);
   });
 
-  it('have empty cells where there is nothing', () => {
+  it('have empty cells for missing values', () => {
     const empty: Draft = { header: {}, rows: [{ id: 0, cells: { Stream: '2' } }], nextId: 1 };
     expect(tableOf(empty, layout)).toEqual({
       header: { Table_repeat: '', Continuous: false },
@@ -88,14 +88,14 @@ describe('rows', () => {
     ]);
   });
 
-  it('change in one cell, and leave the others alone', () => {
+  it('change only in the edited cell', () => {
     const changed = setCell(draft, 1, 'Stream', '3');
     expect(streams(changed)).toEqual(['4', '3', '2']);
     expect(streams(draft)).toEqual(['4', '1', '2']);
     expect(setCell(draft, null, 'Continuous', 'true').header.Continuous).toBe('true');
   });
 
-  it('of a calibration stay as they are', () => {
+  it('of a calibration are fixed', () => {
     const peaks = calibrationKind.layout(undefined);
     const calibration = draftOf(
       calibrationKind.fromReport(load('docs/schemas/examples/calibration.json')),
@@ -202,18 +202,18 @@ describe('texts of cells', () => {
     expect(told).toEqual(['must be at least 5', '', '', 'must be at most 7']);
   });
 
-  it('are checked in the header too', () => {
+  it('are checked in the header, too', () => {
     expect(problemsOfDraft(setCell(draft, null, 'Table_repeat', 'twice'), layout)).toEqual([
       { rowId: null, key: 'Table_repeat', text: 'not a whole number' },
     ]);
   });
 
-  it('have no limit of streams before the configuration is known', () => {
+  it('have no limit for streams before the configuration is known', () => {
     const unknown = sequenceKind.layout(undefined);
     expect(problemsOfDraft(setCell(draft, 1, 'Stream', '40'), unknown)).toEqual([]);
   });
 
-  it('of one line only are there without a stream selector', () => {
+  it('exist for only one line without a stream selector', () => {
     const bare = sequenceKind.layout({ ...configuration, Stream_configured: false, Stream_max: 0 });
     expect(bare.mostRows).toBe(1);
     expect(problemsOfDraft(setCell(draft, 0, 'Stream', '3'), bare)).toEqual([]);

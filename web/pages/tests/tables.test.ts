@@ -14,7 +14,7 @@ const readSequence = (document: unknown) =>
 const readCalibration = (document: unknown) =>
   readFile(octets(JSON.stringify(document)), calibrationKind, calibration);
 
-it('tells the unit of flush times in the head of the column, if there is one', () => {
+it('shows the unit of flush times in the column header, if there is one', () => {
   const labels = (units?: Configuration['units']): string[] =>
     sequenceKind
       .layout({
@@ -69,7 +69,7 @@ describe('layouts', () => {
     });
   });
 
-  it('of a sequence without a stream selector, or before that is known', () => {
+  it('of a sequence without a stream selector, or before it is known', () => {
     const bare = sequenceKind.layout({ ...configuration, Stream_configured: false });
     expect(bare.mostRows).toBe(1);
     expect(bare.emptyRow).toEqual({
@@ -108,7 +108,7 @@ describe('layouts', () => {
 });
 
 describe('reports', () => {
-  it('may leave members out', () => {
+  it('may omit members', () => {
     expect(sequenceKind.fromReport({ Table_repeat: 1, total: 2, rows: [{}] })).toEqual({
       header: { Table_repeat: 1, Continuous: false },
       rows: [{ Type: 'Analysis', Repeat: 0, Stream: 0, Slot: 0, Flush_time: 0 }],
@@ -160,7 +160,7 @@ describe('files', () => {
     ).toEqual(calibration);
   });
 
-  it('may leave members of a line out', () => {
+  it('may omit members of a line', () => {
     const { header, rows } = readSequence(load('docs/schemas/examples/sequence-file.json'));
     expect(header).toEqual({ Table_repeat: 1, Continuous: true });
     expect(rows[1]).toEqual({ Type: 'Analysis', Repeat: 20, Stream: 1, Slot: 0, Flush_time: 0 });
@@ -171,14 +171,14 @@ describe('files', () => {
     [3, 1, '"total" is 3, but there is 1 row.'],
     [-1, 1, '"total" is -1, but there is 1 row.'],
     [2, undefined, '"total" is 2, but there are 0 rows.'],
-  ])('whose total is %d with %d rows are refused', (total, count, text) => {
+  ])('with a total of %d and %d rows are refused', (total, count, text) => {
     const of = <T>(row: T) => (count === undefined ? {} : { rows: Array<T>(count).fill(row) });
     expect(() => readSequence({ Table_repeat: 1, total, ...of({}) })).toThrow(text);
     const peak = { Channel: 1, ID: 1, Level_amt: 99 };
     expect(() => readCalibration({ total, ...of(peak) })).toThrow(text);
   });
 
-  it('of amounts leave the peaks alone that they do not name', () => {
+  it('of amounts do not change the peaks that they omit', () => {
     const { rows } = readCalibration({
       total: 2,
       rows: [
@@ -192,12 +192,12 @@ describe('files', () => {
     ]);
   });
 
-  it('of amounts without rows set none', () => {
+  it('of amounts without rows change nothing', () => {
     expect(readCalibration({ total: 0 })).toEqual(calibration);
     expect(readCalibration({ total: 0, rows: [] })).toEqual(calibration);
   });
 
-  it('may have 20 lines, and as many octets as the gateway takes', () => {
+  it('may have 20 lines, and as many octets as the gateway accepts', () => {
     const lines = Array.from({ length: 20 }, () => ({}));
     expect(readSequence({ Table_repeat: 1, total: 20, rows: lines }).rows).toHaveLength(20);
     const text = '{"Table_repeat": 1, "total": 0}';
@@ -229,11 +229,11 @@ describe('files', () => {
       `{"Table_repeat": 1, "total": 21, "rows": [${Array(21).fill('{}').join()}]}`,
       'It has 21 lines; the instrument accepts 20.',
     ],
-  ])('that are no sequence are refused: %s', (text, message) => {
+  ])('that are not a sequence are refused: %s', (text, message) => {
     expect(() => readFile(octets(text), sequenceKind, sequence)).toThrow(message);
   });
 
-  it('that are too large or no UTF-8 are refused', () => {
+  it('that are too large or not UTF-8 are refused', () => {
     expect(() => readFile(new ArrayBuffer(65537), sequenceKind, sequence)).toThrow(
       'It has 65537 octets; the gateway accepts 65536.',
     );
@@ -241,7 +241,7 @@ describe('files', () => {
     expect(() => readFile(latin, sequenceKind, sequence)).toThrow('It is not text in UTF-8.');
   });
 
-  it('that name a peak which the instrument does not have are refused', () => {
+  it('that name a peak that the instrument does not have are refused', () => {
     expect(() =>
       readCalibration({ total: 1, rows: [{ Channel: 3, ID: 1, Level_amt: 1 }] }),
     ).toThrow('The instrument has no peak 3/1 (channel/peak).');

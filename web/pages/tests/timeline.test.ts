@@ -41,13 +41,13 @@ const at = (Seq_line: number, Line_replicate: number, more = {}) =>
     ...more,
   });
 
-describe('lines under edit', () => {
+describe('the lines of a table being edited', () => {
   it('are those of the table', () => {
     expect(lines[0]).toEqual({ line: 1, type: 'Calibration', stream: '4', runs: 2, flush: 1.5 });
     expect(lines).toHaveLength(3);
   });
 
-  it('may hold what is no number', () => {
+  it('may contain invalid numbers', () => {
     const layout = sequenceKind.layout(undefined);
     const edited = (key: string, text: string) => {
       const draft = setCell(draftOf(sequenceKind.fromReport(everyday)), 1, key, text);
@@ -65,7 +65,7 @@ describe('lines under edit', () => {
 });
 
 describe('the bar', () => {
-  it('has flushing and runs of each line, one after the other', () => {
+  it('shows flushing and runs of each line, one after the other', () => {
     expect(whole.stretches.map(({ from, flushing, running }) => [from, flushing, running])).toEqual(
       [
         [0, 90, 360],
@@ -76,7 +76,7 @@ describe('the bar', () => {
     expect(whole).toMatchObject({ length: 1980, seconds: 1980, runs: 10, isFlushUnknown: false });
   });
 
-  it('draws flushing that nobody knows the length of, but does not count it', () => {
+  it('draws flushing of unknown length, but does not count it', () => {
     expect(unnamed).toMatchObject({ length: 1962, seconds: 1800, isFlushUnknown: true });
     expect(unnamed.stretches[1]).toMatchObject({ from: 414, flushing: 54, isFlushUnknown: true });
     const mixed = timelineOf([line(1, 0), { ...line(1, 0, 2), flush: undefined }], 100, 'min');
@@ -84,7 +84,7 @@ describe('the bar', () => {
     expect(mixed.isFlushUnknown).toBe(true);
   });
 
-  it('counts runs as long as no status tells how long one is', () => {
+  it('counts runs while no status gives the run time', () => {
     expect(unmeasured).toMatchObject({ seconds: undefined, runs: 10 });
     expect(unmeasured.length).toBeCloseTo(10.9);
     expect(timelineOf([line(2, 0)], undefined, 'min')).toMatchObject({
@@ -93,30 +93,30 @@ describe('the bar', () => {
     });
   });
 
-  it('passes over lines without runs, with their flushing', () => {
+  it('skips lines without runs, with their flushing', () => {
     const some = timelineOf([line(1, 5, 1), line(0, 5, 2), line(2, 0, 3)], 100, 's');
     expect(some).toMatchObject({ passedOver: [2], unclear: [], length: 305, runs: 3 });
     expect(some.stretches.map((one) => one.line)).toEqual([1, 3]);
     expect(timelineOf([], 100, 's')).toMatchObject({ length: 0, seconds: 0, stretches: [] });
   });
 
-  it('draws one run where their number is not right', () => {
+  it('draws one run if the number of runs is not valid', () => {
     const some = timelineOf([line(undefined, 0, 1), line(2, 0, 2)], 100, 's');
     expect(some).toMatchObject({ unclear: [1], length: 300 });
   });
 
-  it('has marks where the time has gone that is known', () => {
+  it('has its marks at known times', () => {
     expect([0, 100, 1980, 5000].map((seconds) => placeAfter(whole, seconds))).toEqual([
       0, 100, 1980, 1980,
     ]);
-    // Behind the flushing, of which nobody knows how long it takes.
+    // Behind the flushing of unknown length.
     expect([0, 1, 360, 361].map((seconds) => placeAfter(unnamed, seconds))).toEqual([
       0, 55, 414, 469,
     ]);
   });
 });
 
-describe('the place of the automation', () => {
+describe('the position of the automation', () => {
   it('is in the run of the line', () => {
     expect(positionIn(whole, at(1, 1))).toBe(110);
     expect(positionIn(whole, at(2, 3))).toBe(510 + 360 + 20);
@@ -129,7 +129,7 @@ describe('the place of the automation', () => {
     expect(positionIn(whole, at(2, 2, delay))).toBe(510 + 180);
   });
 
-  it('is in the flushing, by the minutes that are left', () => {
+  it('is in the flushing, by the minutes left', () => {
     const flushing = (Auto_state: string) => ({ GC_state: 'Flushing', Auto_state, Run_time: 0 });
     expect(positionIn(whole, at(1, 1, flushing('Flushing Stream 60s')))).toBe(30);
     expect(positionIn(whole, at(1, 1, flushing('Flushing Stream')))).toBe(90);
@@ -137,11 +137,11 @@ describe('the place of the automation', () => {
     expect(positionIn(unnamed, at(2, 1, flushing('Flushing Stream 60s')))).toBe(414);
   });
 
-  it('is at whole runs as long as nobody knows how long one is', () => {
+  it('is at whole runs while the run time is unknown', () => {
     expect(positionIn(unmeasured, at(1, 2))).toBe(1.3);
   });
 
-  it('is not known where status and table do not fit', () => {
+  it('is unknown if status and table do not match', () => {
     expect(positionIn(whole, at(0, 0))).toBeUndefined();
     expect(positionIn(whole, at(4, 1))).toBeUndefined();
     expect(positionIn(whole, at(1, 3))).toBeUndefined();
@@ -149,7 +149,7 @@ describe('the place of the automation', () => {
     expect(positionIn(whole, at(1, 2))).toBe(290);
   });
 
-  it('is told in words', () => {
+  it('is put into words', () => {
     expect(positionText(at(2, 3), everyday)).toBe('line 2, run 3 of 5, pass 1 of 2');
     expect(positionText(at(2, 3), { ...everyday, Continuous: true })).toBe(
       'line 2, run 3 of 5, pass 1',
@@ -202,8 +202,8 @@ describe('lengths', () => {
   });
 });
 
-describe('marks of time', () => {
-  it('are round, and not more than there is room for', () => {
+describe('time marks', () => {
+  it('are round, and no more than there is room for', () => {
     expect(timeMarks(1980, 7)).toEqual([0, 300, 600, 900, 1200, 1500, 1800]);
     expect(timeMarks(3, 5)).toEqual([0, 1, 2, 3]);
     expect(timeMarks(600, 5)).toEqual([0, 120, 240, 360, 480, 600]);
@@ -211,7 +211,7 @@ describe('marks of time', () => {
     expect(timeMarks(0, 5)).toEqual([0]);
   });
 
-  it('are told in the unit that is common', () => {
+  it('have the usual unit', () => {
     expect([0, 30, 60, 90, 1800, 3600, 5400, 86400].map(markText)).toEqual([
       '0',
       '30 s',
@@ -225,7 +225,7 @@ describe('marks of time', () => {
     expect(markText(3900)).toBe('1:05 h');
   });
 
-  it('have the text that there is room for', () => {
+  it('have the first text that there is room for', () => {
     expect([9, 8, 4, 1, 0].map((letters) => fitting(['long text', 'text', '1'], letters))).toEqual([
       'long text',
       'text',

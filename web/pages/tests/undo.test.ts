@@ -42,7 +42,7 @@ beforeEach(() => {
 });
 
 describe('undo', () => {
-  it('goes back over everything in its order, and forth again', () => {
+  it('goes back through all steps in order, and forward again', () => {
     typeIn(1, 'Stream', '3');
     editing.change(removeRow(now(), layout, 0), { what: 'deletion of line 1' });
     const place = { rowId: 1, key: 'Stream' };
@@ -70,7 +70,7 @@ describe('undo', () => {
     expect(streams()).toEqual(['2', '3']);
   });
 
-  it('forgets what could be done again when something else is done', () => {
+  it('forgets what could be redone after another change', () => {
     typeIn(1, 'Stream', '3');
     editing.undo();
     typeIn(1, 'Stream', '1');
@@ -81,7 +81,7 @@ describe('undo', () => {
     expect(streams()).toEqual(['4', '1', '1']);
   });
 
-  it('takes all that was typed during one visit to a cell as one', () => {
+  it('treats everything typed during one visit to a cell as one step', () => {
     typeIn(1, 'Stream', '');
     typeIn(1, 'Stream', '3');
     typeIn(1, 'Repeat', '7');
@@ -100,7 +100,7 @@ describe('undo', () => {
     expect(streams()).toEqual(['4', '3', '2']);
   });
 
-  it('has nothing of a visit after which the text is as before', () => {
+  it('has no step for a visit that leaves the text unchanged', () => {
     typeIn(1, 'Stream', '3');
     typeIn(1, 'Stream', '1');
     expect(steps()).toHaveLength(1);
@@ -116,7 +116,7 @@ describe('undo', () => {
     expect(steps()).toEqual(['Table_repeat null']);
   });
 
-  it('brings back what was edited and what it was based on when the table is read anew', () => {
+  it('restores edits and their base when the table was read again', () => {
     const other: Table = { ...table, rows: table.rows.slice(1) };
     typeIn(1, 'Stream', '3');
     editing.show(other);
@@ -127,21 +127,21 @@ describe('undo', () => {
     editing.redo();
     expect([streams(), editing.base.value]).toEqual([['1', '2'], other]);
     editing.undo();
-    // Since then it is the base for certain.
+    // From now on this table is certainly the base.
     editing.rebase(other);
     editing.redo();
     editing.undo();
     expect(editing.base.value).toBe(other);
   });
 
-  it('has no step for reading what is shown already', () => {
+  it('has no step for reading what is already shown', () => {
     editing.show(table);
     expect(steps()).toEqual([]);
     editing.show({ ...table, rows: table.rows.slice(1) });
     expect(steps()).toEqual(['reading of the instrument’s table']);
   });
 
-  it('does nothing where there is no table', () => {
+  it('does nothing without a table', () => {
     const empty = new Editing(sequenceKind, signal<Configuration | undefined>(undefined));
     empty.undo();
     empty.redo();
@@ -162,7 +162,7 @@ describe('undo', () => {
 describe('a comma', () => {
   const text = () => now().rows[1]!.cells.Flush_time;
 
-  it('is shown as it was understood when the cell is left', () => {
+  it('is replaced by a point when the cell is left', () => {
     typeIn(1, 'Flush_time', '1,25');
     expect(text()).toBe('1,25');
     expect(editing.edited().rows[1]!.Flush_time).toBe(1.25);
@@ -180,7 +180,7 @@ describe('a comma', () => {
     ['Flush_time', 'a,b'],
     ['Repeat', '1,5'],
     ['Type', 'a,b'],
-  ])('of %s %s stays', (key, typed) => {
+  ])('in %s %s stays', (key, typed) => {
     typeIn(1, key, typed);
     editing.leaveCell();
     expect(now().rows[1]!.cells[key]).toBe(typed);
@@ -218,13 +218,13 @@ describe('cells', () => {
     expect(firstDifference(from, to, layout)).toEqual(cell);
   });
 
-  it('that differ in what cannot be edited are found by what can', () => {
+  it('of a new row are found by the first one that can be edited', () => {
     const one = draftOf({ header: {}, rows: [amounts.rows[0]!] });
     const two = draftOf(amounts);
     expect(firstDifference(one, two, peaks)).toEqual({ rowId: 1, key: 'Level_amt' });
   });
 
-  it('with more than usual are told', () => {
+  it('with unusual values are listed', () => {
     expect(unusualValues(table, layout)).toEqual([]);
     expect(unusualValues(amounts, peaks)).toEqual([]);
     const most = { ...table.rows[0]!, Repeat: 999, Flush_time: 60 };

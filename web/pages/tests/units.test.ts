@@ -16,7 +16,7 @@ it('assumes no unit', () => {
   }
 });
 
-it('names what the owner has named', () => {
+it('uses the units that the owner has named', () => {
   configuration.value = { ...exampleConfiguration, units: { pressure: 'kPa' } };
   expect(nameWithUnit('Pressure', 'pressure')).toBe('Pressure, kPa');
   expect(valueWithUnit('180.1', 'pressure')).toBe('180.1\u00a0kPa');

@@ -23,7 +23,7 @@ const edit = (text: string): void =>
   );
 const stream = (): string | undefined => sequenceEditor.draft.value?.rows[1]!.cells.Stream;
 
-/** As if the page had been loaded again. */
+/** As if the page had been reloaded. */
 function loadAgain(): void {
   stop();
   configuration.value = undefined;
@@ -51,8 +51,8 @@ afterEach(() => {
   vi.unstubAllGlobals();
 });
 
-describe('edits that were not sent', () => {
-  it('come back when the page is loaded again, with what they are based on', async () => {
+describe('unsent edits', () => {
+  it('come back when the page is reloaded, with their base', async () => {
     configuration.value = one;
     await sequenceEditor.load();
     const { base, readAt } = sequenceEditor;
@@ -73,7 +73,7 @@ describe('edits that were not sent', () => {
     expect([...stored.keys()]).toEqual([]);
   });
 
-  it('come back over what was read before it was known which instrument that is', async () => {
+  it('replace what was read before the instrument was identified', async () => {
     configuration.value = one;
     await sequenceEditor.load();
     edit('3');
@@ -84,7 +84,7 @@ describe('edits that were not sent', () => {
     expect(stream()).toBe('3');
   });
 
-  it('come back beside what was typed meanwhile', async () => {
+  it('replace what was typed meanwhile, which undo restores', async () => {
     configuration.value = one;
     await sequenceEditor.load();
     edit('3');
@@ -116,12 +116,12 @@ describe('edits that were not sent', () => {
     expect(stream()).toBe('3');
     configuration.value = other;
     expect(stream()).toBe('4');
-    // The name alone tells too.
+    // A different name is enough.
     configuration.value = { ...other, Inst_name: 'another' };
     expect(stream()).toBeUndefined();
   });
 
-  it('stay where they are when the same instrument answers again', async () => {
+  it('stay when the same instrument answers again', async () => {
     configuration.value = one;
     await sequenceEditor.load();
     edit('3');
@@ -132,7 +132,7 @@ describe('edits that were not sent', () => {
     expect(sequenceEditor.undos.past.value).toBe(undos);
   });
 
-  it('keep what was there before a table was refused halfway', async () => {
+  it('keep the table from before one was refused halfway', async () => {
     configuration.value = one;
     await sequenceEditor.load();
     sequenceEditor.before.value = sequenceEditor.base.value;
@@ -144,7 +144,7 @@ describe('edits that were not sent', () => {
     expect(stored.size).toBe(0);
   });
 
-  it('are not read for one instrument when another has come meanwhile', async () => {
+  it('are not based on a table still being read from the previous instrument', async () => {
     configuration.value = one;
     const reading = sequenceEditor.load();
     configuration.value = other;
@@ -153,7 +153,7 @@ describe('edits that were not sent', () => {
     expect(sequenceEditor.busy.value).toBe('');
   });
 
-  it('are of no use when they are no tables', () => {
+  it('are ignored if they are not tables', () => {
     const good = { base: { header: {}, rows: [] }, draft: { header: {}, rows: [] } };
     stored.set(place, JSON.stringify(good));
     expect(kept(place)).toEqual(good);
@@ -172,7 +172,7 @@ describe('edits that were not sent', () => {
     }
   });
 
-  it('are lost where the browser keeps nothing, and nothing else', () => {
+  it('are lost in a browser that stores nothing, but nothing else is', () => {
     vi.stubGlobal('sessionStorage', undefined);
     const unsent = {
       base: { header: {}, rows: [] },

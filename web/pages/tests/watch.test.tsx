@@ -12,7 +12,7 @@ import { arrange, clear, setAge, setStatus } from './world';
 const alarm = statusWith({ Alarm_overall: true });
 const error = statusWith({ GC_state: 'Error' });
 
-/** As far as a sound needs one. */
+/** The parts of an audio context that a sound needs. */
 class Context {
   static state = 'running';
   static tones: number[] = [];
@@ -51,7 +51,7 @@ describe('trouble', () => {
     [alarm, ['alarm'], 'ALARM – '],
     [error, ['error'], 'ERROR – '],
     [{ ...error, Alarm_overall: true }, ['error', 'alarm'], 'ERROR, ALARM – '],
-  ])('%#: is in the title', async (status, expected, title) => {
+  ])('%#: is shown in the title', async (status, expected, title) => {
     await setStatus(status);
     expect(troubles.value).toEqual(expected);
     expect(titleBegin.value).toBe(title);
@@ -60,7 +60,7 @@ describe('trouble', () => {
     expect(titleBegin.value).toBe('NO ANSWER – ');
   });
 
-  it('is an instrument that has never answered, but not a page that has just begun', async () => {
+  it('includes an instrument that has never answered, but not a page that was just opened', async () => {
     await setStatus(undefined);
     await setAge(60);
     expect(troubles.value).toEqual([]);
@@ -68,7 +68,7 @@ describe('trouble', () => {
     expect(troubles.value).toEqual(['lost']);
   });
 
-  it('shows in the icon', async () => {
+  it('is shown in the icon', async () => {
     document.head.innerHTML = '<link rel="icon" href="./icon.svg">';
     const stop = watchIcon();
     const icon = (): string | null => document.head.firstElementChild!.getAttribute('href');
@@ -91,7 +91,7 @@ describe('the sound', () => {
   let stop: () => void;
   const pass = async (seconds: number): Promise<void> => {
     await act(() => {
-      // With an answer that is as new.
+      // The latest answer is as recent.
       statusTime.value = now.value + seconds * 1000;
       now.value = statusTime.value;
     });
@@ -103,7 +103,7 @@ describe('the sound', () => {
   });
   afterEach(() => stop());
 
-  it('is off until somebody switches it on, which is heard and remembered', async () => {
+  it('is off until the user switches it on, which is heard and remembered', async () => {
     await setStatus(alarm);
     expect(Context.tones).toEqual([]);
     await show(<SoundSwitch />);
@@ -137,7 +137,7 @@ describe('the sound', () => {
     expect(Context.tones).toHaveLength(12);
   });
 
-  it('that the browser holds back is allowed by a touch, and the page says so', async () => {
+  it('that the browser blocks is allowed by a touch, and the page says so', async () => {
     isSoundOn.value = true;
     await show(<SoundSwitch />);
     expect(textsOf('.reason')).toEqual([
@@ -154,13 +154,13 @@ describe('the sound', () => {
     expect(Context.tones).toHaveLength(3);
   });
 
-  it('asks for nothing where it is off', async () => {
+  it('does not start audio while it is off', async () => {
     window.dispatchEvent(new Event('pointerdown'));
     await Promise.resolve();
     expect(isAudible.value).toBe(false);
   });
 
-  it('is on until the page is left in a browser that keeps nothing', async () => {
+  it('stays on until the page is left in a browser that stores nothing', async () => {
     const refuse = vi.spyOn(localStorage, 'setItem').mockImplementation(() => {
       throw new Error('The quota has been exceeded.');
     });
@@ -181,7 +181,7 @@ describe('a sound that was switched on', () => {
     expect((await import('../src/sound')).isSoundOn.value).toBe(expected);
   });
 
-  it('is off in a browser that keeps nothing', async () => {
+  it('is off in a browser that stores nothing', async () => {
     vi.stubGlobal('localStorage', undefined);
     vi.resetModules();
     expect((await import('../src/sound')).isSoundOn.value).toBe(false);

@@ -1,4 +1,4 @@
-// What the store holds when a part of a page is shown by itself.
+// The contents of the store for showing a part of a page by itself.
 import { render } from 'preact';
 import { act } from 'preact/test-utils';
 import { vi } from 'vitest';
@@ -9,7 +9,7 @@ import { Gateway } from './gateway';
 
 export const exampleConfiguration = load<Configuration>('docs/schemas/examples/configuration.json');
 
-// A browser makes a text of a number before it looks for the option.
+// A browser converts a number to a text before it looks for the option.
 const selectValue = Object.getOwnPropertyDescriptor(HTMLSelectElement.prototype, 'value')!;
 Object.defineProperty(HTMLSelectElement.prototype, 'value', {
   ...selectValue,
@@ -22,7 +22,7 @@ export function setHidden(isHidden: boolean): void {
   Object.defineProperty(document, 'hidden', { value: isHidden, configurable: true });
 }
 
-/** Lets the status be fresh, or so many seconds old. */
+/** Makes the status fresh, or so many seconds old. */
 export function setAge(seconds: number): Promise<void> {
   return act(() => {
     const present = Date.now();
@@ -37,7 +37,7 @@ export function setStatus(status: Status | undefined): Promise<void> {
   });
 }
 
-/** A fresh status and the configuration, and a gateway that nobody asks for the status. */
+/** A fresh status, the configuration, and a gateway; the status is not requested. */
 export async function arrange(status: Status | undefined = statusWith()): Promise<Gateway> {
   setHidden(true);
   store.configuration.value = exampleConfiguration;
@@ -46,7 +46,7 @@ export async function arrange(status: Status | undefined = statusWith()): Promis
   return new Gateway();
 }
 
-/** What is said of the latest command, without when. */
+/** What is said of the latest command, without the time. */
 export function said(): { kind: string; text: string } | undefined {
   const latest = store.notice.value;
   return latest && { kind: latest.kind, text: latest.text };
@@ -64,7 +64,7 @@ export async function clear(): Promise<void> {
   store.user.value = undefined;
   store.interruptions.value = [];
   vi.unstubAllGlobals();
-  // Who goes on asking after the test has no answer.
+  // Requests after the test get no answer.
   vi.stubGlobal('fetch', async () => {
     throw new TypeError('Failed to fetch');
   });
