@@ -1,5 +1,5 @@
-// What axe finds wrong, on every page in every state and in every dialog, in light and in dark
-// colours: nothing.
+// axe finds no violation, on any page in any state and in any dialog, in light and in dark
+// colours.
 import assert from 'node:assert/strict';
 import { createRequire } from 'node:module';
 import { readFileSync } from 'node:fs';
@@ -10,7 +10,7 @@ import { send } from './support/tables.js';
 const axe = readFileSync(createRequire(import.meta.url).resolve('axe-core/axe.min.js'), 'utf8');
 const browserTest = browserTests();
 
-/** Fails with what axe complains about, and where. */
+/** Fails with the violations that axe reports, and their places. */
 async function isAccessible(page, where = '') {
   if (!(await page.evaluate(() => 'axe' in window))) {
     await page.evaluate(axe);
@@ -31,7 +31,7 @@ async function isAccessible(page, where = '') {
   }
 }
 
-/** Something on each page that comes with the instrument's answer. */
+/** An element of each page that comes with the instrument's answer. */
 const content = {
   status: '.bar-gauge',
   run: 'main option',
@@ -57,7 +57,7 @@ async function areAccessible(page) {
   }
 }
 
-/** How each state comes about, and what tells that it is there. */
+/** How to reach each state, and how to tell that it is reached. */
 const states = [
   { name: 'ready', go: (page) => says(page, 'state', 'Ready') },
   {
@@ -86,7 +86,7 @@ for (const { name, scenario, go } of states) {
 }
 
 browserTest('every page: lost', { expected: [/503/] }, async (page, gc) => {
-  // What they show then is what has come before.
+  // The pages then show what was read before.
   for (const { name, path } of pages) {
     await page.evaluate((hash) => (location.hash = hash), path);
     await page.locator(content[name]).first().waitFor({ state: 'attached' });
@@ -114,7 +114,7 @@ browserTest('a run', { path: '#/run' }, async (page, gc) => {
   await isAccessible(page);
 });
 
-browserTest('a table that is edited', { path: '#/sequence' }, async (page) => {
+browserTest('a table being edited', { path: '#/sequence' }, async (page) => {
   await page.getByLabel('Runs, line 1').fill('x');
   await isAccessible(page);
   await page.getByLabel('Runs, line 1').fill('4');
@@ -124,10 +124,10 @@ browserTest('a table that is edited', { path: '#/sequence' }, async (page) => {
   await isAccessible(page);
 });
 
-browserTest('alarms by name, and the ways to stop', { path: '#/run' }, async (page, gc) => {
+browserTest('alarms by name, and the stop buttons', { path: '#/run' }, async (page, gc) => {
   await gc.set('mAmbientTemp', 61);
   await gc.command(16);
-  // Flushing: a stop asks first.
+  // During flushing, a stop asks first.
   await gc.control('step', 5);
   await page.getByText('Which alarms', { exact: true }).click();
   await page.getByRole('list', { name: 'Active alarms' }).waitFor();
@@ -135,7 +135,7 @@ browserTest('alarms by name, and the ways to stop', { path: '#/run' }, async (pa
   await page.setViewportSize({ width: 360, height: 740 });
   await isAccessible(page, 'which alarms on a telephone');
   for (const action of ['Stop after this run', 'Abort now…']) {
-    // The open list does not hang over it.
+    // The open list must not cover the button.
     await button(page, action, { disabled: false }).click();
     await page.getByRole('dialog').waitFor();
     await isAccessible(page, action);

@@ -1,11 +1,11 @@
-// Alarms: shown everywhere, reset after a question, and said when they come back.
+// Alarms: shown everywhere, reset after a question, and reported when they come back.
 import assert from 'node:assert/strict';
 import { browserTests, button, describedBy, picture, says } from './support/browser.js';
 
 const browserTest = browserTests();
 const path = '#/alarms';
 
-// Above 55 degrees around the instrument, its alarm for that is active.
+// Above 55 degrees, the alarm for the ambient temperature is active.
 async function heat(page, gc) {
   await gc.set('mAmbientTemp', 60);
   await gc.control('step', 1);
@@ -45,12 +45,12 @@ browserTest('an alarm that is reset', { path }, async (page, gc) => {
   await page.getByRole('region', { name: 'Active (0)', exact: true }).waitFor();
   const commands = (await gc.changes()).map(({ command }) => command);
   assert.deepEqual(commands, [35, 35]);
-  // What was said goes as soon as it is not so any more.
+  // A notice is removed as soon as it is no longer true.
   await heat(page, gc);
   await page.getByText('no alarm is active').waitFor({ state: 'detached' });
 });
 
-browserTest('an alarm is seen from every page', { path: '#/configuration' }, async (page, gc) => {
+browserTest('an alarm is visible on every page', { path: '#/configuration' }, async (page, gc) => {
   await heat(page, gc);
   await page.getByTestId('alarm-sign').click();
   await page.getByRole('heading', { name: 'Alarms', level: 1 }).waitFor();

@@ -1,4 +1,4 @@
-// The picture of the sequence: what it takes, and where the automation stands in it.
+// The picture of the sequence: how long it takes, and the automation's position.
 import assert from 'node:assert/strict';
 import { browserTests, button, picture } from './support/browser.js';
 import { watchShifts } from './support/shifts.js';
@@ -16,7 +16,7 @@ const fact = async (page, name, text) =>
     .getByText(text, { exact: true })
     .waitFor();
 
-browserTest('the length follows what is typed', { path }, async (page) => {
+browserTest('the length follows typing', { path }, async (page) => {
   await fact(page, 'One run', '3 min 00 s');
   await fact(page, 'Whole table', '2 passes, 20 runs, 1 h 00 min plus flushing');
   await cell(page, 'Runs', 2).fill('6');
@@ -47,10 +47,10 @@ browserTest('lines of the bar and of the table lead to each other', { path }, as
   await cell(page, 'Type', 2).and(page.locator(':focus')).waitFor();
 });
 
-browserTest('where the automation stands', { path }, async (page, gc) => {
+browserTest('the position of the automation', { path }, async (page, gc) => {
   await fact(page, 'Automation now', 'not under way');
   await gc.command(16);
-  // Flushing takes 90 s, then come two runs of 180 s with a delay of 30 s.
+  // Flushing takes 90 s; then follow two runs of 180 s with a delay of 30 s between them.
   await gc.control('step', 100);
   await fact(page, 'Automation now', 'line 1, run 1 of 2, pass 1 of 2');
   const now = page.getByTestId('position').locator('line');
@@ -65,7 +65,7 @@ browserTest('where the automation stands', { path }, async (page, gc) => {
     .boundingBox();
   assert.ok((await place()) < line.x + line.width);
 
-  // Edited meanwhile: it runs what it has.
+  // Edits meanwhile: the instrument runs its own table.
   await cell(page, 'Runs', 1).fill('9');
   const edited = bar(page, 'One pass as edited here; the instrument runs another table');
   await edited.getByLabel(/^Line 1: Calibration, stream 4, 9 runs/).waitFor();
@@ -81,7 +81,7 @@ browserTest('where the automation stands', { path }, async (page, gc) => {
 });
 
 const lost = { path, expected: [/503/] };
-browserTest('a place that nobody knows any more is not shown', lost, async (page, gc) => {
+browserTest('a position that is no longer known is not shown', lost, async (page, gc) => {
   await gc.command(16);
   await gc.control('step', 100);
   await page.getByTestId('position').waitFor();
@@ -119,7 +119,7 @@ browserTest('twenty lines on a phone', full, async (page) => {
 });
 
 const forced = { path, context: { forcedColors: 'active' } };
-browserTest('forced colours tell flushing, runs and the cursor', forced, async (page) => {
+browserTest('forced colours show flushing, runs and focused line', forced, async (page) => {
   await cell(page, 'Runs', 2).focus();
   await bar(page).locator('.stretch.focused').waitFor();
   const styles = await bar(page).evaluate((list) =>

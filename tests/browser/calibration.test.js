@@ -17,7 +17,7 @@ async function stored(gc) {
   return rows.map(({ Level_amt }) => Level_amt);
 }
 
-browserTest('amounts, and every peak still there', { path }, async (page, gc) => {
+browserTest('amounts are sent, and every peak is still there', { path }, async (page, gc) => {
   const before = JSON.parse(await gc.report('calibration')).rows;
   await amount(page, 2).fill('85.125');
   await amount(page, 10).fill('0');
@@ -36,7 +36,7 @@ browserTest('amounts, and every peak still there', { path }, async (page, gc) =>
   assert.equal((await gc.parameters())['mLevelAmt1[2]'], 85.125);
 });
 
-browserTest('a table that is sent as it is', { path }, async (page, gc) => {
+browserTest('a table that is sent unchanged', { path }, async (page, gc) => {
   await send(page, 'calibration', (dialog) =>
     dialog.getByText('The instrument already has this table.').waitFor(),
   );
@@ -44,7 +44,7 @@ browserTest('a table that is sent as it is', { path }, async (page, gc) => {
   assert.deepEqual(await stored(gc), amounts);
 });
 
-browserTest('wrong amounts are not sent', { path }, async (page, gc) => {
+browserTest('invalid amounts are not sent', { path }, async (page, gc) => {
   for (const text of ['-', 'x', '', '1e', '-0.5', '1,234.5']) {
     await amount(page, 3).fill(text);
     await button(page, 'Compare and send…', { disabled: true }).waitFor();
@@ -53,7 +53,7 @@ browserTest('wrong amounts are not sent', { path }, async (page, gc) => {
   assert.deepEqual(await gc.changes(), []);
 });
 
-browserTest('a comma is understood as a point', { path }, async (page, gc) => {
+browserTest('a comma is read as a point', { path }, async (page, gc) => {
   await amount(page, 3).fill('1,25');
   await send(page, 'calibration', (dialog) =>
     dialog.getByRole('row', { name: '~ changed 3 1 3 Carbon dioxide 1.5 → 1.25' }).waitFor(),
@@ -70,7 +70,7 @@ browserTest('peaks cannot be added, moved or deleted', { path }, async (page) =>
   assert.equal(await page.getByRole('textbox').count(), 11);
 });
 
-browserTest('amounts that have changed meanwhile', { path }, async (page, gc) => {
+browserTest('amounts that have changed on the instrument', { path }, async (page, gc) => {
   await amount(page, 1).fill('5');
   await gc.set('mLevelAmt2[1]', 2.75);
   await button(page, 'Compare and send…').click();
@@ -82,12 +82,12 @@ browserTest('amounts that have changed meanwhile', { path }, async (page, gc) =>
   assert.equal(await amount(page, 1).inputValue(), '5');
 });
 
-browserTest('export is the report, and comes back by import', { path }, async (page, gc) => {
+browserTest('export gives the report, and import reads it', { path }, async (page, gc) => {
   const report = JSON.parse(await gc.report('calibration'));
   const { name, text } = await exported(page);
   assert.equal(name, 'calibration.json');
   assert.deepEqual(JSON.parse(text), report);
-  // A file with one peak: the others keep what they have.
+  // A file with one peak: the others keep their amounts.
   const rows = [{ Channel: 2, ID: 3, Level_amt: 0.45 }];
   await choose(page, 'one.json', JSON.stringify({ total: 1, rows }));
   await send(page, 'calibration', async (dialog) =>
@@ -97,7 +97,7 @@ browserTest('export is the report, and comes back by import', { path }, async (p
   assert.deepEqual(await stored(gc), [...amounts.slice(0, 6), 0.45, ...amounts.slice(7)]);
 });
 
-browserTest('files that are no calibration of this instrument', { path }, async (page) => {
+browserTest('files that are not a calibration of this instrument', { path }, async (page) => {
   const file = (row) => JSON.stringify({ total: 1, rows: [row] });
   await refuses(page, 'a.json', file({ Channel: 3, ID: 1, Level_amt: 1 }), 'no peak 3/1');
   await refuses(

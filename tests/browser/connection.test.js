@@ -1,4 +1,4 @@
-// What the pages do without the instrument, without the web server, unseen, and with a wrong password.
+// The pages without the instrument, without the web server, hidden, and with a wrong password.
 import assert from 'node:assert/strict';
 import { browserTests, button, describedBy, picture, says } from './support/browser.js';
 
@@ -8,8 +8,8 @@ const offline = [/ERR_INTERNET_DISCONNECTED/];
 const actions = ['Start single run…', 'Start calibration…', 'Start automation…', 'Switch', 'Load…'];
 
 /**
- * Whether the parts that show values are grey; the alarm sign is one of them. All are looked at in one
- * moment: the page may replace them in the next.
+ * Whether the parts that show values are grey, including the alarm sign. All are checked at the same
+ * moment, as the page may replace them in the next.
  */
 async function isGrey(page) {
   const { signs, filters } = await page.evaluate(() => ({
@@ -21,13 +21,13 @@ async function isGrey(page) {
   return filters.every((filter) => filter === 'grayscale(1)');
 }
 
-/** Goes to another page by its link, and waits until it is there. */
+/** Goes to another page by its link, and waits for that page. */
 async function follow(page, name) {
   await page.getByRole('link', { name, exact: true }).click();
   await page.locator('nav a[aria-current="page"]').getByText(name, { exact: true }).waitFor();
 }
 
-/** All that starts or sets something is off; what stops the instrument is not. */
+/** All actions that start or set something are disabled; those that stop the instrument are not. */
 async function allOff(page) {
   for (const name of actions) {
     const off = button(page, name, { disabled: true });
@@ -41,7 +41,7 @@ async function allOff(page) {
 const lost = { path: '#/run', isClockOurs: true };
 
 browserTest(
-  'a controller that is lost, and found',
+  'a controller that is lost and comes back',
   { ...lost, expected: unreachable },
   async (page, gc) => {
     await button(page, 'Switch', { disabled: false }).waitFor();
@@ -50,7 +50,7 @@ browserTest(
       await page.clock.fastForward(5_000);
       const alert = page.getByRole('alert').filter({ hasText: 'The instrument is not reachable.' });
       await alert.getByText('The last values are shown.').waitFor();
-      // One answer that fails is not yet a reason.
+      // One failed request is not enough.
       assert.equal(await isGrey(page), false);
       await page.clock.fastForward(11_000);
       await page
@@ -86,7 +86,7 @@ browserTest(
 );
 
 browserTest(
-  'the cursor stays in its cell when the instrument comes back',
+  'the focus stays in its cell when the instrument comes back',
   { ...lost, path: '#/calibration', expected: [/503|504/] },
   async (page, gc) => {
     const cell = page.getByLabel('Amount, level 1, peak 2', { exact: true });
@@ -109,7 +109,7 @@ browserTest(
 );
 
 browserTest(
-  'a command, and then no answers',
+  'a command, followed by no answers',
   { ...lost, expected: unreachable },
   async (page, gc) => {
     await gc.fault({ kind: 'ignore', call: 'Command' });
@@ -125,7 +125,7 @@ browserTest(
       'notice',
       'what became of it is not known: no answer has shown it within 30 s.',
     );
-    // The first answer after that tells.
+    // The first answer after that shows the end.
     await gc.command(0);
     await gc.control('fault', '--clear');
     await page.clock.fastForward(5_000);
@@ -133,14 +133,14 @@ browserTest(
   },
 );
 
-browserTest('another instrument at the same place', { isPatient: true }, async (page, gc) => {
+browserTest('another instrument at the same address', { isPatient: true }, async (page, gc) => {
   await page.getByRole('region', { name: 'Channel 2 Dimethylpolysiloxane' }).waitFor();
   await gc.control('load', 'four-channel');
   await says(page, 'application', 'Refinery gas');
   await page.getByRole('region', { name: 'Channel 3 Alumina, 10 m' }).waitFor();
 });
 
-browserTest('answers that are slow', { isClockOurs: true }, async (page, gc) => {
+browserTest('slow answers', { isClockOurs: true }, async (page, gc) => {
   await gc.command(0);
   await page.clock.fastForward(5_000);
   await says(page, 'state', 'Running');
@@ -155,7 +155,7 @@ browserTest('answers that are slow', { isClockOurs: true }, async (page, gc) => 
     await held.shift().continue();
     await answer;
   };
-  // Twice more than the three seconds that are allowed between quick answers.
+  // Twice the three seconds that are allowed between quick answers.
   await answerAfter(6);
   await page.locator('.stale-mark').waitFor({ state: 'detached' });
   await page.clock.fastForward(6_000);
@@ -203,9 +203,9 @@ browserTest(
       await gc.tell('start');
     }
     await says(page, 'state', 'Ready');
-    // By itself.
+    // Without any click.
     await page.getByLabel('Runs, line 3').waitFor();
-    // Needs the configuration too, which was not to be had either.
+    // Also needs the configuration, which could not be read either.
     await page.getByRole('link', { name: 'Run', exact: true }).click();
     await button(page, 'Switch', { disabled: false }).waitFor();
   },

@@ -1,4 +1,4 @@
-// Work that is not lost: undo, edits that were not sent, tables that were refused halfway, earlier ones.
+// No work is lost: undo, unsent edits, tables that were refused halfway, earlier tables.
 import assert from 'node:assert/strict';
 import { browserTests, button, picture, says } from './support/browser.js';
 import { choose, send } from './support/tables.js';
@@ -15,7 +15,7 @@ const runs = async (page) =>
 const isMarked = (page, name) =>
   page.getByRole('link', { name: `${name} (changes not sent)` }).waitFor();
 
-browserTest('undo goes back over everything, in order', { path }, async (page) => {
+browserTest('undo goes back through all steps, in order', { path }, async (page) => {
   await cell(page, 'Runs', 1).click();
   await page.keyboard.type('42');
   await page.keyboard.press('Enter');
@@ -54,7 +54,7 @@ browserTest('undo goes back over everything, in order', { path }, async (page) =
   assert.deepEqual(await runs(page), ['7', '3']);
 });
 
-browserTest('an import over edits asks, and can be undone', { path }, async (page) => {
+browserTest('an import over edits asks first, and can be undone', { path }, async (page) => {
   const line = { Type: 'Blank', Repeat: 9, Stream: 1, Slot: 0, Flush_time: 0 };
   const file = JSON.stringify({ Table_repeat: 1, total: 1, rows: [line] });
   await cell(page, 'Runs', 1).fill('4');
@@ -73,42 +73,38 @@ browserTest('an import over edits asks, and can be undone', { path }, async (pag
   await page.getByText('mine.json was read.').waitFor({ state: 'detached' });
 });
 
-browserTest(
-  'edits survive when the page is loaded again',
-  { path, leaves: true },
-  async (page, gc) => {
-    await page.getByText('Read at').waitFor();
-    assert.equal(await page.getByRole('link', { name: 'changes not sent' }).count(), 0);
-    await cell(page, 'Runs', 2).fill('8');
-    await isMarked(page, 'Sequence');
-    await page.reload();
-    await says(page, 'table-message', 'is still here. It has not been sent.');
-    assert.deepEqual(await runs(page), ['2', '8', '3']);
-    // Whoever looks at another page first finds them too.
-    await page.goto('/#/run');
-    await page.reload();
-    await isMarked(page, 'Sequence');
-    await button(page, 'Start automation…').click();
-    const start = page.getByRole('dialog', { name: 'Start the automation?' });
-    await start.getByText('The sequence has changes here that have not been sent.').waitFor();
-    await start.getByRole('row', { name: '2 Analysis 5 1' }).waitFor();
-    await button(start, 'Cancel').click();
-    // What somebody else has changed meanwhile is still noticed.
-    await gc.set('mRepeat[3]', 6);
-    await page.goto('/#/sequence');
-    assert.deepEqual(await runs(page), ['2', '8', '3']);
-    await button(page, 'Compare and send…').click();
-    const conflict = page.getByRole('dialog', { name: 'The instrument’s table has changed' });
-    await conflict.getByRole('row', { name: '~ changed 3 Analysis 3 → 6' }).waitFor();
-    await button(conflict, 'Keep my table and compare again').click();
-    await button(page.getByRole('dialog', { name: 'Send the sequence?' }), 'Send').click();
-    await says(page, 'table-message', 'Sent, read back, and identical.');
-    assert.equal(await page.getByRole('link', { name: 'changes not sent' }).count(), 0);
-    await page.reload();
-    await page.getByText('As on the instrument when it was read.').waitFor();
-    assert.deepEqual(await runs(page), ['2', '8', '3']);
-  },
-);
+browserTest('edits survive a reload of the page', { path, leaves: true }, async (page, gc) => {
+  await page.getByText('Read at').waitFor();
+  assert.equal(await page.getByRole('link', { name: 'changes not sent' }).count(), 0);
+  await cell(page, 'Runs', 2).fill('8');
+  await isMarked(page, 'Sequence');
+  await page.reload();
+  await says(page, 'table-message', 'is still here. It has not been sent.');
+  assert.deepEqual(await runs(page), ['2', '8', '3']);
+  // They are also found after another page was shown first.
+  await page.goto('/#/run');
+  await page.reload();
+  await isMarked(page, 'Sequence');
+  await button(page, 'Start automation…').click();
+  const start = page.getByRole('dialog', { name: 'Start the automation?' });
+  await start.getByText('The sequence has changes here that have not been sent.').waitFor();
+  await start.getByRole('row', { name: '2 Analysis 5 1' }).waitFor();
+  await button(start, 'Cancel').click();
+  // Changes made on the instrument meanwhile are still noticed.
+  await gc.set('mRepeat[3]', 6);
+  await page.goto('/#/sequence');
+  assert.deepEqual(await runs(page), ['2', '8', '3']);
+  await button(page, 'Compare and send…').click();
+  const conflict = page.getByRole('dialog', { name: 'The instrument’s table has changed' });
+  await conflict.getByRole('row', { name: '~ changed 3 Analysis 3 → 6' }).waitFor();
+  await button(conflict, 'Keep my table and compare again').click();
+  await button(page.getByRole('dialog', { name: 'Send the sequence?' }), 'Send').click();
+  await says(page, 'table-message', 'Sent, read back, and identical.');
+  assert.equal(await page.getByRole('link', { name: 'changes not sent' }).count(), 0);
+  await page.reload();
+  await page.getByText('As on the instrument when it was read.').waitFor();
+  assert.deepEqual(await runs(page), ['2', '8', '3']);
+});
 
 browserTest(
   'edits are not shown for another instrument',
@@ -146,7 +142,7 @@ browserTest(
     );
     assert.notEqual(await gc.report('sequence'), before);
     await picture(page, 'refused-halfway', 1024);
-    // Nothing of it is lost by loading the page again.
+    // A reload of the page loses nothing of it.
     await page.reload();
     await page.getByText('A table was not taken as a whole').waitFor();
     assert.deepEqual(await runs(page), ['2', '5', '4', '4']);
@@ -159,7 +155,7 @@ browserTest(
     await says(page, 'table-message', 'What was there before is on the instrument again');
     assert.equal(await gc.report('sequence'), before);
     await page.getByText('A table was not taken as a whole').waitFor({ state: 'detached' });
-    // The edits are still there to be mended and sent.
+    // The edits are still there to be corrected and sent.
     await page.getByText('Changed here, not sent.').waitFor();
     assert.deepEqual(await runs(page), ['2', '5', '4', '4']);
     await send(page, 'sequence');
@@ -208,7 +204,7 @@ browserTest('earlier tables', { path, expected: [/404/] }, async (page, gc) => {
   assert.equal(await cell(page, 'Runs', 1).inputValue(), '12');
 });
 
-browserTest('what is not right leads to its cell', { path }, async (page) => {
+browserTest('the list of faults leads to the cells', { path }, async (page) => {
   await cell(page, 'Flush time', 2).fill('x');
   await page.getByLabel('Runs of the whole table').fill('-1');
   const summary = page.getByRole('region', { name: 'Not right (2)' });

@@ -1,4 +1,4 @@
-// Texts of the instrument that would be markup or scripts: they are shown as what they are.
+// Texts from the instrument that look like markup or scripts are shown as text.
 import assert from 'node:assert/strict';
 import { mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
@@ -33,7 +33,7 @@ writeFileSync(
 
 const browserTest = browserTests();
 
-// Path, and what it shows of them.
+// The path, and the texts shown there.
 const shown = [
   ['#/status', [script, image, frame]],
   ['#/run', [script]],
@@ -44,14 +44,14 @@ const shown = [
   ['#/wall', [script, image]],
 ];
 
-/** Elements that none of the pages has, and handlers in attributes. */
+/** Elements that no page uses, and handlers in attributes. */
 const foreign =
   'img, iframe, object, embed, b, script:not([src]), svg[onload], [onerror], [onclick], a[href^="javascript"]';
 
 for (const [path, expected] of shown) {
   browserTest(`shown as text on ${path}`, { path, scenario }, async (page) => {
     for (const text of expected) {
-      // The title of a drawing is text too, which nobody sees.
+      // The title of a drawing is text, too, but it is not visible.
       await page.getByText(text).filter({ visible: true }).first().waitFor();
     }
     assert.equal(await page.locator(foreign).count(), 0);

@@ -1,10 +1,10 @@
-// A command of which nobody knows how it ended is shown until somebody has seen it.
+// A command with an unknown outcome is shown until a user acknowledges it.
 import assert from 'node:assert/strict';
 import { browserTests, button } from './support/browser.js';
 
 const browserTest = browserTests();
 
-// The gateway ends while the instrument takes its time; its answer goes with it.
+// The gateway ends before the instrument answers; the answer is lost with it.
 const expected = [/status of 50\d/, /ERR_EMPTY_RESPONSE/];
 
 browserTest('an interrupted command', { path: '#/run', expected }, async (page, gc) => {
@@ -20,7 +20,7 @@ browserTest('an interrupted command', { path: '#/run', expected }, async (page, 
   await shown
     .getByText(/^Single run on stream 1, given by operator on .*, was interrupted/)
     .waitFor();
-  // Every other page of the instrument tells of it too.
+  // Every other page for the instrument shows it, too.
   const other = await page.context().newPage();
   await other.goto('/#/status');
   await other.getByTestId('interruptions').getByText('was interrupted').waitFor();

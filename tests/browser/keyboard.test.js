@@ -1,15 +1,15 @@
-// Everything without a mouse: what Tab reaches, where the focus is seen, and where dialogs keep it.
+// Operation without a mouse: what Tab reaches, a visible focus, and dialogs that keep it.
 import assert from 'node:assert/strict';
 import { browserTests, button, says } from './support/browser.js';
 import { pages } from './support/pages.js';
 
 const browserTest = browserTests();
 
-/** In the page: what can be operated there, and is not switched off as a whole. */
+/** Runs in the page: all elements that can be operated and are not disabled. */
 const operable =
   'a[href], button:not([disabled]), input:not([disabled]), select:not([disabled]), [tabindex="0"]';
 
-/** In the page: what Tab has come to, with what is wrong there. */
+/** Runs in the page: the focused element, with its faults. */
 function focused() {
   const element = /** @type {HTMLElement} */ (document.activeElement);
   if (element === document.body) {
@@ -29,7 +29,7 @@ for (const { name, path, content } of pages) {
   const context = { viewport: { width: 800, height: 480 } };
   browserTest(`${name}: Tab reaches everything`, { path, context }, async (page) => {
     await content(page);
-    // The header comes with another answer.
+    // The header changes with another answer.
     await page.getByTestId('alarm-sign').waitFor();
     const all = await page.locator(operable).count();
     for (let count = 0; count < all + 2; count++) {
@@ -85,7 +85,7 @@ for (const [path, action] of dialogs) {
     await page.keyboard.press('Escape');
     await dialog.waitFor({ state: 'detached' });
     await isAtOpener();
-    // The same by its button, and again.
+    // The same again with its button.
     await page.keyboard.press('Space');
     await button(dialog, 'Cancel').and(page.locator(':focus')).waitFor();
     await page.keyboard.press('Enter');

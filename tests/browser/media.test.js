@@ -1,4 +1,4 @@
-// Colours that the person insists on, and paper: nothing is told by a ground that is not there.
+// Forced colours and print: nothing depends on a background that is not there.
 import assert from 'node:assert/strict';
 import { browserTests, button, says } from './support/browser.js';
 
@@ -29,7 +29,7 @@ for (const colorScheme of ['light', 'dark']) {
 }
 
 const dark = { context: { colorScheme: 'dark' } };
-browserTest('paper is white, and has nothing to press', dark, async (page) => {
+browserTest('print has a white background and no controls', dark, async (page) => {
   await says(page, 'state', 'Ready');
   const ground = () => styleOf(page.locator('body'), 'backgroundColor');
   assert.equal(await ground(), 'rgb(16, 19, 23)');
@@ -42,7 +42,7 @@ browserTest('paper is white, and has nothing to press', dark, async (page) => {
 });
 
 const narrow = { path: '#/sequence', context: { viewport: { width: 700, height: 900 } } };
-browserTest('a sequence on paper is one table', narrow, async (page) => {
+browserTest('a printed sequence is one table', narrow, async (page) => {
   await page.getByLabel('Runs, line 3').waitFor();
   const head = page.locator('thead').first();
   await head.waitFor({ state: 'hidden' });

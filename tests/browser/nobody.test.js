@@ -1,4 +1,4 @@
-// A server without passwords: everybody sees everything, and nobody can act.
+// A server without passwords: all users can read everything, and nobody can act.
 import assert from 'node:assert/strict';
 import { browserTests, button, says } from './support/browser.js';
 import { send } from './support/tables.js';
@@ -8,7 +8,7 @@ const expected = [/403/];
 const refusal =
   'You are not allowed to do this. Nothing was done. Forbidden: Commands are off until a password is set (gc-web-password).';
 
-browserTest('somebody who signs in', { expected }, async (page) => {
+browserTest('signing in', { expected }, async (page) => {
   await button(page, 'Sign in').click();
   await says(page, 'notice', `Sign in: ${refusal}`);
   await button(page, 'Sign in').waitFor();
@@ -26,6 +26,6 @@ browserTest('a table', { path: '#/sequence', expected }, async (page, gc) => {
   await send(page, 'sequence');
   await says(page, 'table-message', refusal);
   assert.deepEqual(await gc.changes(), []);
-  // What was edited is not lost.
+  // The edits are not lost.
   assert.equal(await page.getByLabel('Runs, line 1').inputValue(), '4');
 });

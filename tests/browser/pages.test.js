@@ -1,4 +1,4 @@
-// Every page: that it comes, how much comes with it, that it fits a telephone, and pictures of them.
+// Every page: it loads, is small, fits a phone; also takes pictures of them.
 import assert from 'node:assert/strict';
 import { browserTests, button, goOn, picture, says, screenshots } from './support/browser.js';
 import { pages } from './support/pages.js';
@@ -7,13 +7,13 @@ const browserTest = browserTests();
 const phone = { width: 360, height: 740 };
 
 for (const { name, path, heading, content } of pages) {
-  browserTest(`${name}: comes, from this server alone, and fits`, { path }, async (page) => {
+  browserTest(`${name}: loads, from this server alone, and fits`, { path }, async (page) => {
     await page.getByRole('heading', { name: heading, level: 1, exact: true }).waitFor();
     await page.getByRole('main').waitFor();
     await content(page);
     await page.getByText('Simulated: this is not a real instrument').waitFor();
     assert.match(await page.title(), / – Natural gas C6\+ \(simulated\)$/);
-    // On a telephone nothing reaches over the edge.
+    // On a phone, nothing extends past the edge.
     await page.setViewportSize(phone);
     assert.equal(await page.evaluate(() => document.documentElement.scrollWidth), 360);
   });
@@ -28,7 +28,7 @@ browserTest('navigation leads to every page', {}, async (page) => {
 });
 
 browserTest(
-  'the first page is less than 100 kB on its way',
+  'the first page transfers less than 100 kB',
   { path: '', isPatient: true },
   async (page) => {
     const requests = [];
@@ -50,7 +50,7 @@ browserTest(
   },
 );
 
-browserTest('an address that no page has', { path: '#/nowhere' }, async (page) => {
+browserTest('an address without a page', { path: '#/nowhere' }, async (page) => {
   await page.getByRole('heading', { name: 'Unknown page', level: 1 }).waitFor();
   await page.getByText('There is no such page.').waitFor();
 });
@@ -74,7 +74,7 @@ for (const { scenario, context } of displays) {
     if (scenario === 'everyday') {
       await picture(page, 'wall');
     }
-    // All of it can be seen, and nothing acted upon.
+    // Everything is visible, and there are no actions.
     const size = await page.evaluate(() => {
       const { scrollWidth, scrollHeight } = document.documentElement;
       return { width: scrollWidth, height: scrollHeight };
@@ -122,7 +122,7 @@ browserTest('curves while the columns warm up', warming, async (page, gc) => {
   await page.getByRole('row', { name: /^Setpoint \d/ }).waitFor();
   await page.getByRole('img', { name: 'Curve: Column pressure, channel 1' }).waitFor();
 
-  // They go on while the instrument is at work.
+  // They continue while the instrument is running.
   await page.getByLabel('Quantity').selectOption('Column temperature, all channels');
   await goOn(page, gc, 4);
   await says(page, 'state', 'Ready');
@@ -131,16 +131,16 @@ browserTest('curves while the columns warm up', warming, async (page, gc) => {
   await page.locator('main').getByText('2 min 00 s of 3 min 00 s').waitFor();
   await picture(page, 'status');
 
-  // A page that is loaded again still has them.
+  // A reloaded page still has them.
   await page.reload();
   await numbers.getByRole('row', { name: /^Channel 1 \d+\.\d+ 2\d\./ }).waitFor();
 });
 
-browserTest('on a telephone', { context: { viewport: phone } }, async (page, gc) => {
+browserTest('on a phone', { context: { viewport: phone } }, async (page, gc) => {
   await gc.command(0);
   await gc.control('step', 74);
   await page.locator('main').getByText('1 min 14 s of 3 min 00 s').waitFor();
-  // What matters most is seen without scrolling.
+  // The most important values are visible without scrolling.
   await button(page, 'Abort now…', { disabled: false }).waitFor();
   const { bottom } = await page
     .getByRole('region', { name: 'Instrument' })

@@ -1,11 +1,11 @@
-// Status and wall at a glance: the way of the gas, ends, alarms by name, no answer; nothing jumps.
+// Status and wall view at a glance: gas flow, ends, alarms by name, no answer; nothing jumps.
 import assert from 'node:assert/strict';
 import { browserTests, says } from './support/browser.js';
 import { watchShifts } from './support/shifts.js';
 
 const browserTest = browserTests();
 
-/** Lets the instrument go on, and the page's clock until it asks; waits for the answer. */
+/** Advances the instrument, and the page's clock until it makes a request; waits for the answer. */
 async function goOn(page, gc, seconds, ofPage = seconds) {
   await gc.control('step', seconds);
   await gc.forgetStatus();
@@ -38,7 +38,7 @@ for (const { path, viewport } of sizes) {
       await goOn(page, gc, 60);
     }
     await page.getByText('Ready').first().waitFor();
-    // In a run, whose seconds get more digits.
+    // During a run, when its seconds get more digits.
     await gc.command(0);
     await goOn(page, gc, 5);
     await page
@@ -47,7 +47,7 @@ for (const { path, viewport } of sizes) {
       .waitFor();
     moved = await watchShifts(page);
     for (let count = 0; count < 12; count++) {
-      // A page that waits longer thinks that there is no answer.
+      // If the page waited longer, it would report that there is no answer.
       await goOn(page, gc, 9, 1);
       assert.deepEqual(await moved(), [], `run, ${count}`);
     }
@@ -58,7 +58,7 @@ for (const { path, viewport } of sizes) {
   });
 }
 
-browserTest('the way of the gas is a list', {}, async (page) => {
+browserTest('the gas flow is a list', {}, async (page) => {
   const way = page.getByRole('region', { name: 'Gas flow' });
   const inlet = way.getByRole('list', { name: 'All channels' });
   await inlet.getByRole('listitem').filter({ hasText: 'Stream 1 of 4' }).waitFor();
@@ -69,7 +69,7 @@ browserTest('the way of the gas is a list', {}, async (page) => {
     'Column',
     'Detector',
   ]);
-  // In the order that the gas takes, also for the eye.
+  // In the order of the gas flow, on the screen as well.
   const lefts = await parts.evaluateAll((all) =>
     all.map((one) => one.getBoundingClientRect().left),
   );
@@ -95,7 +95,7 @@ for (const forcedColors of /** @type {const} */ (['none', 'active'])) {
       const [width, colour] = await look(part);
       const [usualWidth, usualColour] = await look(page.locator('.part').first());
       assert.notEqual(width, usualWidth);
-      // Colour is never the only sign; here it is none.
+      // Colour is never the only sign; here there is none.
       assert.equal(colour === usualColour, forcedColors === 'active');
       await page.getByText('no stream selector').waitFor();
       await page.getByText('Channels 2, 3, 4: not installed.').waitFor();
@@ -104,7 +104,7 @@ for (const forcedColors of /** @type {const} */ (['none', 'active'])) {
 }
 
 browserTest(
-  'marker and band can be told apart in forced colours',
+  'marker and band can be distinguished in forced colours',
   {
     context: { forcedColors: 'active' },
   },
@@ -137,7 +137,7 @@ browserTest('the end of an automation', { isClockOurs: true }, async (page, gc) 
   await says(page, 'automation-end', '(delays between runs are not known');
   await goOn(page, gc, 150);
   await says(page, 'run-end', /^\d\d:\d\d/);
-  // 20 runs of 3 min, of which one is under way; 5 flushings of 6 min in all are ahead.
+  // 20 runs of 3 min, one of them under way; 5 flushings, 6 min in all, are still to come.
   const end = await page.getByTestId('automation-end').locator('.number').innerText();
   const shown = /(\d\d):(\d\d)/.exec(end);
   const left = await page.evaluate(
@@ -154,7 +154,7 @@ browserTest('the end of an automation', { isClockOurs: true }, async (page, gc) 
 });
 
 browserTest(
-  'alarms by name, beside the sign',
+  'alarms by name, beside the alarm sign',
   { scenario: 'error', expected: [/503/] },
   async (page) => {
     const names = page.getByRole('list', { name: 'Active alarms' });
@@ -162,7 +162,7 @@ browserTest(
     assert.equal(await page.getByTestId('alarm-sign').first().innerText(), 'ALARM');
     await page.goto('/#/wall');
     await names.getByText('GC Status: Instrument Error').waitFor();
-    // What cannot be had is not said to be none.
+    // Alarms that cannot be read are not reported as none.
     await page.route('**/api/alarms', (route) => route.fulfill({ status: 503, json: {} }));
     await page.reload();
     await page.getByText(/^Which alarms are active is not known: The instrument/).waitFor();
@@ -179,7 +179,7 @@ const four = {
   isClockOurs: true,
   expected: [/503/],
 };
-browserTest('the wall fits: automation, alarms, no answer', four, async (page, gc) => {
+browserTest('the wall view fits: automation, alarms, no answer', four, async (page, gc) => {
   const fits = async (what) => {
     for (const viewport of displays) {
       await page.setViewportSize(viewport);

@@ -40,7 +40,7 @@ browserTest('a single run, and its end', { path }, async (page, gc) => {
   assert.equal(await page.getByText('the run has begun').count(), 0);
 });
 
-browserTest('somebody who signs in beforehand', {}, async (page, gc) => {
+browserTest('signing in beforehand', {}, async (page, gc) => {
   await button(page, 'Sign in').click();
   await says(page, 'notice', 'Signed in until the browser is closed.');
   assert.equal(await button(page, 'Sign in').count(), 0);
@@ -82,7 +82,7 @@ browserTest('the automation, until its run has ended', { path }, async (page, gc
   await says(page, 'automation', 'Idle');
 });
 
-browserTest('another stream', { path }, async (page, gc) => {
+browserTest('switching the stream', { path }, async (page, gc) => {
   await page.getByLabel('Stream', { exact: true }).selectOption('3');
   await button(page, 'Switch').click();
   await says(page, 'notice', 'Stream 3: the current stream is 3');
@@ -90,7 +90,7 @@ browserTest('another stream', { path }, async (page, gc) => {
   assert.equal((await gc.parameters()).mCurrentStream, 3);
 });
 
-browserTest('a solution', { path }, async (page, gc) => {
+browserTest('loading a solution', { path }, async (page, gc) => {
   await page.getByLabel('Slot', { exact: true }).selectOption('4');
   await confirm(page, 'Load…', 'Load solution 4?', 'Load');
   await says(page, 'notice', 'Solution 4: accepted. No report tells whether it is in use already.');
@@ -99,7 +99,7 @@ browserTest('a solution', { path }, async (page, gc) => {
   await says(page, 'state', /^Ready/);
 });
 
-// What is not done in time is said, with the limit in seconds.
+// A late effect is reported with the limit in seconds.
 /** @type {[string, (page: import('playwright-core').Page) => Promise<void>, number, string][]} */
 const late = [
   [
@@ -138,7 +138,7 @@ for (const [name, act, seconds, said] of late) {
   );
 }
 
-browserTest('a state that changes while the question is asked', { path }, async (page, gc) => {
+browserTest('a state that changes during the question', { path }, async (page, gc) => {
   await button(page, 'Start single run…').click();
   const dialog = page.getByRole('dialog');
   await button(dialog, 'Start', { disabled: false }).waitFor();
@@ -170,7 +170,7 @@ browserTest('an abort does not wait for another command', { path }, async (page,
   await says(page, 'notice', 'Abort now: the run was aborted at 0 s.');
 });
 
-browserTest('a password that is asked for', { path, isClockOurs: true }, async (page) => {
+browserTest('a password dialog', { path, isClockOurs: true }, async (page) => {
   await page.route('**/api/command/stream', () => {});
   await button(page, 'Switch').click();
   await says(page, 'notice', 'Stream 1: being sent.');

@@ -1,4 +1,4 @@
-// The sequence: edited by the keyboard, checked, compared, sent, read back; conflicts and files.
+// The sequence: edited by keyboard, checked, compared, sent, read back; conflicts and files.
 import assert from 'node:assert/strict';
 import { browserTests, button, describedBy, picture, says } from './support/browser.js';
 import { choose, exported, refuses, send } from './support/tables.js';
@@ -10,7 +10,7 @@ const isSame = 'Sent, read back, and identical.';
 const cell = (page, column, line) => page.getByLabel(`${column}, line ${line}`, { exact: true });
 const isFocused = (locator) => locator.and(locator.page().locator(':focus')).waitFor();
 
-browserTest('edited by the keyboard alone, sent and read back', { path }, async (page, gc) => {
+browserTest('edited by keyboard alone, sent and read back', { path }, async (page, gc) => {
   await cell(page, 'Type', 1).focus();
   const press = async (...keys) => {
     for (const key of keys) {
@@ -44,7 +44,7 @@ browserTest('edited by the keyboard alone, sent and read back', { path }, async 
   ]);
 });
 
-browserTest('a wrong value is not sent', { path }, async (page, gc) => {
+browserTest('an invalid value is not sent', { path }, async (page, gc) => {
   const runs = cell(page, 'Runs', 2);
   for (const [text, problem] of [
     ['many', 'not a whole number'],
@@ -96,7 +96,7 @@ browserTest('lines are added, copied, moved and deleted', { path }, async (page,
   );
 });
 
-browserTest('no more than twenty lines, and no less than one', { path }, async (page) => {
+browserTest('no more than twenty lines, and no fewer than one', { path }, async (page) => {
   for (let line = 4; line <= 20; line++) {
     await button(page, 'Add line').click();
   }
@@ -109,14 +109,14 @@ browserTest('no more than twenty lines, and no less than one', { path }, async (
   await button(page, 'Delete line 1', { disabled: true }).waitFor();
 });
 
-browserTest('a table that has changed meanwhile', { path }, async (page, gc) => {
+browserTest('a table that has changed on the instrument', { path }, async (page, gc) => {
   await cell(page, 'Runs', 1).fill('4');
   await gc.set('mRepeat[2]', 9);
   await button(page, 'Compare and send…').click();
   const conflict = page.getByRole('dialog', { name: 'The instrument’s table has changed' });
   await conflict.getByRole('row', { name: '~ changed 2 Analysis 5 → 9' }).waitFor();
   assert.deepEqual(await gc.changes(), []);
-  // On top of that, but then it changes again while somebody looks at the differences.
+  // The edits are kept, but the table changes again during the review.
   await button(conflict, 'Keep my table and compare again').click();
   const dialog = page.getByRole('dialog', { name: 'Send the sequence?' });
   await dialog.getByRole('row', { name: '~ changed 2 Analysis 9 → 5' }).waitFor();
@@ -131,7 +131,7 @@ browserTest('a table that has changed meanwhile', { path }, async (page, gc) => 
 });
 
 browserTest(
-  'a table of which the instrument takes half',
+  'a table of which the instrument stores half',
   { path, expected: [/409/] },
   async (page, gc) => {
     await cell(page, 'Runs', 3).fill('4');
@@ -150,22 +150,26 @@ browserTest(
   },
 );
 
-browserTest('a table that the instrument takes and does not keep', { path }, async (page, gc) => {
-  await cell(page, 'Runs', 1).fill('4');
-  await gc.fault({ kind: 'ignore', times: 0 });
-  await send(page, 'sequence');
-  await says(
-    page,
-    'table-message',
-    'The instrument accepted the table, but what it has now differs:',
-  );
-  await page
-    .getByTestId('table-message')
-    .getByRole('row', { name: '~ changed 1 Calibration 4 → 2' })
-    .waitFor();
-});
+browserTest(
+  'a table that the instrument accepts but does not store',
+  { path },
+  async (page, gc) => {
+    await cell(page, 'Runs', 1).fill('4');
+    await gc.fault({ kind: 'ignore', times: 0 });
+    await send(page, 'sequence');
+    await says(
+      page,
+      'table-message',
+      'The instrument accepted the table, but what it has now differs:',
+    );
+    await page
+      .getByTestId('table-message')
+      .getByRole('row', { name: '~ changed 1 Calibration 4 → 2' })
+      .waitFor();
+  },
+);
 
-browserTest('no table while something runs', { path }, async (page, gc) => {
+browserTest('no table is sent during a run', { path }, async (page, gc) => {
   await cell(page, 'Runs', 1).waitFor();
   await gc.command(0);
   const off = button(page, 'Compare and send…', { disabled: true });
@@ -173,7 +177,7 @@ browserTest('no table while something runs', { path }, async (page, gc) => {
   assert.match(await describedBy(off), /^The instrument takes tables only while nothing runs\./);
 });
 
-browserTest('what was edited stays while other pages are looked at', { path }, async (page) => {
+browserTest('edits stay while other pages are shown', { path }, async (page) => {
   await cell(page, 'Runs', 1).fill('4');
   await page.getByRole('link', { name: 'Alarms' }).click();
   await page.getByRole('heading', { name: 'Alarms', level: 1 }).waitFor();
@@ -186,7 +190,7 @@ browserTest('what was edited stays while other pages are looked at', { path }, a
   assert.equal(await cell(page, 'Runs', 1).inputValue(), '2');
 });
 
-browserTest('export is the report, and comes back by import', { path }, async (page, gc) => {
+browserTest('export gives the report, and import reads it', { path }, async (page, gc) => {
   const report = JSON.parse(await gc.report('sequence'));
   const { name, text } = await exported(page);
   assert.equal(name, 'sequence.json');
@@ -206,7 +210,7 @@ browserTest('export is the report, and comes back by import', { path }, async (p
   assert.deepEqual(JSON.parse(await gc.report('sequence')), shorter);
 });
 
-browserTest('files that are no sequence', { path }, async (page) => {
+browserTest('files that are not a sequence', { path }, async (page) => {
   await refuses(
     page,
     'a.json',

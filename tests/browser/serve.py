@@ -1,9 +1,9 @@
 """One instrument with its pages, until standard input ends: gc-sim behind lighttpd and the gateway.
 
-The first line on standard output says, as JSON, where everything is. After that each line on
-standard input is answered: `stop` and `start` end the simulated controller and start it anew,
-`kill-gateway` ends the gateway of the command that is going on.
-Takes the modules of the system tests and of the web server's tests, which are in `PYTHONPATH`.
+The first line on standard output gives all addresses and folders as JSON. After that, each line on
+standard input is answered: `stop` and `start` end the simulated controller and start it again,
+`kill-gateway` ends the gateway of the command under way.
+Uses the modules of the system tests and of the web server's tests, from `PYTHONPATH`.
 """
 
 import argparse

@@ -1,11 +1,11 @@
-// Who is signed in, and that the browser has forgotten the password once somebody has signed out.
+// The user and the versions; after signing out, the browser has forgotten the password.
 import assert from 'node:assert/strict';
 import { browserTests, button, says } from './support/browser.js';
 
 const browserTest = browserTests();
 const path = '#/run';
 
-browserTest('who is signed in, and of which versions', { path }, async (page, gc) => {
+browserTest('the user and the versions', { path }, async (page, gc) => {
   await button(page, 'Switch').click();
   await says(page, 'session', 'Signed in as operator');
   await page.reload();
@@ -15,10 +15,10 @@ browserTest('who is signed in, and of which versions', { path }, async (page, gc
   assert.ok(await gc.report('about'));
 });
 
-browserTest('signed out', { path, expected: [/401/] }, async (page, gc) => {
+browserTest('signing out', { path, expected: [/401/] }, async (page, gc) => {
   await button(page, 'Sign in').click();
   await says(page, 'notice', 'Signed in until the browser is closed.');
-  // Whenever the browser asks from here on, it gets a wrong one: what goes, goes with what it has kept.
+  // From here on, the browser offers a wrong password: only a stored one can be accepted.
   await page.context().setHTTPCredentials({ ...gc.credentials, password: 'wrong' });
   const switched = () => page.waitForResponse('**/api/command/stream');
   const kept = switched();
@@ -28,7 +28,7 @@ browserTest('signed out', { path, expected: [/401/] }, async (page, gc) => {
   await button(page, 'Sign out').click();
   await says(page, 'notice', 'Signed out. The next command asks who you are.');
   await button(page, 'Sign in').waitFor();
-  // Of a page that is loaded again too.
+  // Even in a reloaded page.
   for (const load of [() => {}, () => page.reload()]) {
     await load();
     await button(page, 'Switch', { disabled: false }).waitFor();

@@ -1,4 +1,4 @@
-// The picture of the calibration: sticks that follow the cursor, sums, changes before they are sent.
+// The picture of the calibration: sticks that follow the focus, sums, changes before they are sent.
 import assert from 'node:assert/strict';
 import { browserTests, button, picture } from './support/browser.js';
 import { watchShifts } from './support/shifts.js';
@@ -16,11 +16,11 @@ const sum = (page, name) =>
     .filter({ has: page.locator('dt').getByText(name, { exact: true }) })
     .locator('dd');
 
-/** Waits until a number or a text is there. */
+/** Waits for a number or a text. */
 const shows = (locator, text) =>
   locator.and(locator.page().getByText(text, { exact: true })).waitFor();
 
-browserTest('the sum of amounts as one types', { path }, async (page, gc) => {
+browserTest('the sum of amounts during typing', { path }, async (page, gc) => {
   await shows(sum(page, 'Sum of all'), '100.05');
   await shows(sum(page, 'Compared with 100'), '0.05 above');
   const methane = amount(page, 2);
@@ -54,7 +54,7 @@ browserTest('sticks and cells lead to each other', { path }, async (page) => {
   await page.keyboard.press('Enter');
   await marked.and(page.getByLabel(/^i-Pentane:/)).waitFor();
   await picture(page, 'calibration-sticks');
-  // With the mouse: where the stick is, and on its name.
+  // With the mouse: on the stick, and on its name.
   await page
     .getByLabel(/^Methane:/)
     .locator('circle')
@@ -62,7 +62,7 @@ browserTest('sticks and cells lead to each other', { path }, async (page) => {
   await amount(page, 2).and(page.locator(':focus')).waitFor();
   await page.locator('.name').getByText('n-Hexane').click();
   await amount(page, 11).and(page.locator(':focus')).waitFor();
-  // With the keyboard: one stop for each channel.
+  // With the keyboard: one tab stop for each channel.
   await peaks(page, 1).first().focus();
   for (const key of ['Tab', 'ArrowRight', 'ArrowRight', 'ArrowLeft', 'Enter']) {
     await page.keyboard.press(key);
@@ -70,7 +70,7 @@ browserTest('sticks and cells lead to each other', { path }, async (page) => {
   await amount(page, 6).and(page.locator(':focus')).waitFor();
 });
 
-/** Rectangles of what is shown of these on the screen. */
+/** Rectangles of those elements that are visible. */
 const boxes = (locator) =>
   locator.evaluateAll((all) =>
     all.map((one) => {
@@ -81,7 +81,7 @@ const boxes = (locator) =>
 
 for (const [name, context] of Object.entries({ desktop: {}, phone })) {
   const options = { path, scenario: 'four-channel', context };
-  browserTest(`no name lies on another, ${name}`, options, async (page) => {
+  browserTest(`names do not overlap, ${name}`, options, async (page) => {
     await amount(page, 399).focus();
     await page.locator('.stick.focused').waitFor();
     for (const channel of [1, 2, 3, 4]) {
@@ -129,7 +129,7 @@ const paper = {
   scenario: 'four-channel',
   context: { viewport: { width: 1400, height: 700 } },
 };
-browserTest('all channels are on paper', paper, async (page) => {
+browserTest('all channels are printed', paper, async (page) => {
   await peaks(page, 4).first().waitFor();
   await page.emulateMedia({ media: 'print' });
   for (const channel of [1, 2, 3, 4]) {
@@ -147,7 +147,7 @@ browserTest('all channels are on paper', paper, async (page) => {
 });
 
 const forced = { path, context: { forcedColors: 'active' } };
-browserTest('forced colours show the marked peak by its shape too', forced, async (page) => {
+browserTest('forced colours show the marked peak by its shape, too', forced, async (page) => {
   await amount(page, 5).focus();
   const width = (name) =>
     page

@@ -1,12 +1,12 @@
 #!/usr/bin/env node
-// Takes pictures of Status and Wall in every state, light, dark and on a telephone, for people to
-// look at: take-pictures.js FOLDER [STATE...]. Needs what `run` needs, built.
+// Takes pictures of Status and Wall in every state, light, dark and on a phone, for inspection:
+// take-pictures.js FOLDER [STATE...]. Needs what `run` needs, already built.
 import { mkdirSync } from 'node:fs';
 import { chromium } from 'playwright-core';
 import { flags, goOn } from './support/browser.js';
 import { Instrument } from './support/instrument.js';
 
-/** How each state comes about; `after` brings back what the others need. */
+/** How to reach each state; `after` restores what the other states need. */
 const states = {
   ready: { go: (page, gc) => goOn(page, gc, 11) },
   running: {

@@ -1,4 +1,4 @@
-// What the pages say while something goes wrong, or is done from elsewhere.
+// What the pages say when something goes wrong or is done from elsewhere.
 import assert from 'node:assert/strict';
 import { browserTests, button, describedBy, picture, says } from './support/browser.js';
 
@@ -62,7 +62,7 @@ browserTest(
     await startRun(page);
     await says(page, 'notice', 'Single run on stream 1: accepted.');
     await page.clock.fastForward(8_000);
-    // What is shown is of before the start.
+    // The status shown is from before the start.
     await says(page, 'state', /^Ready$/);
     await button(page, 'Stop after this run', { disabled: false }).waitFor();
     await abort(page, /^Nothing seems to be running \(state at \d\d:\d\d:\d\d: Ready\)/);
@@ -76,7 +76,7 @@ browserTest(
   },
 );
 
-browserTest('a run that somebody else aborts', { path }, async (page, gc) => {
+browserTest('a run that is aborted from elsewhere', { path }, async (page, gc) => {
   await startRun(page);
   await says(page, 'notice', 'the run has begun.');
   await gc.control('step', 37);
@@ -121,7 +121,7 @@ browserTest('an automation, to its end', { path }, async (page, gc) => {
 });
 
 browserTest(
-  'a command of which the answer is not known',
+  'a command without an answer',
   { path, expected: [/status of 50\d/, /ERR_EMPTY_RESPONSE/] },
   async (page, gc) => {
     await gc.fault({ kind: 'delay', call: 'Command', seconds: 1 });
@@ -130,14 +130,14 @@ browserTest(
     while (commands.length === 0) {
       commands = (await gc.changes()).filter(({ call }) => call === 'Command');
     }
-    // Its tool stays, and so the instrument has the command: the status tells.
+    // The tool still runs, so the instrument gets the command, and the status shows it.
     await gc.tell('kill-gateway');
     await says(page, 'notice', 'Single run on stream 1: the run has begun.');
     await page.getByTestId('interruptions').getByText('was interrupted').waitFor();
   },
 );
 
-browserTest('trouble in title and icon', {}, async (page, gc) => {
+browserTest('trouble in the title and the icon', {}, async (page, gc) => {
   const icon = (name) => page.locator(`link[rel="icon"][href="./${name}.svg"]`);
   await icon('icon').waitFor({ state: 'attached' });
   await gc.set('mAmbientTemp', 60);
@@ -152,7 +152,7 @@ browserTest('trouble in title and icon', {}, async (page, gc) => {
   }
 });
 
-browserTest('a hidden window whose own timers stand still', { isPatient: true }, async (page) => {
+browserTest('a hidden window with timers that stand still', { isPatient: true }, async (page) => {
   await page.getByRole('region', { name: 'Channel 1' }).waitFor();
   // As after some minutes in the background: only the worker still ticks.
   await page.evaluate(() => {
@@ -164,13 +164,13 @@ browserTest('a hidden window whose own timers stand still', { isPatient: true },
     }
     window.setTimeout = /** @type {any} */ (() => 0);
   });
-  // The first may have been under way.
+  // The first request may have been under way.
   await page.waitForResponse('**/api/status');
   await page.waitForResponse('**/api/status');
 });
 
 browserTest(
-  'tables that come by themselves',
+  'tables that are read again without a click',
   { path: '#/sequence', expected: unreachable },
   async (page, gc) => {
     const runs = page.getByLabel('Runs, line 1', { exact: true });
@@ -196,7 +196,7 @@ browserTest(
 );
 
 browserTest(
-  'on the first screen of a telephone',
+  'on the first screen of a phone',
   { context: { viewport: { width: 360, height: 740 } } },
   async (page, gc) => {
     await gc.command(0);

@@ -1,4 +1,4 @@
-// Units of values: those that the web server's settings name, and no others.
+// Units of values: those named in the web server's settings, and no others.
 import assert from 'node:assert/strict';
 import { browserTests } from './support/browser.js';
 import { pages } from './support/pages.js';

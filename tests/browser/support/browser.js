@@ -1,4 +1,4 @@
-// Pages in Chromium, and what must never happen in one.
+// Pages in Chromium, and what must never happen in them.
 import assert from 'node:assert/strict';
 import { mkdirSync } from 'node:fs';
 import { after, before, test } from 'node:test';
@@ -10,7 +10,7 @@ export const screenshots = fileURLToPath(
   new URL('../../../build/web/screenshots', import.meta.url),
 );
 
-/** Milliseconds that anything awaited may take; on a busy machine most of it is needed. */
+/** Milliseconds for anything awaited; a busy machine needs most of them. */
 const limit = 20_000;
 
 export const flags = [
@@ -25,8 +25,8 @@ export const flags = [
 ];
 
 /**
- * Collects what no page may do; `expected` are console errors that the test brings about, `leaves`
- * says that it leaves a page which asks whether edits may go.
+ * Collects what no page may do. `expected`: console errors that the test causes. `leaves`: the test
+ * leaves a page that asks whether edits may be lost.
  */
 function watch(page, origin, expected, leaves) {
   const complaints = [];
@@ -55,35 +55,35 @@ function watch(page, origin, expected, leaves) {
   return complaints;
 }
 
-/** Runs in the page, before anything of its own. */
+/** Runs in the page, before its own code. */
 function inPage(isImpatient) {
   document.addEventListener('securitypolicyviolation', (event) => {
     console.error(`violates ${event.violatedDirective}: ${event.blockedURI}`);
   });
   if (isImpatient) {
-    // Pages ask at once when they are shown again: nobody waits for the next of the quiet requests.
+    // Pages request the status at once when they become visible, so tests need not wait 5 s for it.
     setInterval(() => document.dispatchEvent(new Event('visibilitychange')), 200);
   }
 }
 
 /**
- * The tests of one file share a browser and an instrument, whose scenario is loaded anew for each.
+ * The tests of one file share a browser and an instrument; its scenario is loaded again for each.
  *
- * Returns a function to define one: a name, options, and a body that gets the page and the
- * instrument. Options, all of which may be left out:
- * - `path`: where the page is when the body begins; `#/status`;
+ * Returns a function that defines a test: a name, options, and a body that gets the page and the
+ * instrument. All options may be left out:
+ * - `path`: the page's address when the body begins; `#/status`;
  * - `scenario`: a shipped one, or a file; `everyday`;
- * - `isPatient`: the page asks for the status when it thinks it is time, not as often as it can;
- * - `isClockOurs`: the body can advance the page's clock; implies the one before;
- * - `expected`: patterns of console errors that the test brings about;
- * - `leaves`: the body loads a page again that asks whether edits may go, and is answered yes;
+ * - `isPatient`: the page requests the status at its own intervals, not as often as it can;
+ * - `isClockOurs`: the body can advance the page's clock; implies `isPatient`;
+ * - `expected`: patterns of console errors that the test causes;
+ * - `leaves`: the body reloads a page that asks whether edits may be lost; the answer is yes;
  * - `context`: options of the browser's context.
  */
 export function browserTests(...serverOptions) {
   let browser;
   let instrument;
   before(async () => {
-    // One after the other: a browser that nobody knows of would keep this process from ending.
+    // One after the other: an unknown browser would keep this process from ending.
     instrument = await Instrument.start(...serverOptions);
     browser = await chromium.launch({ executablePath: '/usr/bin/chromium', args: flags });
   });
@@ -125,7 +125,7 @@ export function browserTests(...serverOptions) {
     });
 }
 
-/** Takes a picture of the page for people to look at, without what is empty beside it and below. */
+/** Takes a picture of the page, without the empty space beside and below it, for inspection. */
 export async function picture(page, name, width = page.viewportSize().width) {
   const before = page.viewportSize();
   await page.setViewportSize({ ...before, width });
@@ -145,12 +145,12 @@ export function button(where, name, options = {}) {
   return where.getByRole('button', { name, exact: true, ...options });
 }
 
-/** Waits until an element with this test id says so. */
+/** Waits until an element with this test id contains the text. */
 export async function says(page, testId, text) {
   await page.getByTestId(testId).filter({ hasText: text }).waitFor();
 }
 
-/** The texts by which an element is described, which for an action that is off is the reason. */
+/** The texts that describe an element; for a disabled action, the reason. */
 export function describedBy(locator) {
   return locator.evaluate((element) =>
     (element.getAttribute('aria-describedby') ?? '')
@@ -160,7 +160,7 @@ export function describedBy(locator) {
   );
 }
 
-/** Lets the instrument and the page's clock go on, with an answer every 15 seconds. */
+/** Advances the instrument and the page's clock, with an answer every 15 seconds. */
 export async function goOn(page, gc, minutes) {
   for (let minute = 0; minute < minutes; minute += 0.25) {
     await gc.control('step', 15);

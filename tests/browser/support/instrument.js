@@ -1,4 +1,4 @@
-// An instrument with its web server, in a process of their own that ends with this one.
+// An instrument with its web server, in a separate process that ends with this one.
 import { execFile, spawn } from 'node:child_process';
 import { rm } from 'node:fs/promises';
 import { createInterface } from 'node:readline';
@@ -10,7 +10,7 @@ const tests = fileURLToPath(new URL('../..', import.meta.url));
 const pages = process.env.GC_PAGES ?? `${tests}../build/web/pages`;
 
 export class Instrument {
-  /** `options`: of serve.py. */
+  /** `options`: for serve.py. */
   static async start(...options) {
     const server = spawn('/usr/bin/python3', [`${tests}browser/serve.py`, pages, ...options], {
       stdio: ['pipe', 'pipe', 'inherit'],
@@ -37,7 +37,7 @@ export class Instrument {
     this.program = control;
   }
 
-  /** Gives gc-simctl a verb and returns the controller's answer. */
+  /** Passes a verb to gc-simctl and returns the controller's answer. */
   async control(...verb) {
     const [program, ...options] = this.program;
     const { stdout } = await run(program, [...options, ...verb.map(String)], {
@@ -46,10 +46,10 @@ export class Instrument {
     return JSON.parse(stdout);
   }
 
-  /** Another scenario, or the same anew, of which the gateway's answers are from then on. */
+  /** Loads a scenario, and waits until the gateway's answers are about it. */
   async load(scenario) {
     await this.control('load', scenario);
-    // It may just be about to keep the status of the scenario before.
+    // The gateway may still be about to store the status of the previous scenario.
     let isKept = true;
     while (isKept) {
       await this.forgetStatus();
@@ -60,12 +60,12 @@ export class Instrument {
     this.seen = (await this.control('journal', 1)).lines.at(-1)?.connection ?? 0;
   }
 
-  /** Removes the status that the gateway keeps for a second, for all who ask. */
+  /** Removes the status that the gateway keeps for a second and shares. */
   forgetStatus() {
     return rm(`${this.state}/status.answer`, { force: true });
   }
 
-  /** As an operator at the front panel. */
+  /** Gives a command, as an operator at the front panel would. */
   command(number) {
     return this.control('command', number);
   }
@@ -78,12 +78,12 @@ export class Instrument {
     return this.control('fault', JSON.stringify(fault));
   }
 
-  /** Every parameter by its name. */
+  /** Every parameter by name. */
   async parameters() {
     return (await this.control('snapshot')).parameters;
   }
 
-  /** Instrument commands that were given and batches that were written since the scenario was loaded. */
+  /** Instrument commands and batches written since the scenario was loaded. */
   async changes() {
     const { lines } = await this.control('journal');
     return lines.filter(
@@ -91,14 +91,14 @@ export class Instrument {
     );
   }
 
-  /** The gateway's answer to a report, past the browser. */
+  /** The gateway's answer to a report, bypassing the browser. */
   async report(name) {
     return (await fetch(`${this.origin}/api/${name}`)).text();
   }
 
   /**
-   * `stop` or `start`: the controller, not the web server; `kill-gateway`: of the command that is going
-   * on, whose tool stays.
+   * `stop` or `start`: the controller, not the web server; `kill-gateway`: kills the gateway of the
+   * command under way, but not its tool.
    */
   async tell(word) {
     this.server.stdin.write(`${word}\n`);
@@ -108,7 +108,7 @@ export class Instrument {
     }
   }
 
-  /** Ends both; fails when one of them did not end well. */
+  /** Ends the server process; fails if it reports an error. */
   async stop() {
     const ended = new Promise((resolve) => this.server.once('exit', resolve));
     this.server.stdin.end();

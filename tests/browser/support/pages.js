@@ -1,6 +1,6 @@
-// The pages of the everyday instrument: where each is, and how one sees that all of it has come.
+// The pages of the everyday instrument: their addresses, and how to tell that they are complete.
 
-/** `link`: to it, in the navigation. `content`: waits for what the instrument answers. */
+/** `link`: its name in the navigation. `content`: waits for what comes from the instrument. */
 export const pages = [
   {
     name: 'status',
@@ -49,7 +49,7 @@ export const pages = [
     heading: 'Configuration',
     content: (page) => page.getByText('120033').waitFor(),
   },
-  // Last: it has no way on but to the first.
+  // Last, as its only link leads to the first page.
   {
     name: 'wall',
     link: 'Wall',

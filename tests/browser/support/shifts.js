@@ -1,13 +1,13 @@
-// What moves on a page without being asked to.
+// Layout shifts: what moves on a page by itself.
 
-/** Begins to watch; returns a function that says what has moved since. */
+/** Starts to watch; returns a function that reports what has moved since. */
 export async function watchShifts(page) {
   await page.evaluate(() => {
     const shifts = [];
     new PerformanceObserver((list) => {
       for (const { value, sources } of /** @type {any[]} */ (list.getEntries())) {
         if (value < 0.0005) {
-          // Not even a letter.
+          // Less than a letter.
           continue;
         }
         const moved = sources.map(({ node }) => node?.outerHTML?.slice(0, 80) ?? String(node));
@@ -17,7 +17,7 @@ export async function watchShifts(page) {
     /** @type {any} */ (window).shifts = shifts;
   });
   return async () => {
-    // They are told when the next picture has been drawn.
+    // Shifts are reported after the next frame is drawn.
     await page.evaluate(
       () =>
         new Promise((done) => requestAnimationFrame(() => requestAnimationFrame(() => done(null)))),

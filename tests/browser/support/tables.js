@@ -1,10 +1,10 @@
-// What the tests of both tables do alike.
+// What the tests of both tables have in common.
 import assert from 'node:assert/strict';
 import { readFile } from 'node:fs/promises';
 import { button, says } from './browser.js';
 
 /**
- * Compares with the instrument, looks at the dialog, and sends.
+ * Compares with the instrument, checks the dialog, and sends.
  * @param {import('playwright-core').Page} page
  * @param {string} kind
  * @param {(dialog: import('playwright-core').Locator) => Promise<unknown>} look
@@ -17,7 +17,7 @@ export async function send(page, kind, look = async () => {}) {
   await button(dialog, 'Send').click();
 }
 
-/** What `Export` gives, under its name. */
+/** The file that `Export` saves, and its name. */
 export async function exported(page) {
   const [download] = await Promise.all([
     page.waitForEvent('download'),
@@ -37,7 +37,7 @@ export async function choose(page, name, contents) {
   await chooser.setFiles({ name, mimeType: 'application/json', buffer: Buffer.from(contents) });
 }
 
-/** A file that is no table, or not this instrument's, says why and changes nothing. */
+/** A file that is not a table of this instrument is refused with a reason and changes nothing. */
 export async function refuses(page, name, contents, reason) {
   await choose(page, name, contents);
   await says(page, 'table-message', reason);
