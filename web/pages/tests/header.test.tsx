@@ -118,7 +118,17 @@ describe('the header', () => {
       'The instrument is not reachable. No way. The last values are shown.',
     ]);
     await setStatus(undefined);
-    expect(textsOf('[role=alert] p')).toEqual(['The instrument is not reachable. No way.']);
+    expect(textsOf('[role=alert] p')).toEqual([
+      'The instrument is not reachable. No way. If it has never been: its address is var.instrument in /etc/gc-web/lighttpd.conf.',
+    ]);
+    await act(() => {
+      statusFault.value = {
+        status: 504,
+        text: 'The instrument did not answer in time.',
+        detail: '',
+      };
+    });
+    expect(textsOf('[role=alert] p')).toEqual(['The instrument did not answer in time.']);
   });
 });
 

@@ -71,7 +71,10 @@ function Faults() {
       {fault && (
         <p class="message bad">
           {describeFault(fault)}
-          {status.value && ' The last values are shown.'}
+          {status.value
+            ? ' The last values are shown.'
+            : fault.status === 503 &&
+              ' If it has never been: its address is var.instrument in /etc/gc-web/lighttpd.conf.'}
         </p>
       )}
     </div>
