@@ -79,7 +79,7 @@ browserTest('edits survive a reload of the page', { path, leaves: true }, async 
   await cell(page, 'Runs', 2).fill('8');
   await isMarked(page, 'Sequence');
   await page.reload();
-  await says(page, 'table-message', 'is still here. It has not been sent.');
+  await says(page, 'table-message', 'are still here. It has not been sent.');
   assert.deepEqual(await runs(page), ['2', '8', '3']);
   // They are also found after another page was shown first.
   await page.goto('/#/run');
@@ -133,7 +133,7 @@ browserTest(
     await button(page, 'Duplicate line 3').click();
     await gc.fault({ kind: 'status', call: 'Write', nth: 3, status: 207 });
     await send(page, 'sequence', (dialog) =>
-      dialog.getByText('If it refuses a line, the lines before that one are there').waitFor(),
+      dialog.getByText('If it refuses a line, the lines before it are stored').waitFor(),
     );
     await says(
       page,
@@ -152,7 +152,7 @@ browserTest(
     await dialog.getByText('The changes made here are kept, and not sent.').waitFor();
     await picture(page, 'restore', 1024);
     await button(dialog, 'Restore').click();
-    await says(page, 'table-message', 'What was there before is on the instrument again');
+    await says(page, 'table-message', 'The previous table is on the instrument again');
     assert.equal(await gc.report('sequence'), before);
     await page.getByText('A table was not taken as a whole').waitFor({ state: 'detached' });
     // The edits are still there to be corrected and sent.
@@ -175,7 +175,7 @@ browserTest(
     await says(page, 'table-message', '(error 207) at channel 2, peak 2.');
     await button(page, 'Restore the previous table…').click();
     await button(page.getByRole('dialog', { name: 'Restore the calibration?' }), 'Restore').click();
-    await says(page, 'table-message', 'What was there before is on the instrument again');
+    await says(page, 'table-message', 'The previous table is on the instrument again');
     assert.deepEqual(JSON.parse(await gc.report('calibration')), before);
   },
 );

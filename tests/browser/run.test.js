@@ -198,7 +198,7 @@ browserTest('a stream switch that is refused', { path, expected }, async (page, 
   await says(
     page,
     'notice',
-    /Stream 1: The instrument refused\. The instrument does not take this .*\(error 207\)/,
+    /Stream 1: The instrument refused\. The instrument does not accept this .*\(error 207\)/,
   );
 });
 

@@ -174,7 +174,7 @@ browserTest('no table is sent during a run', { path }, async (page, gc) => {
   await gc.command(0);
   const off = button(page, 'Compare and send…', { disabled: true });
   await off.waitFor();
-  assert.match(await describedBy(off), /^The instrument takes tables only while nothing runs\./);
+  assert.match(await describedBy(off), /^The instrument accepts tables only while nothing runs\./);
 });
 
 browserTest('edits stay while other pages are shown', { path }, async (page) => {
