@@ -79,7 +79,7 @@ browserTest('edits survive a reload of the page', { path, leaves: true }, async 
   await cell(page, 'Runs', 2).fill('8');
   await isMarked(page, 'Sequence');
   await page.reload();
-  await says(page, 'table-message', 'are still here. It has not been sent.');
+  await says(page, 'table-message', 'are still here. They have not been sent.');
   assert.deepEqual(await runs(page), ['2', '8', '3']);
   // They are also found after another page was shown first.
   await page.goto('/#/run');

@@ -179,7 +179,7 @@ export class Editor extends Editing {
     this.reset(unsent);
     if (unsent) {
       const text = 'The changes made here before the page was reloaded are still here.';
-      this.say('good', `${text} It has not been sent.`);
+      this.say('good', `${text} They have not been sent.`);
     }
   }
 

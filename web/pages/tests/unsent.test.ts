@@ -66,7 +66,7 @@ describe('unsent edits', () => {
     expect([stream(), base.value, readAt.value]).toEqual(['3', table, time]);
     expect(sequenceEditor.message.value).toMatchObject({
       kind: 'good',
-      text: 'The changes made here before the page was reloaded are still here. It has not been sent.',
+      text: 'The changes made here before the page was reloaded are still here. They have not been sent.',
     });
     expect(calibrationEditor.draft.value).toBeUndefined();
     edit('1');
