@@ -239,6 +239,9 @@ class WebServer:
         with socket.socket() as client:
             return client.connect_ex((self.address, WEB_PORT)) == 0
 
+    def has_ended(self) -> bool:
+        return self._process.poll() is not None
+
     def programs(self) -> int:
         """The number of its child processes."""
         tasks = Path(f"/proc/{self.pid}/task")

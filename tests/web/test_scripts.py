@@ -1,6 +1,7 @@
 """The web server's scripts: the gate, passwords, certificates."""
 
 import re
+import socket
 import ssl
 import subprocess
 from concurrent.futures import ThreadPoolExecutor
@@ -160,6 +161,17 @@ def test_certificate(folder: Path) -> None:
         assert complaint(set_certificate(file, bad))
     assert file.read_bytes() == before
     assert [path.name for path in folder.iterdir()] == ["server.pem"]
+
+
+def test_certificate_for_the_names_of_the_machine(folder: Path) -> None:
+    """Without any names; there is always the machine itself."""
+    file = folder / "server.pem"
+    assert set_certificate(file).returncode == 0
+    command = ["openssl", "x509", "-in", file, "-noout", "-ext", "subjectAltName"]
+    told = subprocess.run(command, check=True, capture_output=True, text=True).stdout
+    names = re.findall(r"(?:DNS|IP Address):([^,\s]+)", told)
+    assert {socket.gethostname(), "localhost", "127.0.0.1"} <= set(names)
+    assert len(names) == len(set(names))
 
 
 def test_key_is_never_readable(folder: Path) -> None:

@@ -1,14 +1,18 @@
 """The web server's environment: log rotation, restarts, a missing folder, libraries."""
 
+import fcntl
 import gzip
 import os
 import random
 import select
 import signal
+import subprocess
 from pathlib import Path
 
+import pytest
 from conftest import StartServer, StartSimulator
-from server import HEADERS, PASSWORD, Browser, WebServer, wait_until
+from programs import LIMIT
+from server import CONFIGURATION, HEADERS, PASSWORD, Browser, WebServer, wait_until
 
 
 def starts(server: WebServer) -> int:
@@ -53,6 +57,30 @@ def test_restart_during_a_command(
         # it.
         assert not select.select([acting], [], [], 0)[0] or acting.recv(1) == b""
         controller.stop()
+
+
+def is_awaited(lock: Path) -> bool:
+    """Whether somebody waits for a lock on this file."""
+    lines = Path("/proc/locks").read_text(encoding="ascii").splitlines()
+    return any("->" in line and f":{lock.stat().st_ino} " in line for line in lines)
+
+
+@pytest.mark.parametrize("name", ["command.lock", "abort-now.lock"])
+def test_stop_waits_for_a_begun_command(start_server: StartServer, name: str) -> None:
+    """Even if no browser waits for it any more, and the web server has therefore ended."""
+    server = start_server()
+    lock = server.state / name
+    with lock.open("w") as tool:
+        fcntl.flock(tool, fcntl.LOCK_EX)
+        command = [CONFIGURATION / "finish", str(server.pid), server.state]
+        with subprocess.Popen(command) as finishing:
+            wait_until(server.has_ended)
+            wait_until(lambda: is_awaited(lock))
+            assert finishing.poll() is None
+            fcntl.flock(tool, fcntl.LOCK_UN)
+            assert finishing.wait(LIMIT) == 0
+    # As after a web server that has ended by itself.
+    assert subprocess.run([CONFIGURATION / "finish", server.state], check=False).returncode == 0
 
 
 def test_state_that_is_gone(server: WebServer, browser: Browser) -> None:
