@@ -6,7 +6,7 @@ from places import ROOT
 
 
 def test_copyright_is_up_to_date() -> None:
-    done = subprocess.run([ROOT / "packaging" / "copyright"], capture_output=True, text=True)
+    done = subprocess.run([ROOT / "packaging" / "copyright.py"], capture_output=True, text=True)
     assert (done.stderr, done.returncode) == ("", 0)
     written = (ROOT / "debian" / "copyright").read_text(encoding="utf-8")
-    assert done.stdout == written, "run packaging/copyright >debian/copyright"
+    assert done.stdout == written, "run packaging/copyright.py >debian/copyright"

@@ -13,6 +13,7 @@ SCENARIOS = {
     for path in (ROOT / "simulator" / "scenarios").glob("*.json")
     if not path.stem.endswith(".schema")
 }
+SCRIPTS = ["gc-web-certificate", "gc-web-password"]
 RUN_WORDS = {"single", "calib", "auto"}
 ABORT_WORDS = {"now", "auto"}
 
@@ -46,7 +47,8 @@ def verbs_in_usage() -> set[str]:
 
 def tags(program: str) -> list[list[str]]:
     """The words of each entry of the page's lists: `.It Fl h , -help` has -h, `,` and --help."""
-    page = (MANUAL / "man1" / f"{program}.1").read_text(encoding="utf-8")
+    section = 8 if program in SCRIPTS else 1
+    page = (MANUAL / f"man{section}" / f"{program}.{section}").read_text(encoding="utf-8")
     return [line.split() for line in re.findall(r"^\.It (.*)$", page, re.MULTILINE)]
 
 
@@ -86,6 +88,18 @@ def test_options(program: str) -> None:
     assert len(options) >= 5
     assert options_in_manual(program) == options
     assert offered(program, "-") == options
+
+
+@pytest.mark.parametrize("script", SCRIPTS)
+def test_options_of_scripts(script: str) -> None:
+    """Their usage is one line on standard error, for which a wrong number of arguments is enough."""
+    program = ROOT / "web" / "server" / script
+    arguments = ["--file", "", "a", "b"]
+    done = subprocess.run([program, *arguments], capture_output=True, text=True, check=False)
+    options = set(re.findall(r"--\w+", done.stderr))
+    assert done.returncode == 2 and "--file" in options
+    assert options_in_manual(script) == options
+    assert {word for word in offered(script, "--") if word[0] == "-"} == options
 
 
 def test_words_of_the_tool() -> None:

@@ -44,6 +44,12 @@ def test_changelog() -> None:
     assert re.findall(r"^## (\S+)", text, re.MULTILINE)[0] == version()
 
 
+def test_package() -> None:
+    text = (ROOT / "debian" / "changelog").read_text(encoding="utf-8")
+    found = re.match(r"gc-web \((\d+\.\d+\.\d+)(-[\w.+~]+)?\) ", text)
+    assert found is not None and found[1] == version(), text[:60]
+
+
 def test_interface() -> None:
     described = json.loads((ROOT / "docs" / "openapi.json").read_text(encoding="utf-8"))
     assert described["info"]["version"] == version()

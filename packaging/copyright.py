@@ -1,5 +1,5 @@
 #!/usr/bin/python3 -B
-"""Prints debian/copyright: packaging/copyright >debian/copyright
+"""Prints debian/copyright: packaging/copyright.py >debian/copyright
 
 The parts of other projects that are shipped, with their notices: of the pages, what the lock file says is needed at
 run time; of the programs, the Debian packages below. Their own files have the notices.
@@ -28,7 +28,7 @@ LINKED = {
 
 
 def fail(reason: str) -> None:
-    raise SystemExit(f"packaging/copyright: {reason}")
+    raise SystemExit(f"packaging/copyright.py: {reason}")
 
 
 def debian_notice(package: str) -> str:
@@ -147,7 +147,7 @@ def print_all() -> None:
         stanza(
             Files="*",
             Copyright=f"{YEARS}, {HOLDER}",
-            License="all-rights-reserved\n No licence has been chosen for this project. All rights are reserved.",
+            License="all-rights-reserved",
         )
     )
     print(
@@ -158,6 +158,11 @@ def print_all() -> None:
             ),
             License="all-rights-reserved and Expat",
             Comment=f"\n The scripts contain, as the lock file of the pages has them:\n {names}.",
+        )
+    )
+    print(
+        stanza(
+            License="all-rights-reserved\n No licence has been chosen for this project. All rights are reserved."
         )
     )
     print(stanza(License=f"Expat\n{continuation(next(iter(texts.values())))}"), end="")
