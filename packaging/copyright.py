@@ -131,8 +131,11 @@ def print_all() -> None:
     notices = [re.search(r"^Copyright \(c\) (.*)$", notice, re.MULTILINE) for *_, notice in parts]
     if None in notices:
         fail("a notice of an npm package without a copyright line")
-    texts = {notice.partition(f"{found[0]}\n")[2].strip() for (*_, notice), found in zip(parts, notices)}
-    texts = {re.sub(r"\s+", " ", text): text for text in texts}
+    # The same but for line ends: the last package's is shown.
+    texts = {}
+    for (*_, notice), found in zip(parts, notices):
+        text = notice.partition(f"{found[0]}\n")[2].strip()
+        texts[re.sub(r"\s+", " ", text)] = text
     if len(texts) != 1:
         fail("the npm packages have different texts of one licence")
     names = ", ".join(f"{name} {version}" for name, version, _ in parts)
