@@ -91,7 +91,7 @@ def _activity(process: int) -> list[tuple[int, str, int]]:
     found: list[tuple[int, str, int]] = []
     try:
         threads = os.listdir(f"/proc/{process}/task")
-    except FileNotFoundError:  # ended meanwhile
+    except (FileNotFoundError, ProcessLookupError):  # ended meanwhile
         return found
     for thread in threads:
         folder = Path(f"/proc/{process}/task/{thread}")
