@@ -75,7 +75,7 @@ class Machine:
         return subprocess.Popen([*self._enter(*every), *variables, *shell, *command], **options)
 
     def attempt(
-        self, *command: str, umask: str = "022", stdin: str = ""
+        self, *command: str, umask: str = "022", stdin: str = "", limit: int = LIMIT
     ) -> subprocess.CompletedProcess[str]:
         """Runs a command on the machine; both outputs are in `stdout`."""
         process = self.start(
@@ -87,7 +87,7 @@ class Machine:
             text=True,
         )
         try:
-            said = process.communicate(stdin, timeout=LIMIT)[0]
+            said = process.communicate(stdin, timeout=limit)[0]
         except subprocess.TimeoutExpired:
             process.kill()
             said = process.communicate()[0]
