@@ -71,7 +71,7 @@ describe('reports', () => {
     expect(!answer.ok && answer.fault.detail).toBe('The connection failed');
   });
 
-  it.each(['do not accept %j', '{"other": 1}', '[]', 'null', ''])('are not %j', async (body) => {
+  it.each(['<html>', '{"other": 1}', '[]', 'null', ''])('do not accept %j', async (body) => {
     answerWith(200, body);
     expect(await getStatus()).toEqual({
       ok: false,
