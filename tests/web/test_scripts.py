@@ -40,6 +40,18 @@ def complaint(done: subprocess.CompletedProcess[bytes]) -> str:
     return done.stderr.decode()
 
 
+@pytest.mark.parametrize("script", [SET_PASSWORD, SET_CERTIFICATE])
+def test_usage(script: Path) -> None:
+    for option in ("-h", "--help"):
+        done = subprocess.run([script, option], capture_output=True, text=True)
+        assert (done.returncode, done.stderr) == (0, "")
+        assert done.stdout.startswith(f"usage: {script.name} [--file FILE] ")
+    # None of these reaches for the controller's own file.
+    for wrong in (["--file"], ["--file", ""]):
+        refused = subprocess.run([script, *wrong], capture_output=True, text=True)
+        assert (refused.returncode, refused.stdout, refused.stderr) == (2, "", done.stdout)
+
+
 USERS = ["anna.k", "anna-k", "annaxk", "a", "A", "ab", "..", ".", "-n", "1", "01", "1e0", "0x1"]
 
 
