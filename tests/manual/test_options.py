@@ -92,12 +92,10 @@ def test_options(program: str) -> None:
 
 @pytest.mark.parametrize("script", SCRIPTS)
 def test_options_of_scripts(script: str) -> None:
-    """Their usage is one line on standard error, for which a wrong number of arguments is enough."""
     program = ROOT / "web" / "server" / script
-    arguments = ["--file", "", "a", "b"]
-    done = subprocess.run([program, *arguments], capture_output=True, text=True, check=False)
-    options = set(re.findall(r"--\w+", done.stderr))
-    assert done.returncode == 2 and "--file" in options
+    usage = subprocess.run([program, "--help"], capture_output=True, text=True, check=True).stdout
+    options = set(re.findall(r"--\w+", usage))
+    assert "--file" in options
     assert options_in_manual(script) == options
     assert {word for word in offered(script, "--") if word[0] == "-"} == options
 
