@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <set>
 #include <system_error>
 #include <utility>
@@ -147,10 +148,25 @@ bool namesWhatIsThere(const rapidjson::Document& aDocument, std::string& fault) 
   return true;
 }
 
-bool isFit(rapidjson::Document& document, const rapidjson::Document& aSchema, std::string& fault) {
+/// The shipped schema, which is read once. Null, with the reason, if it cannot be read.
+const ScenarioSchema* schemaOfScenarios(std::string& error) {
+  static std::unique_ptr<const ScenarioSchema> sSchema;
+  if (!sSchema) {
+    const std::string path = shipped("scenario.schema.json");
+    rapidjson::Document text;
+    if (!readJson(path, text, error)) {
+      error = path + ": " + error;
+      return nullptr;
+    }
+    sSchema = std::make_unique<ScenarioSchema>(std::move(text));
+  }
+  return sSchema.get();
+}
+
+bool isFit(rapidjson::Document& document, const ScenarioSchema& aSchema, std::string& fault) {
   {
     const Exemption exemption(document);
-    if (!fitsSchema(document, aSchema, fault) || !exemption.isComplete(document, fault)) {
+    if (!aSchema.fits(document, fault) || !exemption.isComplete(document, fault)) {
       return false;
     }
   }
@@ -160,16 +176,14 @@ bool isFit(rapidjson::Document& document, const rapidjson::Document& aSchema, st
 }  // namespace
 
 bool loadScenario(const std::string& aNameOrPath, Scenario& scenario, std::string& error) {
-  const std::string schemaPath = shipped("scenario.schema.json");
-  rapidjson::Document schema;
-  std::string fault;
-  if (!readJson(schemaPath, schema, fault)) {
-    error = schemaPath + ": " + fault;
+  const ScenarioSchema* schema = schemaOfScenarios(error);
+  if (schema == nullptr) {
     return false;
   }
+  std::string fault;
   const std::string path = pathOf(aNameOrPath);
   rapidjson::Document document;
-  if (!readJson(path, document, fault) || !isFit(document, schema, fault)) {
+  if (!readJson(path, document, fault) || !isFit(document, *schema, fault)) {
     error = path + ": " + fault;
     return false;
   }

@@ -3,11 +3,11 @@
 
 #include <JsonText.h>
 #include <rapidjson/pointer.h>
-#include <rapidjson/schema.h>
 #include <rapidjson/stringbuffer.h>
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "model/Parameters.h"
 
@@ -99,10 +99,11 @@ std::string reasonOfStep(const rapidjson::Pointer& aPointer, const rapidjson::Va
 
 }  // namespace
 
-bool fitsSchema(const rapidjson::Document& aDocument, const rapidjson::Document& aSchema,
-                std::string& fault) {
-  const rapidjson::SchemaDocument schema(aSchema);
-  ShallowValidator validator(schema);
+ScenarioSchema::ScenarioSchema(rapidjson::Document&& aText)
+    : mText(std::move(aText)), mSchema(mText) {}
+
+bool ScenarioSchema::fits(const rapidjson::Document& aDocument, std::string& fault) const {
+  ShallowValidator validator(mSchema);
   if (aDocument.Accept(validator)) {
     return true;
   }
@@ -120,7 +121,7 @@ bool fitsSchema(const rapidjson::Document& aDocument, const rapidjson::Document&
                                           : reasonOf(keyword));
   if (keyword == "required") {
     fault +=
-        missingMember(*pointer.Get(aDocument), *validator.GetInvalidSchemaPointer().Get(aSchema));
+        missingMember(*pointer.Get(aDocument), *validator.GetInvalidSchemaPointer().Get(mText));
   }
   return false;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <rapidjson/document.h>
+#include <rapidjson/schema.h>
 
 #include <string>
 
@@ -10,8 +11,17 @@ namespace simulator {
 /// Stands for a JSON pointer to the whole.
 constexpr char cWholeDocument[] = "(document)";
 
-/// False, with "JSON-POINTER: reason" in `fault`, when a document does not fit the schema.
-bool fitsSchema(const rapidjson::Document& aDocument, const rapidjson::Document& aSchema,
-                std::string& fault);
+/// Preparing it takes longer than a check.
+class ScenarioSchema {
+ public:
+  explicit ScenarioSchema(rapidjson::Document&& aText);
+
+  /// False, with "JSON-POINTER: reason" in `fault`, when a document does not fit the schema.
+  bool fits(const rapidjson::Document& aDocument, std::string& fault) const;
+
+ private:
+  rapidjson::Document mText;
+  rapidjson::SchemaDocument mSchema;
+};
 
 }  // namespace simulator
