@@ -68,7 +68,11 @@ const states = [
       await says(page, 'state', 'Running');
     },
   },
-  { name: 'error', scenario: 'error', go: (page) => says(page, 'state', 'Error') },
+  {
+    name: 'error',
+    scenario: 'error',
+    go: (page) => says(page, 'state', 'Error'),
+  },
   {
     name: 'alarm',
     go: async (page, gc) => {

@@ -2,6 +2,7 @@
 import assert from 'node:assert/strict';
 import { browserTests, button, picture } from './support/browser.js';
 import { watchShifts } from './support/shifts.js';
+import { enter } from './support/tables.js';
 
 const browserTest = browserTests();
 const path = '#/sequence';
@@ -34,9 +35,9 @@ browserTest('the length follows typing', { path }, async (page) => {
 });
 
 browserTest('lines of the bar and of the table lead to each other', { path }, async (page) => {
-  await cell(page, 'Flush time', 3).focus();
   const marked = bar(page).locator('.stretch.focused');
-  await marked.and(page.getByLabel(/^Line 3: Analysis, stream 2, 3 runs/)).waitFor();
+  const third = page.getByLabel(/^Line 3: Analysis, stream 2, 3 runs/);
+  await enter(cell(page, 'Flush time', 3), marked.and(third));
   await bar(page)
     .getByLabel(/^Line 1: Calibration/)
     .click();
@@ -98,14 +99,16 @@ const full = {
   context: { viewport: { width: 360, height: 740 } },
 };
 browserTest('twenty lines on a phone', full, async (page) => {
-  await cell(page, 'Runs', 20).focus();
-  await bar(page).locator('.stretch.focused').waitFor();
+  await enter(cell(page, 'Runs', 20), bar(page).locator('.stretch.focused'));
   assert.equal(await bar(page).getByRole('button').count(), 20);
   const names = await bar(page)
     .locator('.line-name')
     .evaluateAll((all) =>
       all
-        .map((one) => ({ text: one.textContent, box: one.getBoundingClientRect() }))
+        .map((one) => ({
+          text: one.textContent,
+          box: one.getBoundingClientRect(),
+        }))
         .filter(({ text }) => text !== '')
         .map(({ text, box: { left, right } }) => ({ text, left, right })),
     );
@@ -120,8 +123,7 @@ browserTest('twenty lines on a phone', full, async (page) => {
 
 const forced = { path, context: { forcedColors: 'active' } };
 browserTest('forced colours show flushing, runs and focused line', forced, async (page) => {
-  await cell(page, 'Runs', 2).focus();
-  await bar(page).locator('.stretch.focused').waitFor();
+  await enter(cell(page, 'Runs', 2), bar(page).locator('.stretch.focused'));
   const styles = await bar(page).evaluate((list) =>
     ['.run', '.flush', '.frame'].map((name) => {
       const { stroke, strokeWidth, strokeDasharray } = getComputedStyle(list.querySelector(name));

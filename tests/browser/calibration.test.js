@@ -74,7 +74,9 @@ browserTest('amounts that have changed on the instrument', { path }, async (page
   await amount(page, 1).fill('5');
   await gc.set('mLevelAmt2[1]', 2.75);
   await button(page, 'Compare and send…').click();
-  const conflict = page.getByRole('dialog', { name: 'The instrument’s table has changed' });
+  const conflict = page.getByRole('dialog', {
+    name: 'The instrument’s table has changed',
+  });
   await conflict.getByRole('row', { name: '~ changed 5 2 1 Propane 2.5 → 2.75' }).waitFor();
   await page.keyboard.press('Escape');
   await conflict.waitFor({ state: 'detached' });

@@ -219,7 +219,10 @@ browserTest(
     page.on('request', (request) => (asked += Number(request.url().endsWith('/api/status'))));
     const hide = (isHidden) =>
       page.evaluate((value) => {
-        Object.defineProperty(document, 'hidden', { value, configurable: true });
+        Object.defineProperty(document, 'hidden', {
+          value,
+          configurable: true,
+        });
         document.dispatchEvent(new Event('visibilitychange'));
       }, isHidden);
     await page.getByRole('region', { name: 'Channel 1' }).waitFor();

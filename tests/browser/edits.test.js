@@ -55,11 +55,19 @@ browserTest('undo goes back through all steps, in order', { path }, async (page)
 });
 
 browserTest('an import over edits asks first, and can be undone', { path }, async (page) => {
-  const line = { Type: 'Blank', Repeat: 9, Stream: 1, Slot: 0, Flush_time: 0 };
+  const line = {
+    Type: 'Blank',
+    Repeat: 9,
+    Stream: 1,
+    Slot: 0,
+    Flush_time: 0,
+  };
   const file = JSON.stringify({ Table_repeat: 1, total: 1, rows: [line] });
   await cell(page, 'Runs', 1).fill('4');
   await choose(page, 'mine.json', file);
-  const dialog = page.getByRole('dialog', { name: 'Replace the changes made here?' });
+  const dialog = page.getByRole('dialog', {
+    name: 'Replace the changes made here?',
+  });
   await dialog.getByRole('row', { name: '~ changed 1 Calibration 2 → 4' }).waitFor();
   await button(dialog, 'Cancel').click();
   assert.deepEqual(await runs(page), ['4', '5', '3']);
@@ -95,7 +103,9 @@ browserTest('edits survive a reload of the page', { path, leaves: true }, async 
   await page.goto('/#/sequence');
   assert.deepEqual(await runs(page), ['2', '8', '3']);
   await button(page, 'Compare and send…').click();
-  const conflict = page.getByRole('dialog', { name: 'The instrument’s table has changed' });
+  const conflict = page.getByRole('dialog', {
+    name: 'The instrument’s table has changed',
+  });
   await conflict.getByRole('row', { name: '~ changed 3 Analysis 3 → 6' }).waitFor();
   await button(conflict, 'Keep my table and compare again').click();
   await button(page.getByRole('dialog', { name: 'Send the sequence?' }), 'Send').click();

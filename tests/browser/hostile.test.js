@@ -28,7 +28,11 @@ const texts = {
 const [first, ...others] = everyday.peaks;
 writeFileSync(
   scenario,
-  JSON.stringify({ ...everyday, texts, peaks: [{ ...first, name: peak }, ...others] }),
+  JSON.stringify({
+    ...everyday,
+    texts,
+    peaks: [{ ...first, name: peak }, ...others],
+  }),
 );
 
 const browserTest = browserTests();

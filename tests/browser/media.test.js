@@ -41,7 +41,10 @@ browserTest('print has a white background and no controls', dark, async (page) =
   await page.getByRole('img', { name: /^Curve/ }).waitFor();
 });
 
-const narrow = { path: '#/sequence', context: { viewport: { width: 700, height: 900 } } };
+const narrow = {
+  path: '#/sequence',
+  context: { viewport: { width: 700, height: 900 } },
+};
 browserTest('a printed sequence is one table', narrow, async (page) => {
   await page.getByLabel('Runs, line 3').waitFor();
   const head = page.locator('thead').first();

@@ -60,7 +60,10 @@ const displays = [
     scenario: 'everyday',
     context: { viewport: { width: 1280, height: 720 }, colorScheme: 'dark' },
   },
-  { scenario: 'four-channel', context: { viewport: { width: 1920, height: 1080 } } },
+  {
+    scenario: 'four-channel',
+    context: { viewport: { width: 1920, height: 1080 } },
+  },
 ];
 for (const { scenario, context } of displays) {
   const wall = { path: '#/wall', scenario, context };
@@ -90,7 +93,9 @@ browserTest(
   'configuration: all channels, one of them disabled',
   { path: '#/configuration', scenario: 'four-channel' },
   async (page) => {
-    const row = page.getByRole('row', { name: '4 yes, disabled Dimethylpolysiloxane, 8 m' });
+    const row = page.getByRole('row', {
+      name: '4 yes, disabled Dimethylpolysiloxane, 8 m',
+    });
     await row.waitFor();
     await picture(page, 'configuration', 1024);
   },
@@ -111,11 +116,15 @@ const warming = { scenario: 'warming-up', isClockOurs: true };
 browserTest('curves while the columns warm up', warming, async (page, gc) => {
   await page.getByRole('region', { name: 'Last hour' }).waitFor();
   await goOn(page, gc, 5);
-  const numbers = page.getByRole('table', { name: 'Column temperature, all channels in numbers' });
+  const numbers = page.getByRole('table', {
+    name: 'Column temperature, all channels in numbers',
+  });
   const row = numbers.getByRole('row', { name: 'Channel 1' });
   const [now, lowest, highest] = (await row.getByRole('cell').allTextContents()).map(Number);
   assert.ok(lowest < now - 10 && Math.abs(highest - now) < 0.1, `${lowest} ${now} ${highest}`);
-  const curves = page.getByRole('img', { name: 'Curve: Column temperature, all channels' });
+  const curves = page.getByRole('img', {
+    name: 'Curve: Column temperature, all channels',
+  });
   await curves.locator('canvas').waitFor();
 
   await page.getByLabel('Quantity').selectOption('Column pressure, channel 1');

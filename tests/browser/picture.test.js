@@ -20,7 +20,12 @@ const sizes = [
   { path: '#/wall', viewport: { width: 1280, height: 720 } },
 ];
 for (const { path, viewport } of sizes) {
-  const options = { path, isClockOurs: true, scenario: 'warming-up', context: { viewport } };
+  const options = {
+    path,
+    isClockOurs: true,
+    scenario: 'warming-up',
+    context: { viewport },
+  };
   browserTest(`nothing moves: ${path}, ${viewport.width}`, options, async (page, gc) => {
     await page.getByText('Initializing').first().waitFor();
     await goOn(page, gc, 40);

@@ -2,6 +2,7 @@
 import assert from 'node:assert/strict';
 import { browserTests, button, picture } from './support/browser.js';
 import { watchShifts } from './support/shifts.js';
+import { enter } from './support/tables.js';
 
 const browserTest = browserTests();
 const path = '#/calibration';
@@ -48,9 +49,9 @@ browserTest('the sum of amounts during typing', { path }, async (page, gc) => {
 });
 
 browserTest('sticks and cells lead to each other', { path }, async (page) => {
-  await amount(page, 8).focus();
   const marked = page.locator('.stick.focused');
-  await marked.and(page.getByLabel('neo-Pentane: retention time 50.4, amount 0.05')).waitFor();
+  const stick = page.getByLabel('neo-Pentane: retention time 50.4, amount 0.05');
+  await enter(amount(page, 8), marked.and(stick));
   await page.keyboard.press('Enter');
   await marked.and(page.getByLabel(/^i-Pentane:/)).waitFor();
   await picture(page, 'calibration-sticks');
@@ -82,10 +83,11 @@ const boxes = (locator) =>
 for (const [name, context] of Object.entries({ desktop: {}, phone })) {
   const options = { path, scenario: 'four-channel', context };
   browserTest(`names do not overlap, ${name}`, options, async (page) => {
-    await amount(page, 399).focus();
-    await page.locator('.stick.focused').waitFor();
+    await enter(amount(page, 399), page.locator('.stick.focused'));
     for (const channel of [1, 2, 3, 4]) {
-      const list = page.getByRole('list', { name: `Peaks of channel ${channel}` });
+      const list = page.getByRole('list', {
+        name: `Peaks of channel ${channel}`,
+      });
       assert.equal(await list.getByRole('button').count(), 100);
       const svg = (await boxes(list))[0];
       const names = await boxes(list.locator('.name'));
@@ -133,7 +135,10 @@ browserTest('all channels are printed', paper, async (page) => {
   await peaks(page, 4).first().waitFor();
   await page.emulateMedia({ media: 'print' });
   for (const channel of [1, 2, 3, 4]) {
-    const region = page.getByRole('region', { name: `Channel ${channel}`, exact: true });
+    const region = page.getByRole('region', {
+      name: `Channel ${channel}`,
+      exact: true,
+    });
     const { clipped } = await region.evaluate((element) => {
       let clipped = 0;
       for (let up = element.parentElement; up; up = up.parentElement) {
@@ -148,7 +153,7 @@ browserTest('all channels are printed', paper, async (page) => {
 
 const forced = { path, context: { forcedColors: 'active' } };
 browserTest('forced colours show the marked peak by its shape, too', forced, async (page) => {
-  await amount(page, 5).focus();
+  await enter(amount(page, 5), page.locator('.stick.focused'));
   const width = (name) =>
     page
       .getByLabel(name)

@@ -156,7 +156,10 @@ browserTest('a hidden window with timers that stand still', { isPatient: true },
   await page.getByRole('region', { name: 'Channel 1' }).waitFor();
   // As after some minutes in the background: only the worker still ticks.
   await page.evaluate(() => {
-    Object.defineProperty(document, 'hidden', { value: true, configurable: true });
+    Object.defineProperty(document, 'hidden', {
+      value: true,
+      configurable: true,
+    });
     document.dispatchEvent(new Event('visibilitychange'));
     for (let id = Number(setTimeout(() => {}, 0)); id >= 0; id--) {
       clearTimeout(id);

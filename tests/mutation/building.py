@@ -72,6 +72,9 @@ class Build:
         )
         shutil.copytree(ROOT, self.tree, ignore=ignored)
         (folder / "objects").mkdir()
+        (folder / "base").mkdir()
+        # Programs look for the scenarios beside their own folder.
+        (folder / "share").symlink_to(folder / "cmake" / "share")
         self.sanitized = sanitized
         units = self._configure()
         programs = [TestProgram(program, units) for program in area.programs]
@@ -113,7 +116,7 @@ class Build:
             if message:
                 raise SystemExit(f"{unit.file} does not compile:\n{message}")
         for tested in self.programs:
-            program = self.folder / tested.program.tests
+            program = self.folder / "base" / tested.program.tests
             self.link(tested, [self.base(unit) for unit in tested.units], program)
             run = self.run(tested, program, [])
             program.unlink()

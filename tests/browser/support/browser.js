@@ -85,7 +85,10 @@ export function browserTests(...serverOptions) {
   before(async () => {
     // One after the other: an unknown browser would keep this process from ending.
     instrument = await Instrument.start(...serverOptions);
-    browser = await chromium.launch({ executablePath: '/usr/bin/chromium', args: flags });
+    browser = await chromium.launch({
+      executablePath: '/usr/bin/chromium',
+      args: flags,
+    });
   });
   after(() => Promise.all([browser?.close(), instrument?.stop()]));
 
@@ -137,7 +140,11 @@ export async function picture(page, name, width = page.viewportSize().width) {
     ),
   );
   const clip = { x: 0, y: 0, width, height: Math.ceil(height) };
-  await page.screenshot({ path: `${screenshots}/${name}.png`, fullPage: true, clip });
+  await page.screenshot({
+    path: `${screenshots}/${name}.png`,
+    fullPage: true,
+    clip,
+  });
   await page.setViewportSize(before);
 }
 
